@@ -1,0 +1,51 @@
+#!/usr/bin/env bash
+# Installs everything ORB's builds and tests need on a fresh Debian 12 machine:
+# the native toolchain, the mingw-w64 i686 cross compiler (posix threads), 32-bit
+# wine, METIS and GoogleTest. Safe to run again; it skips what is already there.
+#
+#   tools/install-deps.sh            build and test dependencies
+#   tools/install-deps.sh --bench    also the peer libraries the benchmarks compare with
+set -euo pipefail
+
+want_bench=0
+[ "${1:-}" = "--bench" ] && want_bench=1
+
+SUDO=""
+[ "$(id -u)" -ne 0 ] && SUDO="sudo"
+export DEBIAN_FRONTEND=noninteractive
+
+native_pkgs=(build-essential cmake ninja-build pkg-config python3 googletest libgtest-dev
+             libmetis-dev g++-mingw-w64-i686-posix gcc-mingw-w64-i686-posix
+             binutils-mingw-w64-i686 xz-utils dpkg-dev)
+bench_pkgs=(libbenchmark-dev libopenblas-pthread-dev libblis-pthread-dev)
+
+missing=()
+for p in "${native_pkgs[@]}"; do
+  dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q "install ok installed" || missing+=("$p")
+done
+if [ "$want_bench" = 1 ]; then
+  for p in "${bench_pkgs[@]}"; do
+    dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q "install ok installed" || missing+=("$p")
+  done
+fi
+if [ "${#missing[@]}" -gt 0 ]; then
+  $SUDO apt-get update -qq
+  $SUDO apt-get install -y -qq "${missing[@]}"
+fi
+
+# 32-bit wine. The security suite carries no i386 packages, so apt cannot match
+# amd64 and i386 versions while it is in the list; resolve against the main
+# suites only.
+if ! dpkg-query -W -f='${Status}' wine32:i386 2>/dev/null | grep -q "install ok installed"; then
+  $SUDO dpkg --add-architecture i386
+  work=$(mktemp -d)
+  awk 'BEGIN{RS="";ORS="\n\n"} !/security/' /etc/apt/sources.list.d/debian.sources \
+    > "$work/main-only.sources"
+  mkdir -p "$work/lists/partial"
+  O=(-o "Dir::Etc::sourcelist=$work/main-only.sources" -o Dir::Etc::sourceparts=/nonexistent
+     -o "Dir::State::Lists=$work/lists")
+  $SUDO apt-get "${O[@]}" update -qq
+  $SUDO apt-get "${O[@]}" install -y -qq wine32:i386 wine
+  rm -rf "$work"
+fi
+echo "install-deps: done"
