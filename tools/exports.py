@@ -2,7 +2,7 @@
 """The export table at work: generates the link-time export lists, checks a
 built library against them, and reports progress.
 
-  exports.py generate --table T --target linux|win32 --nm NM --archive A --out DIR
+  exports.py generate --table T --target linux|win32 (--nm NM --archive A | --symbols F) --out DIR
       Writes orb.def (win32), orb.map and orb_aliases.ld (linux), orb_fortran.c
       and exported.txt: the names of every row whose entry routine the archive
       defines, with their aliases.
@@ -92,7 +92,12 @@ def write(path, text):
 
 def generate(args):
     rows = read_table(args.table)
-    live = exported_rows(rows, args.target, defined_symbols(args.nm, args.archive))
+    if args.symbols:
+        with open(args.symbols) as f:
+            symbols = set(f.read().split())
+    else:
+        symbols = defined_symbols(args.nm, args.archive)
+    live = exported_rows(rows, args.target, symbols)
     os.makedirs(args.out, exist_ok=True)
     by_name = {r.name: r for r in rows}
     exported = []  # (name, entry name)
@@ -273,8 +278,9 @@ def main():
     g = sub.add_parser("generate")
     g.add_argument("--table", required=True)
     g.add_argument("--target", choices=["linux", "win32"], required=True)
-    g.add_argument("--nm", required=True)
-    g.add_argument("--archive", required=True)
+    g.add_argument("--nm")
+    g.add_argument("--archive")
+    g.add_argument("--symbols", help="a file listing the defined symbols, instead of --nm/--archive")
     g.add_argument("--out", required=True)
     h = sub.add_parser("header-names")
     h.add_argument("--table", required=True)

@@ -7,6 +7,13 @@
 #include "service/report.h"
 #include "support/child.h"
 
+#ifdef _WIN32
+#define WIN32_LEAN_AND_MEAN
+#include <windows.h>
+
+#include "service/platform/platform.h"
+#endif
+
 namespace {
 
 using orb::msg::print;
@@ -121,5 +128,39 @@ TEST(Catalogue, OverflowBoundary) {
   EXPECT_EQ(over.exit_code, 8);
   EXPECT_NE(over.out.find("Lenght: 514"), std::string::npos) << over.out;
 }
+
+#ifdef _WIN32
+ORB_CHILD(localised) {
+  int code = 4;
+  XERBLA("SGEMM ", &code, 6);  // message 6: in the module
+  code = 1000;
+  XERBLA("SGETRF", &code, 6);  // message 8: in the module
+  code = 1001;
+  XERBLA("SGETRF", &code, 6);  // message 9: not in it, the built-in text
+  return 0;
+}
+
+// The module is looked for as "<thread locale>/orb_msg" from the working
+// directory; its texts arrive without their trailing CR LF.
+TEST(Catalogue, LocalisedModuleOfTheThreadLocale) {
+  const std::string dir = std::to_string(orb::platform::thread_locale());
+  ASSERT_NE(dir, "0");
+  char exe[MAX_PATH];
+  DWORD n = GetModuleFileNameA(nullptr, exe, sizeof exe);
+  std::string fixture(exe, n);
+  fixture = fixture.substr(0, fixture.find_last_of("\\/") + 1) + "orb_msg.dll";
+  const std::string copy = dir + "\\orb_msg.dll";
+  CreateDirectoryA(dir.c_str(), nullptr);
+  ASSERT_TRUE(CopyFileA(fixture.c_str(), copy.c_str(), FALSE)) << fixture;
+  auto r = orb::test::run_child("localised");
+  DeleteFileA(copy.c_str());
+  RemoveDirectoryA(dir.c_str());
+  EXPECT_EQ(r.exit_code, 0);
+  EXPECT_EQ(r.out,
+            "LOCALISED parameter 4 of SGEMM \n"
+            "LOCALISED no work memory in SGETRF\n"
+            "ORB ERROR: Incompatible optional parameters on entry to SGETRF\n");
+}
+#endif
 
 }  // namespace
