@@ -48,4 +48,6 @@ if ! dpkg-query -W -f='${Status}' wine32:i386 2>/dev/null | grep -q "install ok 
   $SUDO apt-get "${O[@]}" install -y -qq wine32:i386 wine
   rm -rf "$work"
 fi
+# METIS for the Windows build, cross-compiled from Debian's source package.
+"$(dirname "$0")/build-metis-win32.sh"
 echo "install-deps: done"
