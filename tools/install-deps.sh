@@ -16,7 +16,7 @@ export DEBIAN_FRONTEND=noninteractive
 
 native_pkgs=(build-essential cmake ninja-build pkg-config python3 googletest libgtest-dev
              libmetis-dev g++-mingw-w64-i686-posix gcc-mingw-w64-i686-posix
-             binutils-mingw-w64-i686 xz-utils dpkg-dev)
+             binutils-mingw-w64-i686 xz-utils dpkg-dev libblas-test liblapack-test)
 bench_pkgs=(libbenchmark-dev libopenblas-pthread-dev libblis-pthread-dev)
 
 missing=()

@@ -26,34 +26,24 @@ struct Entry {
   const char *text;
 };
 
-// clang-format off
+// The built-in texts, by subsystem.
 constexpr Entry kBuiltin[] = {
-  {0, kInfo, ""},
-  {1, kError, "ORB FATAL ERROR: Cannot load %s"},
-  {2, kError, "ORB FATAL ERROR: Cannot load neither %s nor %s"},
-  {3, kError, "ORB FATAL ERROR on load the function %s"},
-  {4, kInfo, "ORB WARNING: ORB_DEBUG_CPU_TYPE=%d not convenient for this processor."},
-  {5, kInfo, "ORB WARNING: library %s (ORB type %d) not convenient for this processor (ORB type %d)."},
-  {6, kError, "ORB ERROR: Parameter %d was incorrect on entry to %s"},
-  {7, kError, "ORB INTERNAL ERROR: Condition %d detected in function %s"},
-  {8, kError, "ORB INTERNAL ERROR: Not enough work memory in function %s"},
-  {9, kError, "ORB ERROR: Incompatible optional parameters on entry to %s"},
-  {10, kInfo, "-------------------------------------------------------------------------------"},
-  {774, kError, "ORB ERROR: TESSERA could not release its memory."},
-  {956, kInfo, "ORB_TESSERA_OOC_CFG_PATH = %s"},
-  {957, kInfo, "ORB_TESSERA_OOC_CFG_FILE_NAME = %s"},
-  {958, kInfo, "ORB_TESSERA_OOC_PATH = %s"},
-  {959, kInfo, "ORB_TESSERA_OOC_MAX_CORE_SIZE = %s"},
-  {960, kInfo, "ORB_TESSERA_OOC_KEEP_FILE = %s"},
-  {961, kInfo, "Cannot open the out-of-core configuration file %s; the defaults are used."},
+#define ORB_MESSAGE(number, cls, text) {number, cls, text},
+#include "service/messages.def"
+#include "iterative/messages_rci.def"
+#include "iterative/messages_ilu.def"
+#undef ORB_MESSAGE
 };
-// clang-format on
 
 constexpr int kCount = 962;
 
 constexpr std::array<Record, kCount> make_table() {
   std::array<Record, kCount> t{};
-  for (const Entry &e : kBuiltin) t[e.number] = Record{e.text, e.number + 1, e.cls};
+  for (const Entry &e : kBuiltin) {
+    // A number out of range or given twice stops the compilation here.
+    if (e.number < 0 || e.number >= kCount || t[e.number].number_plus_one != 0) throw e.number;
+    t[e.number] = Record{e.text, e.number + 1, e.cls};
+  }
   return t;
 }
 constexpr std::array<Record, kCount> kTable = make_table();

@@ -212,7 +212,56 @@ int determine_cache_class() {
   return class_of(largest);
 }
 
+// ---- wider paths --------------------------------------------------------------------
+
+// The extended control register 0: which register states the operating
+// system saves on a context switch.
+std::uint64_t read_xcr0() {
+  std::uint32_t lo, hi;
+  __asm__ volatile("xgetbv" : "=a"(lo), "=d"(hi) : "c"(0));
+  return (std::uint64_t{hi} << 32) | lo;
+}
+
+constexpr std::uint32_t kEcxFma = 1u << 12, kEcxOsxsave = 1u << 27, kEcxAvx = 1u << 28;
+constexpr std::uint32_t kEbxAvx2 = 1u << 5;
+constexpr std::uint32_t kEbxAvx512 = (1u << 16) | (1u << 17) | (1u << 30) | (1u << 31);
+constexpr std::uint64_t kXcr0Ymm = 0x6, kXcr0Zmm = 0xE6;
+
+// -1 undetermined, 0 no, 1 yes.
+std::atomic<int> g_avx2{-1}, g_avx512{-1};
+
+bool avx_state(std::uint64_t mask) {
+  if (highest_leaf() < 7) return false;
+  const std::uint32_t ecx = cpuid(1).ecx;
+  if ((ecx & (kEcxOsxsave | kEcxAvx | kEcxFma)) != (kEcxOsxsave | kEcxAvx | kEcxFma)) return false;
+  return (read_xcr0() & mask) == mask;
+}
+
+bool determine_avx2() {
+  return avx_state(kXcr0Ymm) && (cpuid(7, 0).ebx & kEbxAvx2) != 0;
+}
+bool determine_avx512() {
+  return avx_state(kXcr0Zmm) &&
+         (cpuid(7, 0).ebx & (kEbxAvx512 | kEbxAvx2)) == (kEbxAvx512 | kEbxAvx2);
+}
+
+bool once(std::atomic<int> &flag, bool (*determine)()) {
+  int v = flag.load(std::memory_order_relaxed);
+  if (v < 0) {
+    v = determine() ? 1 : 0;
+    flag.store(v, std::memory_order_relaxed);
+  }
+  return v != 0;
+}
+
 }  // namespace
+
+bool avx2_fma_usable() {
+  return once(g_avx2, determine_avx2);
+}
+bool avx512_usable() {
+  return once(g_avx512, determine_avx512);
+}
 
 Regs cpuid(std::uint32_t leaf, std::uint32_t subleaf) {
   return g_cpuid.load(std::memory_order_relaxed)(leaf, subleaf);
@@ -310,6 +359,8 @@ void reset_for_testing() {
   g_vml_type.store(kVmlUndetermined);
   g_cache_unqueried.store(true);
   g_cache_class.store(-1);
+  g_avx2.store(-1);
+  g_avx512.store(-1);
 }
 
 }  // namespace orb::cpu

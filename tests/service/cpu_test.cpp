@@ -258,6 +258,13 @@ TEST(RealProcessor, ProbesAgreeWithTheCompiler) {
   orb::cpu::CacheRecord r{};
   orb::cpu::cache_query(&r);
   EXPECT_LE(r.count, 4u);
+  // The wider paths need the instructions and the operating system's support,
+  // which the compiler's runtime checks too.
+  EXPECT_EQ(orb::cpu::avx2_fma_usable(),
+            __builtin_cpu_supports("avx2") && __builtin_cpu_supports("fma"));
+  EXPECT_EQ(orb::cpu::avx512_usable(),
+            __builtin_cpu_supports("avx512f") && __builtin_cpu_supports("avx512bw") &&
+                __builtin_cpu_supports("avx512dq") && __builtin_cpu_supports("avx512vl"));
 }
 
 ORB_CHILD(print_types) {
