@@ -17,6 +17,11 @@ set(CMAKE_FIND_ROOT_PATH_MODE_INCLUDE ONLY)
 set(CMAKE_C_FLAGS_INIT "-march=i686 -mfpmath=387")
 set(CMAKE_CXX_FLAGS_INIT "-march=i686 -mfpmath=387")
 set(CMAKE_EXE_LINKER_FLAGS_INIT "-static")
+# OpenMP's library lookup would take the import library libgomp.dll.a, which
+# -static does not override; point it at the archive.
+execute_process(COMMAND ${CMAKE_C_COMPILER} -print-file-name=libgomp.a
+                OUTPUT_VARIABLE _libgomp OUTPUT_STRIP_TRAILING_WHITESPACE)
+set(OpenMP_gomp_LIBRARY ${_libgomp} CACHE FILEPATH "libgomp, linked in statically")
 set(CMAKE_SHARED_LINKER_FLAGS_INIT "-static")
 # Test programs run under 32-bit wine.
 set(CMAKE_CROSSCOMPILING_EMULATOR ${CMAKE_CURRENT_LIST_DIR}/../tools/wine-run)

@@ -4,8 +4,8 @@
 // calls store the same pointer, so the slot needs no lock.
 //
 //   using DotFn = float (*)(int, const float *, int, const float *, int);
-//   constinit Slot<DotFn> sdot_slot{each<DotFn>(dot_generic, dot_sse2, dot_sse3,
-//                                              dot_ssse3, dot_sse42)};
+//   Slot<DotFn> sdot_slot{each<DotFn>(dot_generic, dot_sse2, dot_sse3,
+//                                     dot_ssse3, dot_sse42)};
 //   float r = sdot_slot(n, x, incx, y, incy);
 #pragma once
 
