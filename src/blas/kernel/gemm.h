@@ -1,0 +1,79 @@
+// GEMM micro-kernels, one set per instruction-set folder.
+//
+// A micro-kernel multiplies a packed sliver of op(A) (mr rows by k, stored
+// column after column: element (i, p) at a[p * mr + i]) by a packed sliver of
+// op(B) (k by nr, stored row after row: element (p, j) at b[p * nr + j]) and
+// updates an mr-by-nr tile of C (column-major, leading dimension ldc):
+//
+//   C := alpha * A B + beta * C,   C not read when beta is zero.
+//
+// The packed slivers are 64-byte aligned.
+#pragma once
+
+#include <complex>
+
+namespace orb::kernel {
+
+template <class T>
+using GemmUkr = void (*)(int k, const T *a, const T *b, T *c, int ldc, T alpha, T beta);
+
+// The shape of a micro-kernel and the blocking its driver uses with it.
+template <class T>
+struct GemmShape {
+  int mr, nr;      // tile
+  int mc, kc, nc;  // block of A (mc by kc), panel of B (kc by nc)
+  GemmUkr<T> ukr;
+};
+
+using c8 = std::complex<float>;
+using c16 = std::complex<double>;
+
+// The direct (unpacked) kernel for small or memory-bound products:
+// C := alpha op(A) op(B) + beta C straight from the caller's arrays.
+// trans: 0 no transpose, 1 transpose, 2 conjugate transpose.
+template <class T>
+using GemmDirect = void (*)(int ta, int tb, int m, int n, int k, T alpha, const T *a, int lda,
+                            const T *b, int ldb, T beta, T *c, int ldc);
+
+namespace generic {
+extern const GemmShape<float> sgemm_shape;  // block 64: the type-0 path
+GemmShape<double> dgemm_shape();
+GemmShape<c8> cgemm_shape();
+GemmShape<c16> zgemm_shape();
+template <class T>
+void gemm_direct(int ta, int tb, int m, int n, int k, T alpha, const T *a, int lda, const T *b,
+                 int ldb, T beta, T *c, int ldc);
+}  // namespace generic
+
+// 128-bit kernels for the 32- and 64-bit builds, one compilation per level.
+#define ORB_SSE_GEMM_DECLS                                                                \
+  GemmUkr<float> sgemm_ukr();                                                             \
+  int sgemm_mr();                                                                         \
+  int sgemm_nr();                                                                         \
+  void sgemm_direct(int ta, int tb, int m, int n, int k, float alpha, const float *a,     \
+                    int lda, const float *b, int ldb, float beta, float *c, int ldc);
+namespace sse2 {
+ORB_SSE_GEMM_DECLS
+}
+namespace sse3 {
+ORB_SSE_GEMM_DECLS
+}
+namespace ssse3 {
+ORB_SSE_GEMM_DECLS
+}
+namespace sse42 {
+ORB_SSE_GEMM_DECLS
+}
+#undef ORB_SSE_GEMM_DECLS
+
+// 256-bit FMA kernels (x86-64).
+namespace avx2 {
+void sgemm_ukr_16x6(int k, const float *a, const float *b, float *c, int ldc, float alpha,
+                    float beta);
+void dgemm_ukr_8x6(int k, const double *a, const double *b, double *c, int ldc, double alpha,
+                   double beta);
+void cgemm_ukr_8x3(int k, const c8 *a, const c8 *b, c8 *c, int ldc, c8 alpha, c8 beta);
+void zgemm_ukr_4x3(int k, const c16 *a, const c16 *b, c16 *c, int ldc, c16 alpha, c16 beta);
+}  // namespace avx2
+
+}  // namespace orb::kernel

@@ -1,0 +1,65 @@
+// Portable GEMM kernels: the micro-kernels of the type-0 path and of the
+// precisions without a vector kernel, and the direct kernel.
+#include <complex>
+#include <cstdint>
+
+#include "blas/kernel/gemm.h"
+
+namespace orb::kernel::generic {
+namespace {
+
+// Products in the kernels' own arithmetic: complex operands are multiplied
+// component by component, without the library call that the language's
+// complex product makes for infinities.
+template <class T>
+T mul(T x, T y) {
+  return x * y;
+}
+template <class R>
+std::complex<R> mul(std::complex<R> x, std::complex<R> y) {
+  return {x.real() * y.real() - x.imag() * y.imag(), x.real() * y.imag() + x.imag() * y.real()};
+}
+
+template <class T, int MR, int NR>
+void ukr(int k, const T *a, const T *b, T *c, int ldc, T alpha, T beta) {
+  T acc[NR][MR] = {};
+  for (int p = 0; p < k; ++p, a += MR, b += NR)
+    for (int j = 0; j < NR; ++j)
+      for (int i = 0; i < MR; ++i) acc[j][i] += mul(a[i], b[j]);
+  for (int j = 0; j < NR; ++j) {
+    T *cj = c + std::int64_t{j} * ldc;
+    if (beta == T(0))
+      for (int i = 0; i < MR; ++i) cj[i] = mul(alpha, acc[j][i]);
+    else
+      for (int i = 0; i < MR; ++i) cj[i] = mul(alpha, acc[j][i]) + mul(beta, cj[i]);
+  }
+}
+
+#include "blas/kernel/gemm_direct.inc"
+
+}  // namespace
+
+// The type-0 path: block parameter 64. Its buffers hold a 16-by-64 block of A
+// (4096 bytes) and a 64-by-200 panel of B (51,200 bytes).
+const GemmShape<float> sgemm_shape = {4, 4, 16, 64, 200, &ukr<float, 4, 4>};
+
+GemmShape<double> dgemm_shape() { return {4, 4, 64, 256, 1024, &ukr<double, 4, 4>}; }
+GemmShape<c8> cgemm_shape() { return {2, 2, 64, 256, 512, &ukr<c8, 2, 2>}; }
+GemmShape<c16> zgemm_shape() { return {2, 2, 64, 128, 512, &ukr<c16, 2, 2>}; }
+
+template <class T>
+void gemm_direct(int ta, int tb, int m, int n, int k, T alpha, const T *a, int lda, const T *b,
+                 int ldb, T beta, T *c, int ldc) {
+  direct_gemm(ta, tb, m, n, k, alpha, a, lda, b, ldb, beta, c, ldc);
+}
+
+template void gemm_direct<float>(int, int, int, int, int, float, const float *, int, const float *,
+                                 int, float, float *, int);
+template void gemm_direct<double>(int, int, int, int, int, double, const double *, int,
+                                  const double *, int, double, double *, int);
+template void gemm_direct<c8>(int, int, int, int, int, c8, const c8 *, int, const c8 *, int, c8,
+                              c8 *, int);
+template void gemm_direct<c16>(int, int, int, int, int, c16, const c16 *, int, const c16 *, int,
+                               c16, c16 *, int);
+
+}  // namespace orb::kernel::generic

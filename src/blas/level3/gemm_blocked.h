@@ -1,0 +1,201 @@
+// The blocked GEMM driver shared by every precision and processor level:
+// op(B) is packed panel by panel (kc by nc), op(A) block by block (mc by kc),
+// and a micro-kernel updates C tile by tile. Only the micro-kernel and the
+// block sizes differ between processors.
+#pragma once
+
+#include <algorithm>
+#include <complex>
+#include <cstdint>
+
+#include "blas/kernel/gemm.h"
+
+namespace orb::blas {
+
+// Transpose codes: 0 op(X) = X, 1 op(X) = X^T, 2 op(X) = X^H (real: as 1).
+inline int trans_code(char c) {
+  if (c == 'N' || c == 'n') return 0;
+  return (c == 'C' || c == 'c') ? 2 : 1;
+}
+
+template <class T>
+inline T conj_if(T x, bool) {
+  return x;
+}
+template <class R>
+inline std::complex<R> conj_if(std::complex<R> x, bool conj) {
+  return conj ? std::conj(x) : x;
+}
+
+inline int round_up(int x, int to) { return (x + to - 1) / to * to; }
+
+// C := beta C over an m-by-n block; beta = 0 writes zeros without reading C.
+template <class T>
+void scale_c(int m, int n, T beta, T *c, int ldc) {
+  if (beta == T(1)) return;
+  for (int j = 0; j < n; ++j) {
+    T *cj = c + std::int64_t{j} * ldc;
+    if (beta == T(0))
+      std::fill(cj, cj + m, T(0));
+    else
+      for (int i = 0; i < m; ++i) cj[i] *= beta;
+  }
+}
+
+// Packs rows [i0, i0 + mb) and columns [p0, p0 + kb) of op(A) into slivers of
+// mr rows, zero-padded to a whole sliver.
+template <class T>
+void pack_a(int ta, const T *a, int lda, int i0, int p0, int mb, int kb, int mr, T *dst) {
+  const bool conj = ta == 2;
+  for (int is = 0; is < mb; is += mr) {
+    const int rows = std::min(mr, mb - is);
+    if (ta == 0) {
+      const T *src = a + (i0 + is) + std::int64_t{p0} * lda;
+      for (int p = 0; p < kb; ++p, src += lda, dst += mr) {
+        int i = 0;
+        for (; i < rows; ++i) dst[i] = src[i];
+        for (; i < mr; ++i) dst[i] = T(0);
+      }
+    } else {
+      for (int i = 0; i < rows; ++i) {
+        const T *src = a + p0 + std::int64_t{i0 + is + i} * lda;
+        for (int p = 0; p < kb; ++p) dst[p * mr + i] = conj_if(src[p], conj);
+      }
+      for (int i = rows; i < mr; ++i)
+        for (int p = 0; p < kb; ++p) dst[p * mr + i] = T(0);
+      dst += std::int64_t{mr} * kb;
+    }
+  }
+}
+
+// Packs rows [p0, p0 + kb) and columns [j0, j0 + nb) of op(B) into slivers of
+// nr columns, zero-padded to a whole sliver.
+template <class T>
+void pack_b(int tb, const T *b, int ldb, int p0, int j0, int kb, int nb, int nr, T *dst) {
+  const bool conj = tb == 2;
+  for (int js = 0; js < nb; js += nr) {
+    const int cols = std::min(nr, nb - js);
+    if (tb == 0) {
+      for (int j = 0; j < cols; ++j) {
+        const T *src = b + p0 + std::int64_t{j0 + js + j} * ldb;
+        for (int p = 0; p < kb; ++p) dst[p * nr + j] = src[p];
+      }
+      for (int j = cols; j < nr; ++j)
+        for (int p = 0; p < kb; ++p) dst[p * nr + j] = T(0);
+      dst += std::int64_t{nr} * kb;
+    } else {
+      const T *src = b + (j0 + js) + std::int64_t{p0} * ldb;
+      for (int p = 0; p < kb; ++p, src += ldb, dst += nr) {
+        int j = 0;
+        for (; j < cols; ++j) dst[j] = conj_if(src[j], conj);
+        for (; j < nr; ++j) dst[j] = T(0);
+      }
+    }
+  }
+}
+
+// Runs the micro-kernel over the tiles of an mb-by-nb block of C from packed
+// A (mb rows) and packed B (nb columns) of inner size kb.
+template <class T>
+void macro_kernel(const kernel::GemmShape<T> &s, int mb, int nb, int kb, T alpha, const T *pa,
+                  const T *pb, T beta, T *c, int ldc) {
+  alignas(64) T tile[16 * 8];  // the largest tile of any micro-kernel
+  for (int jr = 0; jr < nb; jr += s.nr) {
+    const int cols = std::min(s.nr, nb - jr);
+    const T *b = pb + std::int64_t{jr} * kb;
+    for (int ir = 0; ir < mb; ir += s.mr) {
+      const int rows = std::min(s.mr, mb - ir);
+      const T *a = pa + std::int64_t{ir} * kb;
+      T *cij = c + ir + std::int64_t{jr} * ldc;
+      if (rows == s.mr && cols == s.nr) {
+        s.ukr(kb, a, b, cij, ldc, alpha, beta);
+        continue;
+      }
+      s.ukr(kb, a, b, tile, s.mr, alpha, T(0));
+      for (int j = 0; j < cols; ++j) {
+        T *cj = cij + std::int64_t{j} * ldc;
+        const T *tj = tile + j * s.mr;
+        if (beta == T(0))
+          for (int i = 0; i < rows; ++i) cj[i] = tj[i];
+        else
+          for (int i = 0; i < rows; ++i) cj[i] = tj[i] + beta * cj[i];
+      }
+    }
+  }
+}
+
+// Elements of the packing buffers a shape needs.
+template <class T>
+std::int64_t packed_a_size(const kernel::GemmShape<T> &s) {
+  return std::int64_t{round_up(s.mc, s.mr)} * s.kc;
+}
+template <class T>
+std::int64_t packed_b_size(const kernel::GemmShape<T> &s) {
+  return std::int64_t{round_up(s.nc, s.nr)} * s.kc;
+}
+
+// C := alpha op(A) op(B) + beta C with the caller's packing buffers.
+template <class T>
+void gemm_packed(const kernel::GemmShape<T> &s, int ta, int tb, int m, int n, int k, T alpha,
+                 const T *a, int lda, const T *b, int ldb, T beta, T *c, int ldc, T *abuf,
+                 T *bbuf) {
+  if (m <= 0 || n <= 0) return;
+  if (k <= 0 || alpha == T(0)) {
+    scale_c(m, n, beta, c, ldc);
+    return;
+  }
+  for (int jc = 0; jc < n; jc += s.nc) {
+    const int nb = std::min(s.nc, n - jc);
+    for (int pc = 0; pc < k; pc += s.kc) {
+      const int kb = std::min(s.kc, k - pc);
+      pack_b(tb, b, ldb, pc, jc, kb, nb, s.nr, bbuf);
+      const T beta_here = pc == 0 ? beta : T(1);
+      for (int ic = 0; ic < m; ic += s.mc) {
+        const int mb = std::min(s.mc, m - ic);
+        pack_a(ta, a, lda, ic, pc, mb, kb, s.mr, abuf);
+        macro_kernel(s, mb, nb, kb, alpha, abuf, bbuf, beta_here,
+                     c + ic + std::int64_t{jc} * ldc, ldc);
+      }
+    }
+  }
+}
+
+// The same product computed by a team: every member calls this from inside
+// one parallel region with the same arguments but its own rows
+// [row0, row0 + rows) and its own A buffer. The team packs each panel of op(B)
+// into the shared buffer together (sliver by sliver), waits for it, and then
+// each member multiplies its rows by it. `barrier` synchronises the team.
+template <class T, class Barrier>
+void gemm_packed_team(const kernel::GemmShape<T> &s, int ta, int tb, int m, int n, int k,
+                      T alpha, const T *a, int lda, const T *b, int ldb, T beta, T *c, int ldc,
+                      int row0, int rows, T *abuf, T *shared_b, int member, int team,
+                      Barrier barrier) {
+  if (m <= 0 || n <= 0) return;
+  if (k <= 0 || alpha == T(0)) {
+    scale_c(rows, n, beta, c + row0, ldc);
+    return;
+  }
+  for (int jc = 0; jc < n; jc += s.nc) {
+    const int nb = std::min(s.nc, n - jc);
+    const int slivers = (nb + s.nr - 1) / s.nr;
+    for (int pc = 0; pc < k; pc += s.kc) {
+      const int kb = std::min(s.kc, k - pc);
+      barrier();  // nobody still reads the previous panel
+      for (int sl = member; sl < slivers; sl += team) {
+        const int js = sl * s.nr;
+        pack_b(tb, b, ldb, pc, jc + js, kb, std::min(s.nr, nb - js), s.nr,
+               shared_b + std::int64_t{js} * kb);
+      }
+      barrier();  // the panel is complete
+      const T beta_here = pc == 0 ? beta : T(1);
+      for (int ic = 0; ic < rows; ic += s.mc) {
+        const int mb = std::min(s.mc, rows - ic);
+        pack_a(ta, a, lda, row0 + ic, pc, mb, kb, s.mr, abuf);
+        macro_kernel(s, mb, nb, kb, alpha, abuf, shared_b, beta_here,
+                     c + row0 + ic + std::int64_t{jc} * ldc, ldc);
+      }
+    }
+  }
+}
+
+}  // namespace orb::blas

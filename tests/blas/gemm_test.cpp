@@ -1,0 +1,317 @@
+// General matrix multiply: every processor path against a double-precision
+// reference around the block boundaries, the path and thread decisions, and
+// results that do not depend on the thread count.
+#include <gtest/gtest.h>
+#include <omp.h>
+
+#include <cmath>
+#include <complex>
+#include <cstdio>
+#include <limits>
+#include <random>
+#include <string>
+#include <vector>
+
+#include "blas/level3/gemm.h"
+#include "orb.h"
+#include "service/cpu.h"
+#include "support/child.h"
+
+namespace {
+
+using orb::blas::c16;
+using orb::blas::c8;
+
+template <class T>
+struct Wide {
+  using type = double;
+};
+template <class R>
+struct Wide<std::complex<R>> {
+  using type = std::complex<double>;
+};
+template <class T>
+using wide_t = typename Wide<T>::type;
+
+template <class T>
+T conj_of(T x) {
+  return x;
+}
+template <class R>
+std::complex<R> conj_of(std::complex<R> x) {
+  return std::conj(x);
+}
+
+// A column-major matrix with a leading dimension above its rows.
+template <class T>
+struct Mat {
+  int rows, cols, ld;
+  std::vector<T> v;
+  Mat(int r, int c, int pad, std::mt19937 &rng) : rows(r), cols(c), ld(std::max(1, r + pad)) {
+    v.resize(static_cast<size_t>(ld) * std::max(c, 1));
+    std::uniform_real_distribution<double> d(-1, 1);
+    for (auto &x : v) x = make(d(rng), d(rng));
+  }
+  static T make(double re, double im) {
+    if constexpr (std::is_floating_point_v<T>)
+      return T(re);
+    else
+      return T(re, im);
+  }
+  T &operator()(int i, int j) { return v[i + static_cast<size_t>(j) * ld]; }
+};
+
+template <class T>
+T op_elem(Mat<T> &x, char t, int i, int j) {
+  if (t == 'N') return x(i, j);
+  return t == 'C' ? conj_of(x(j, i)) : x(j, i);
+}
+
+// Checks C = alpha op(A) op(B) + beta C0 elementwise against a bound that
+// grows with k; returns the number of elements outside it.
+template <class T>
+int check(char ta, char tb, int m, int n, int k, T alpha, Mat<T> &a, Mat<T> &b, T beta,
+          Mat<T> &c0, Mat<T> &c) {
+  using W = wide_t<T>;
+  using R = decltype(std::abs(T()));
+  const double eps = std::numeric_limits<R>::epsilon();
+  int bad = 0;
+  for (int j = 0; j < n; ++j)
+    for (int i = 0; i < m; ++i) {
+      W s = 0;
+      double mag = 0;
+      for (int p = 0; p < k; ++p) {
+        W x = W(op_elem(a, ta, i, p)) * W(op_elem(b, tb, p, j));
+        s += x;
+        mag += std::abs(x);
+      }
+      W expect = W(alpha) * s;
+      mag *= std::abs(W(alpha));
+      if (beta != T(0)) {
+        expect += W(beta) * W(c0(i, j));
+        mag += std::abs(W(beta) * W(c0(i, j)));
+      }
+      const double err = std::abs(W(c(i, j)) - expect);
+      if (!(err <= 8 * (k + 2) * eps * (mag + 1e-30))) {
+        if (bad < 3)
+          std::printf("  %c%c m=%d n=%d k=%d (%d,%d): err %g bound %g\n", ta, tb, m, n, k, i, j,
+                      err, 8 * (k + 2) * eps * mag);
+        ++bad;
+      }
+    }
+  // Rows between m and ld are never written.
+  for (int j = 0; j < n; ++j)
+    for (int i = m; i < c.ld; ++i)
+      if (!(c(i, j) == c0(i, j))) ++bad;
+  return bad;
+}
+
+template <class T>
+void call(char ta, char tb, int m, int n, int k, T alpha, const T *a, int lda, const T *b,
+          int ldb, T beta, T *c, int ldc) {
+  if constexpr (std::is_same_v<T, float>)
+    orb::blas::orb_blas_sgemm(&ta, &tb, &m, &n, &k, &alpha, a, &lda, b, &ldb, &beta, c, &ldc);
+  else if constexpr (std::is_same_v<T, double>)
+    orb::blas::orb_blas_dgemm(&ta, &tb, &m, &n, &k, &alpha, a, &lda, b, &ldb, &beta, c, &ldc);
+  else if constexpr (std::is_same_v<T, c8>)
+    orb::blas::orb_blas_cgemm(&ta, &tb, &m, &n, &k, &alpha, a, &lda, b, &ldb, &beta, c, &ldc);
+  else
+    orb::blas::orb_blas_zgemm(&ta, &tb, &m, &n, &k, &alpha, a, &lda, b, &ldb, &beta, c, &ldc);
+}
+
+template <class T>
+int run_case(char ta, char tb, int m, int n, int k, T alpha, T beta, std::mt19937 &rng,
+             bool nan_c = false) {
+  Mat<T> a(ta == 'N' ? m : k, ta == 'N' ? k : m, 3, rng);
+  Mat<T> b(tb == 'N' ? k : n, tb == 'N' ? n : k, 1, rng);
+  Mat<T> c0(m, n, 2, rng);
+  if (nan_c)
+    for (int j = 0; j < n; ++j)
+      for (int i = 0; i < m; ++i) c0(i, j) = T(std::numeric_limits<double>::quiet_NaN());
+  Mat<T> c = c0;
+  call<T>(ta, tb, m, n, k, alpha, a.v.data(), a.ld, b.v.data(), b.ld, beta, c.v.data(), c.ld);
+  return check(ta, tb, m, n, k, alpha, a, b, beta, c0, c);
+}
+
+template <class T>
+int sweep(const std::vector<int> &sizes, const char *transposes) {
+  std::mt19937 rng(42);
+  int bad = 0;
+  const T alphas[] = {T(1), Mat<T>::make(-0.75, 0.5)};
+  const T betas[] = {T(0), T(1), Mat<T>::make(0.5, -0.25)};
+  int ab = 0;
+  for (const char *ta = transposes; *ta; ++ta)
+    for (const char *tb = transposes; *tb; ++tb)
+      for (int m : sizes)
+        for (int n : sizes)
+          for (int k : sizes) {
+            ++ab;
+            bad += run_case<T>(*ta, *tb, m, n, k, alphas[ab % 2], betas[ab % 3], rng);
+          }
+  return bad;
+}
+
+// The block boundaries of every path: types 2/3 (inner 64, blocks 240/480),
+// types 4/5 (inner 256, rows 120/144, columns 2040..6144), type 0 (64, 16, 200).
+int boundary_sweep() {
+  std::mt19937 rng(7);
+  int bad = 0;
+  const int cases[][3] = {{241, 9, 65},   {145, 13, 257}, {17, 201, 63},   {121, 7, 129},
+                          {481, 5, 64},   {8, 8, 8},      {50, 50, 50},    {7, 300, 11},
+                          {33, 3073, 20}, {300, 7, 300},  {1, 1, 1},       {16, 16, 513},
+                          {9, 2041, 300}, {65, 65, 1},    {200, 160, 260}, {3, 5, 0}};
+  for (auto &x : cases)
+    for (char ta : {'N', 'T'})
+      for (char tb : {'N', 'T'}) {
+        bad += run_case<float>(ta, tb, x[0], x[1], x[2], 1.5f, 0.0f, rng, true);
+        bad += run_case<float>(ta, tb, x[0], x[1], x[2], -1.0f, 2.0f, rng);
+      }
+  // Large panels of B: n above 3072 with k at least 256.
+  bad += run_case<float>('N', 'N', 40, 3100, 256, 1.0f, 1.0f, rng);
+  bad += run_case<float>('T', 'N', 20, 6200, 300, 1.0f, 0.0f, rng);
+  return bad;
+}
+
+// alpha = 0: C := beta C and neither A nor B is read.
+int alpha_zero() {
+  int bad = 0;
+  std::mt19937 rng(3);
+  for (int s : {5, 40, 300}) {
+    Mat<float> c(s, s, 1, rng);
+    Mat<float> c0 = c;
+    const float nan = std::numeric_limits<float>::quiet_NaN();
+    for (auto &x : c.v) x = nan;
+    call<float>('N', 'T', s, s, s, 0.0f, nullptr, s, nullptr, s, 0.0f, c.v.data(), c.ld);
+    for (int j = 0; j < s; ++j)
+      for (int i = 0; i < s; ++i) bad += c(i, j) != 0.0f;
+    c = c0;
+    call<float>('T', 'N', s, s, s, 0.0f, nullptr, s, nullptr, s, 2.0f, c.v.data(), c.ld);
+    for (int j = 0; j < s; ++j)
+      for (int i = 0; i < s; ++i) bad += c(i, j) != 2.0f * c0(i, j);
+  }
+  return bad;
+}
+
+int full_sweep() {
+  const std::vector<int> small = {1, 2, 7, 8, 17, 33};
+  int bad = boundary_sweep() + alpha_zero();
+  bad += sweep<float>(small, "NTC");
+  bad += sweep<double>({1, 9, 31}, "NT");
+  bad += sweep<c8>({1, 4, 9, 19}, "NTC");
+  bad += sweep<c16>({1, 5, 13}, "NC");
+  return bad;
+}
+
+ORB_CHILD(gemm_sweep) {
+  const int bad = full_sweep();
+  std::printf("type %d: %d bad\n", orb::cpu::blas_type(), bad);
+  return bad == 0 ? 0 : 1;
+}
+
+// Every processor path of this machine's build, one process each.
+TEST(Gemm, EveryProcessorTypeAgainstTheReference) {
+  for (const char *type : {"0", "2", "3", "4", "5"}) {
+    auto r = orb::test::run_child("gemm_sweep", {{"ORB_DEBUG_CPU_TYPE", type}});
+    EXPECT_EQ(r.exit_code, 0) << "type " << type << "\n" << r.out;
+  }
+}
+
+TEST(Gemm, DirectOrPackedForTypes2And3) {
+  using orb::blas::Path23;
+  using orb::blas::choose_path23;
+  EXPECT_EQ(choose_path23(true, true, 8, 8, 8), Path23::kDirect);  // ratio 0.1667 > 0.06
+  EXPECT_EQ(choose_path23(true, true, 50, 50, 50), Path23::kPacked);  // 150 >= 150
+  EXPECT_EQ(choose_path23(true, true, 49, 50, 50), Path23::kPacked);  // ratio 0.0296 < 0.06
+  EXPECT_EQ(choose_path23(true, true, 7, 500, 500), Path23::kDirect);  // a dimension below 8
+  EXPECT_EQ(choose_path23(false, false, 30, 30, 20), Path23::kPacked);  // 80 >= 80
+  EXPECT_EQ(choose_path23(false, false, 20, 20, 20), Path23::kPacked);  // 0.0714 < 0.075
+  EXPECT_EQ(choose_path23(false, false, 10, 10, 10), Path23::kDirect);  // 0.136
+  EXPECT_EQ(choose_path23(true, false, 20, 20, 20), Path23::kDirect);   // 0.0714 > 0.045
+  EXPECT_EQ(orb::blas::packed_block23(3), 480);
+  EXPECT_EQ(orb::blas::packed_block23(2), 240);
+  EXPECT_EQ(orb::blas::packed_block23(0), 240);
+}
+
+TEST(Gemm, KernelChoiceForTypes4And5) {
+  using orb::blas::choose_kernel45;
+  using orb::blas::Kernel45;
+  // 256 * 3072 * 4 = 0x300000 exactly: not above it.
+  EXPECT_EQ(choose_kernel45(5, false, 3072, 256), Kernel45::kNormal);
+  EXPECT_EQ(choose_kernel45(5, false, 3073, 256), Kernel45::kLargePanel);
+  EXPECT_EQ(choose_kernel45(5, false, 3073, 100), Kernel45::kNormal);
+  EXPECT_EQ(choose_kernel45(4, true, 20000, 1000), Kernel45::kLargePanel);
+  EXPECT_EQ(choose_kernel45(4, false, 20000, 1000), Kernel45::kPreSse41);
+  EXPECT_EQ(choose_kernel45(4, false, 10, 10), Kernel45::kPreSse41);
+}
+
+TEST(Gemm, ThreadDecision) {
+  using orb::blas::decide_split;
+  EXPECT_TRUE(orb::blas::gemm_is_tiny(16, 16, 16));
+  EXPECT_FALSE(orb::blas::gemm_is_tiny(17, 16, 16));
+  EXPECT_FALSE(orb::blas::gemm_is_tiny(16, 16, 17));
+  // 50^3 with 4 threads: total 65,000, per 20,550, ratio 3.16.
+  auto d = decide_split(50, 50, 50, 4);
+  EXPECT_TRUE(d.parallel);
+  EXPECT_EQ(d.bound, 200);
+  EXPECT_FALSE(decide_split(10, 10, 10, 4).parallel);  // 600 / 4160
+  d = decide_split(101, 5, 5, 4);
+  EXPECT_TRUE(d.parallel);
+  EXPECT_EQ(d.bound, 5);
+  EXPECT_EQ(orb::blas::wide_shared_block(5, 0, 0), 1280);
+  EXPECT_EQ(orb::blas::wide_shared_block(4, 0, 0), 1024);
+  EXPECT_EQ(orb::blas::wide_shared_block(4, 3, 0x300001), 1024);
+  EXPECT_EQ(orb::blas::wide_shared_block(4, 3, 0x300000), 896);
+}
+
+TEST(Gemm, TinyProductsNeverAskForAThreadCount) {
+  std::mt19937 rng(1);
+  const long before = orb::blas::gemm_thread_queries();
+  run_case<float>('N', 'N', 16, 16, 16, 1.0f, 0.0f, rng);
+  EXPECT_EQ(orb::blas::gemm_thread_queries(), before);
+  EXPECT_EQ(run_case<float>('N', 'N', 16, 17, 16, 1.0f, 0.0f, rng), 0);
+  EXPECT_EQ(orb::blas::gemm_thread_queries(), before + 1);
+  // An empty C asks nothing either.
+  call<float>('N', 'N', 0, 50, 50, 1.0f, nullptr, 1, nullptr, 50, 0.0f, nullptr, 1);
+  EXPECT_EQ(orb::blas::gemm_thread_queries(), before + 1);
+}
+
+// The same product with 1, 2, 3 and 7 threads gives the same numbers.
+TEST(Gemm, ResultsDoNotDependOnTheThreadCount) {
+  const int shapes[][3] = {{50, 50, 50}, {403, 301, 290}, {1000, 60, 70}, {60, 900, 300},
+                           {257, 257, 257}, {90, 90, 90}};
+  for (auto &s : shapes)
+    for (char ta : {'N', 'T'}) {
+      std::mt19937 rng(11);
+      Mat<float> a(ta == 'N' ? s[0] : s[2], ta == 'N' ? s[2] : s[0], 0, rng);
+      Mat<float> b(s[2], s[1], 0, rng);
+      Mat<float> c0(s[0], s[1], 0, rng);
+      std::vector<float> first;
+      for (int nt : {1, 2, 3, 7}) {
+        ORB_Set_Num_Threads(nt);
+        Mat<float> c = c0;
+        call<float>(ta, 'N', s[0], s[1], s[2], 1.25f, a.v.data(), a.ld, b.v.data(), b.ld, 0.5f,
+                    c.v.data(), c.ld);
+        if (first.empty())
+          first = c.v;
+        else
+          EXPECT_EQ(c.v, first) << ta << " " << s[0] << "x" << s[1] << "x" << s[2] << " nt " << nt;
+      }
+    }
+  ORB_Set_Num_Threads(2);
+}
+
+// Called from inside an application's parallel region, each call is correct.
+TEST(Gemm, InsideAnApplicationsParallelRegion) {
+  ORB_Set_Num_Threads(2);
+  int bad[4] = {0, 0, 0, 0};
+#pragma omp parallel num_threads(4)
+  {
+    std::mt19937 rng(omp_get_thread_num());
+    bad[omp_get_thread_num()] = run_case<float>('N', 'T', 300, 200, 150, 1.0f, 0.5f, rng);
+  }
+  for (int b : bad) EXPECT_EQ(b, 0);
+}
+
+TEST(Gemm, ThisMachinesPathAgainstTheReference) { EXPECT_EQ(full_sweep(), 0); }
+
+}  // namespace
