@@ -46,12 +46,12 @@ void gemm_direct(int ta, int tb, int m, int n, int k, T alpha, const T *a, int l
 }  // namespace generic
 
 // 128-bit kernels for the 32- and 64-bit builds, one compilation per level.
-#define ORB_SSE_GEMM_DECLS                                                                \
-  GemmUkr<float> sgemm_ukr();                                                             \
-  int sgemm_mr();                                                                         \
-  int sgemm_nr();                                                                         \
-  void sgemm_direct(int ta, int tb, int m, int n, int k, float alpha, const float *a,     \
-                    int lda, const float *b, int ldb, float beta, float *c, int ldc);
+#define ORB_SSE_GEMM_DECLS                                                                     \
+  GemmUkr<float> sgemm_ukr();                                                                  \
+  int sgemm_mr();                                                                              \
+  int sgemm_nr();                                                                              \
+  void sgemm_direct(int ta, int tb, int m, int n, int k, float alpha, const float *a, int lda, \
+                    const float *b, int ldb, float beta, float *c, int ldc);
 namespace sse2 {
 ORB_SSE_GEMM_DECLS
 }
@@ -72,8 +72,8 @@ void sgemm_ukr_16x6(int k, const float *a, const float *b, float *c, int ldc, fl
                     float beta);
 void dgemm_ukr_8x6(int k, const double *a, const double *b, double *c, int ldc, double alpha,
                    double beta);
-void cgemm_ukr_8x3(int k, const c8 *a, const c8 *b, c8 *c, int ldc, c8 alpha, c8 beta);
-void zgemm_ukr_4x3(int k, const c16 *a, const c16 *b, c16 *c, int ldc, c16 alpha, c16 beta);
+void cgemm_ukr_8x2(int k, const c8 *a, const c8 *b, c8 *c, int ldc, c8 alpha, c8 beta);
+void zgemm_ukr_4x2(int k, const c16 *a, const c16 *b, c16 *c, int ldc, c16 alpha, c16 beta);
 }  // namespace avx2
 
 }  // namespace orb::kernel

@@ -58,8 +58,7 @@ void sgemm_ukr_16x6(int k, const float *a, const float *b, float *c, int ldc, fl
     b += 6;
   }
   const __m256 va = _mm256_set1_ps(alpha);
-  const __m256 acc[6][2] = {{c00, c10}, {c01, c11}, {c02, c12},
-                            {c03, c13}, {c04, c14}, {c05, c15}};
+  const __m256 acc[6][2] = {{c00, c10}, {c01, c11}, {c02, c12}, {c03, c13}, {c04, c14}, {c05, c15}};
   if (beta == 0.0f) {
     for (int j = 0; j < 6; ++j) {
       float *cj = c + std::int64_t{j} * ldc;
@@ -70,30 +69,52 @@ void sgemm_ukr_16x6(int k, const float *a, const float *b, float *c, int ldc, fl
     const __m256 vb = _mm256_set1_ps(beta);
     for (int j = 0; j < 6; ++j) {
       float *cj = c + std::int64_t{j} * ldc;
-      _mm256_storeu_ps(cj, _mm256_add_ps(_mm256_mul_ps(va, acc[j][0]),
-                                         _mm256_mul_ps(vb, _mm256_loadu_ps(cj))));
+      _mm256_storeu_ps(
+          cj, _mm256_add_ps(_mm256_mul_ps(va, acc[j][0]), _mm256_mul_ps(vb, _mm256_loadu_ps(cj))));
       _mm256_storeu_ps(cj + 8, _mm256_add_ps(_mm256_mul_ps(va, acc[j][1]),
                                              _mm256_mul_ps(vb, _mm256_loadu_ps(cj + 8))));
     }
   }
 }
 
+// The accumulators are named variables, not arrays: GCC keeps arrays of
+// vectors on the stack inside the loop.
+#define ORB_ZERO12(Z)                                                                       \
+  c00 = Z, c10 = Z, c01 = Z, c11 = Z, c02 = Z, c12 = Z, c03 = Z, c13 = Z, c04 = Z, c14 = Z, \
+  c05 = Z, c15 = Z
+
 void dgemm_ukr_8x6(int k, const double *a, const double *b, double *c, int ldc, double alpha,
                    double beta) {
-  __m256d acc[6][2];
-  for (int j = 0; j < 6; ++j) acc[j][0] = acc[j][1] = _mm256_setzero_pd();
+  __m256d c00, c10, c01, c11, c02, c12, c03, c13, c04, c14, c05, c15;
+  const __m256d zero = _mm256_setzero_pd();
+  ORB_ZERO12(zero);
 #pragma GCC unroll 4
   for (int p = 0; p < k; ++p) {
     const __m256d a0 = _mm256_load_pd(a), a1 = _mm256_load_pd(a + 4);
     _mm_prefetch(reinterpret_cast<const char *>(a + 64), _MM_HINT_T0);
-    for (int j = 0; j < 6; ++j) {
-      const __m256d bj = _mm256_broadcast_sd(b + j);
-      acc[j][0] = _mm256_fmadd_pd(a0, bj, acc[j][0]);
-      acc[j][1] = _mm256_fmadd_pd(a1, bj, acc[j][1]);
-    }
+    __m256d bj = _mm256_broadcast_sd(b);
+    c00 = _mm256_fmadd_pd(a0, bj, c00);
+    c10 = _mm256_fmadd_pd(a1, bj, c10);
+    bj = _mm256_broadcast_sd(b + 1);
+    c01 = _mm256_fmadd_pd(a0, bj, c01);
+    c11 = _mm256_fmadd_pd(a1, bj, c11);
+    bj = _mm256_broadcast_sd(b + 2);
+    c02 = _mm256_fmadd_pd(a0, bj, c02);
+    c12 = _mm256_fmadd_pd(a1, bj, c12);
+    bj = _mm256_broadcast_sd(b + 3);
+    c03 = _mm256_fmadd_pd(a0, bj, c03);
+    c13 = _mm256_fmadd_pd(a1, bj, c13);
+    bj = _mm256_broadcast_sd(b + 4);
+    c04 = _mm256_fmadd_pd(a0, bj, c04);
+    c14 = _mm256_fmadd_pd(a1, bj, c14);
+    bj = _mm256_broadcast_sd(b + 5);
+    c05 = _mm256_fmadd_pd(a0, bj, c05);
+    c15 = _mm256_fmadd_pd(a1, bj, c15);
     a += 8;
     b += 6;
   }
+  const __m256d acc[6][2] = {{c00, c10}, {c01, c11}, {c02, c12},
+                             {c03, c13}, {c04, c14}, {c05, c15}};
   const __m256d va = _mm256_set1_pd(alpha), vb = _mm256_set1_pd(beta);
   for (int j = 0; j < 6; ++j) {
     double *cj = c + std::int64_t{j} * ldc;
@@ -105,32 +126,40 @@ void dgemm_ukr_8x6(int k, const double *a, const double *b, double *c, int ldc, 
   }
 }
 
-void cgemm_ukr_8x3(int k, const c8 *a, const c8 *b, c8 *c, int ldc, c8 alpha, c8 beta) {
-  // re[j][v] accumulates a * re(b_j), im[j][v] accumulates a * im(b_j).
-  __m256 re[3][2], im[3][2];
-  for (int j = 0; j < 3; ++j)
-    for (int v = 0; v < 2; ++v) re[j][v] = im[j][v] = _mm256_setzero_ps();
-  const float *af = reinterpret_cast<const float *>(a);
-  const float *bf = reinterpret_cast<const float *>(b);
+// Complex tiles of two columns: c0j/c1j accumulate a * re(b_j), d0j/d1j
+// a * im(b_j); with the two parts of b broadcast that fills the registers
+// without spilling.
+#define ORB_COMPLEX_STEP(SET1, FMA, j)    \
+  {                                       \
+    const auto br = SET1(bp + 2 * j);     \
+    const auto bi = SET1(bp + 2 * j + 1); \
+    c0##j = FMA(a0, br, c0##j);           \
+    c1##j = FMA(a1, br, c1##j);           \
+    d0##j = FMA(a0, bi, d0##j);           \
+    d1##j = FMA(a1, bi, d1##j);           \
+  }
+
+void cgemm_ukr_8x2(int k, const c8 *a, const c8 *b, c8 *c, int ldc, c8 alpha, c8 beta) {
+  const __m256 z = _mm256_setzero_ps();
+  __m256 c00 = z, c10 = z, c01 = z, c11 = z;
+  __m256 d00 = z, d10 = z, d01 = z, d11 = z;
+  const float *ap = reinterpret_cast<const float *>(a);
+  const float *bp = reinterpret_cast<const float *>(b);
 #pragma GCC unroll 2
   for (int p = 0; p < k; ++p) {
-    const __m256 a0 = _mm256_load_ps(af), a1 = _mm256_load_ps(af + 8);
-    _mm_prefetch(reinterpret_cast<const char *>(af + 128), _MM_HINT_T0);
-    for (int j = 0; j < 3; ++j) {
-      const __m256 br = _mm256_broadcast_ss(bf + 2 * j);
-      const __m256 bi = _mm256_broadcast_ss(bf + 2 * j + 1);
-      re[j][0] = _mm256_fmadd_ps(a0, br, re[j][0]);
-      re[j][1] = _mm256_fmadd_ps(a1, br, re[j][1]);
-      im[j][0] = _mm256_fmadd_ps(a0, bi, im[j][0]);
-      im[j][1] = _mm256_fmadd_ps(a1, bi, im[j][1]);
-    }
-    af += 16;
-    bf += 6;
+    const __m256 a0 = _mm256_load_ps(ap), a1 = _mm256_load_ps(ap + 8);
+    _mm_prefetch(reinterpret_cast<const char *>(ap + 128), _MM_HINT_T0);
+    ORB_COMPLEX_STEP(_mm256_broadcast_ss, _mm256_fmadd_ps, 0)
+    ORB_COMPLEX_STEP(_mm256_broadcast_ss, _mm256_fmadd_ps, 1)
+    ap += 16;
+    bp += 4;
   }
+  const __m256 re[2][2] = {{c00, c10}, {c01, c11}};
+  const __m256 im[2][2] = {{d00, d10}, {d01, d11}};
   const __m256 ar = _mm256_set1_ps(alpha.real()), ai = _mm256_set1_ps(alpha.imag());
   const __m256 br = _mm256_set1_ps(beta.real()), bi = _mm256_set1_ps(beta.imag());
   const bool zero_beta = beta == c8(0.0f);
-  for (int j = 0; j < 3; ++j) {
+  for (int j = 0; j < 2; ++j) {
     float *cj = reinterpret_cast<float *>(c + std::int64_t{j} * ldc);
     for (int v = 0; v < 2; ++v) {
       // (x + iy)(u + iv) summed: re = x u - y v, im = y u + x v.
@@ -142,31 +171,27 @@ void cgemm_ukr_8x3(int k, const c8 *a, const c8 *b, c8 *c, int ldc, c8 alpha, c8
   }
 }
 
-void zgemm_ukr_4x3(int k, const c16 *a, const c16 *b, c16 *c, int ldc, c16 alpha, c16 beta) {
-  __m256d re[3][2], im[3][2];
-  for (int j = 0; j < 3; ++j)
-    for (int v = 0; v < 2; ++v) re[j][v] = im[j][v] = _mm256_setzero_pd();
-  const double *ad = reinterpret_cast<const double *>(a);
-  const double *bd = reinterpret_cast<const double *>(b);
+void zgemm_ukr_4x2(int k, const c16 *a, const c16 *b, c16 *c, int ldc, c16 alpha, c16 beta) {
+  const __m256d z = _mm256_setzero_pd();
+  __m256d c00 = z, c10 = z, c01 = z, c11 = z;
+  __m256d d00 = z, d10 = z, d01 = z, d11 = z;
+  const double *ap = reinterpret_cast<const double *>(a);
+  const double *bp = reinterpret_cast<const double *>(b);
 #pragma GCC unroll 2
   for (int p = 0; p < k; ++p) {
-    const __m256d a0 = _mm256_load_pd(ad), a1 = _mm256_load_pd(ad + 4);
-    _mm_prefetch(reinterpret_cast<const char *>(ad + 64), _MM_HINT_T0);
-    for (int j = 0; j < 3; ++j) {
-      const __m256d br = _mm256_broadcast_sd(bd + 2 * j);
-      const __m256d bi = _mm256_broadcast_sd(bd + 2 * j + 1);
-      re[j][0] = _mm256_fmadd_pd(a0, br, re[j][0]);
-      re[j][1] = _mm256_fmadd_pd(a1, br, re[j][1]);
-      im[j][0] = _mm256_fmadd_pd(a0, bi, im[j][0]);
-      im[j][1] = _mm256_fmadd_pd(a1, bi, im[j][1]);
-    }
-    ad += 8;
-    bd += 6;
+    const __m256d a0 = _mm256_load_pd(ap), a1 = _mm256_load_pd(ap + 4);
+    _mm_prefetch(reinterpret_cast<const char *>(ap + 64), _MM_HINT_T0);
+    ORB_COMPLEX_STEP(_mm256_broadcast_sd, _mm256_fmadd_pd, 0)
+    ORB_COMPLEX_STEP(_mm256_broadcast_sd, _mm256_fmadd_pd, 1)
+    ap += 8;
+    bp += 4;
   }
+  const __m256d re[2][2] = {{c00, c10}, {c01, c11}};
+  const __m256d im[2][2] = {{d00, d10}, {d01, d11}};
   const __m256d ar = _mm256_set1_pd(alpha.real()), ai = _mm256_set1_pd(alpha.imag());
   const __m256d br = _mm256_set1_pd(beta.real()), bi = _mm256_set1_pd(beta.imag());
   const bool zero_beta = beta == c16(0.0);
-  for (int j = 0; j < 3; ++j) {
+  for (int j = 0; j < 2; ++j) {
     double *cj = reinterpret_cast<double *>(c + std::int64_t{j} * ldc);
     for (int v = 0; v < 2; ++v) {
       const __m256d prod = _mm256_addsub_pd(re[j][v], _mm256_permute_pd(im[j][v], 0x5));
@@ -176,5 +201,8 @@ void zgemm_ukr_4x3(int k, const c16 *a, const c16 *b, c16 *c, int ldc, c16 alpha
     }
   }
 }
+
+#undef ORB_COMPLEX_STEP
+#undef ORB_ZERO12
 
 }  // namespace orb::kernel::avx2

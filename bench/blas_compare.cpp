@@ -1,0 +1,303 @@
+// ORB against its peers, side by side in one run: each library is loaded on
+// its own (OpenBLAS and BLIS from Debian's pthread builds), called through its
+// Fortran-convention names, and timed on the same operands. Prints GFLOP/s
+// (or GB/s for memory-bound routines) and ORB's ratio to the best peer.
+//
+//   blas_compare [--threads 1,2] [--filter gemm] [--orb path/to/liborb.so]
+//
+// The Windows build (orb.dll under wine) has no peers and reports ORB alone.
+#include <algorithm>
+#include <chrono>
+#include <complex>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <functional>
+#include <random>
+#include <string>
+#include <vector>
+
+#if defined(__x86_64__)
+#include <immintrin.h>
+#endif
+#if defined(__linux__)
+#include <dlfcn.h>
+#else
+#include "orb.h"
+#endif
+
+namespace {
+
+using c8 = std::complex<float>;
+
+using GemmFn = void (*)(const char *, const char *, const int *, const int *, const int *,
+                        const void *, const void *, const int *, const void *, const int *,
+                        const void *, void *, const int *, long, long);
+using TrsmFn = void (*)(const char *, const char *, const char *, const char *, const int *,
+                        const int *, const void *, const void *, const int *, void *, const int *,
+                        long, long, long, long);
+using SyrkFn = void (*)(const char *, const char *, const int *, const int *, const void *,
+                        const void *, const int *, const void *, void *, const int *, long, long);
+
+struct Library {
+  std::string name;
+  void *handle = nullptr;
+  std::function<void(int)> set_threads;
+  void *sym(const char *s) const {
+#if defined(__linux__)
+    return handle ? dlsym(handle, s) : nullptr;
+#else
+    return nullptr;
+#endif
+  }
+};
+
+std::vector<Library> load_libraries(const std::string &orb_path) {
+  std::vector<Library> libs;
+#if defined(__linux__)
+  auto open = [&](const char *name, const char *path) {
+    Library l;
+    l.name = name;
+    l.handle = dlopen(path, RTLD_NOW | RTLD_LOCAL);
+    if (!l.handle) {
+      std::fprintf(stderr, "cannot load %s: %s\n", path, dlerror());
+      return;
+    }
+    libs.push_back(l);
+  };
+  open("ORB", orb_path.c_str());
+  open("OpenBLAS", "/usr/lib/x86_64-linux-gnu/openblas-pthread/libopenblas.so.0");
+  open("BLIS", "/usr/lib/x86_64-linux-gnu/blis-pthread/libblis.so.4");
+  for (Library &l : libs) {
+    if (auto f = reinterpret_cast<void (*)(int)>(l.sym("ORB_Set_Num_Threads")))
+      l.set_threads = f;
+    else if (auto g = reinterpret_cast<void (*)(int)>(l.sym("openblas_set_num_threads")))
+      l.set_threads = g;
+    else if (auto h = reinterpret_cast<void (*)(long)>(l.sym("bli_thread_set_num_threads")))
+      l.set_threads = [h](int n) { h(n); };
+  }
+#else
+  (void)orb_path;
+#endif
+  return libs;
+}
+
+// Best of several timed runs after a warm-up, at least ~0.2 s in all.
+double seconds(const std::function<void()> &run) {
+  run();
+  double best = 1e30, total = 0;
+  for (int r = 0; r < 50 && (r < 3 || total < 0.2); ++r) {
+    auto t0 = std::chrono::steady_clock::now();
+    run();
+    double t = std::chrono::duration<double>(std::chrono::steady_clock::now() - t0).count();
+    best = std::min(best, t);
+    total += t;
+  }
+  return best;
+}
+
+template <class T>
+std::vector<T> random_vector(std::size_t n, unsigned seed) {
+  std::mt19937 rng(seed);
+  std::uniform_real_distribution<float> d(-1, 1);
+  std::vector<T> v(n);
+  for (auto &x : v) {
+    if constexpr (std::is_same_v<T, c8>)
+      x = c8(d(rng), d(rng));
+    else
+      x = T(d(rng));
+  }
+  return v;
+}
+
+// The single-precision FMA peak of one core, measured.
+double fma_peak() {
+#if defined(__x86_64__)
+  auto kernel = []() __attribute__((target("avx2,fma"))) {
+    __m256 a0 = _mm256_set1_ps(1), a1 = a0, a2 = a0, a3 = a0, a4 = a0, a5 = a0, a6 = a0, a7 = a0,
+           a8 = a0, a9 = a0, a10 = a0, a11 = a0;
+    const __m256 x = _mm256_set1_ps(0.999999f), y = _mm256_set1_ps(1e-7f);
+    const long iters = 20000000;
+    auto t0 = std::chrono::steady_clock::now();
+    for (long i = 0; i < iters; ++i) {
+      a0 = _mm256_fmadd_ps(a0, x, y), a1 = _mm256_fmadd_ps(a1, x, y);
+      a2 = _mm256_fmadd_ps(a2, x, y), a3 = _mm256_fmadd_ps(a3, x, y);
+      a4 = _mm256_fmadd_ps(a4, x, y), a5 = _mm256_fmadd_ps(a5, x, y);
+      a6 = _mm256_fmadd_ps(a6, x, y), a7 = _mm256_fmadd_ps(a7, x, y);
+      a8 = _mm256_fmadd_ps(a8, x, y), a9 = _mm256_fmadd_ps(a9, x, y);
+      a10 = _mm256_fmadd_ps(a10, x, y), a11 = _mm256_fmadd_ps(a11, x, y);
+    }
+    double t = std::chrono::duration<double>(std::chrono::steady_clock::now() - t0).count();
+    __m256 s = _mm256_add_ps(_mm256_add_ps(_mm256_add_ps(a0, a1), _mm256_add_ps(a2, a3)),
+                             _mm256_add_ps(_mm256_add_ps(a4, a5), _mm256_add_ps(a6, a7)));
+    s = _mm256_add_ps(s, _mm256_add_ps(_mm256_add_ps(a8, a9), _mm256_add_ps(a10, a11)));
+    volatile float sink = _mm256_cvtss_f32(s);
+    (void)sink;
+    return iters * 12.0 * 16 / t * 1e-9;
+  };
+  if (!__builtin_cpu_supports("avx2") || !__builtin_cpu_supports("fma")) return 0;
+  double best = 0;
+  for (int r = 0; r < 5; ++r) best = std::max(best, kernel());
+  return best;
+#else
+  return 0;
+#endif
+}
+
+struct Case {
+  std::string routine, shape;
+  double work;  // floating-point operations of one call
+  // Runs the case with a library; false when the library lacks the routine.
+  std::function<bool(const Library &)> prepare;
+  std::function<void()> run;
+};
+
+struct Row {
+  std::string routine, shape;
+  int threads;
+  std::vector<double> rate;  // per library, 0 when missing
+};
+
+void print_row(const Row &r, const std::vector<Library> &libs, double peak) {
+  std::printf("%-7s %-22s %2d", r.routine.c_str(), r.shape.c_str(), r.threads);
+  double best_peer = 0;
+  for (std::size_t i = 0; i < r.rate.size(); ++i) {
+    std::printf("  %9.1f", r.rate[i]);
+    if (i > 0) best_peer = std::max(best_peer, r.rate[i]);
+  }
+  if (best_peer > 0) std::printf("  %6.2f", r.rate[0] / best_peer);
+  if (peak > 0 && r.routine == "sgemm" && r.threads == 1)
+    std::printf("  (%.0f%% of peak)", 100 * r.rate[0] / peak);
+  std::printf("\n");
+  (void)libs;
+}
+
+}  // namespace
+
+int main(int argc, char **argv) {
+  std::vector<int> thread_counts = {1, 2};
+  std::string filter, orb_path = "liborb.so";
+  for (int i = 1; i < argc; ++i) {
+    if (!std::strcmp(argv[i], "--threads") && i + 1 < argc) {
+      thread_counts.clear();
+      for (char *s = std::strtok(argv[++i], ","); s; s = std::strtok(nullptr, ","))
+        thread_counts.push_back(std::atoi(s));
+    } else if (!std::strcmp(argv[i], "--filter") && i + 1 < argc) {
+      filter = argv[++i];
+    } else if (!std::strcmp(argv[i], "--orb") && i + 1 < argc) {
+      orb_path = argv[++i];
+    }
+  }
+  std::vector<Library> libs = load_libraries(orb_path);
+#if !defined(__linux__)
+  Library orb;
+  orb.name = "ORB";
+  orb.set_threads = [](int n) { ORB_Set_Num_Threads(n); };
+  libs.push_back(orb);
+#endif
+  const double peak = fma_peak();
+  if (peak > 0) std::printf("single-precision FMA peak of one core: %.1f GFLOP/s\n", peak);
+  std::printf("%-7s %-22s %2s", "routine", "shape", "nt");
+  for (const Library &l : libs) std::printf("  %9s", l.name.c_str());
+  std::printf("  %6s\n", "ratio");
+
+  // The GEMM family: square products and the shapes LAPACK and the sparse
+  // solver use (panels of k = 64..256, tall and skinny, few columns).
+  struct Shape {
+    const char *routine;
+    int m, n, k;
+  };
+  std::vector<Shape> shapes;
+  for (int n : {64, 128, 256, 512, 1024, 2048, 4096}) shapes.push_back({"sgemm", n, n, n});
+  for (int k : {64, 128, 256}) shapes.push_back({"sgemm", 2000, 2000, k});
+  shapes.push_back({"sgemm", 10000, 64, 64});
+  shapes.push_back({"sgemm", 4000, 200, 1000});
+  for (int n : {1, 2, 4, 8}) shapes.push_back({"sgemm", 2000, n, 2000});
+  for (int n : {256, 1024, 2048}) shapes.push_back({"cgemm", n, n, n});
+  for (int n : {256, 1024, 2048}) shapes.push_back({"dgemm", n, n, n});
+  for (int n : {256, 1024, 2048}) shapes.push_back({"ssyrk", n, n, n});
+  for (int n : {256, 1024, 2048}) shapes.push_back({"strsm", n, n, 0});
+
+  for (const Shape &s : shapes) {
+    if (!filter.empty() && std::string(s.routine).find(filter) == std::string::npos) continue;
+    const std::string routine = s.routine;
+    const bool complex = routine[0] == 'c';
+    const bool dbl = routine[0] == 'd';
+    const std::size_t esize = complex || dbl ? 8 : 4;
+    const int m = s.m, n = s.n, k = std::max(s.k, 1);
+    // Operands big enough for every routine of the row.
+    const std::size_t na = std::size_t(m) * std::max(k, m), nb = std::size_t(std::max(k, m)) * n;
+    std::vector<float> a = random_vector<float>(na * esize / 4, 1);
+    std::vector<float> b = random_vector<float>(nb * esize / 4, 2);
+    std::vector<float> c = random_vector<float>(std::size_t(m) * n * esize / 4, 3);
+    if (routine == "strsm")  // a well-conditioned triangle
+      for (int i = 0; i < m; ++i) a[i + std::size_t(i) * m] = float(m);
+    double flops = 2.0 * m * n * k;
+    if (complex) flops *= 4;
+    if (routine == "ssyrk") flops = 1.0 * n * n * k;
+    if (routine == "strsm") flops = 1.0 * m * m * n;
+    char shape[64];
+    std::snprintf(shape, sizeof shape, routine == "strsm" ? "%dx%d" : "%dx%dx%d", m, n, k);
+    for (int nt : thread_counts) {
+      Row row{routine, shape, nt, {}};
+      for (const Library &l : libs) {
+        if (l.set_threads) l.set_threads(nt);
+        std::function<void()> run;
+        const float one[2] = {1, 0}, zero[2] = {0, 0};
+        const double done = 1, dzero = 0;
+        if (routine == "sgemm" || routine == "cgemm" || routine == "dgemm") {
+          GemmFn f = nullptr;
+#if defined(__linux__)
+          f = reinterpret_cast<GemmFn>(l.sym((routine + "_").c_str()));
+#else
+          if (routine == "sgemm") f = reinterpret_cast<GemmFn>(&sgemm);
+          if (routine == "cgemm") f = reinterpret_cast<GemmFn>(&cgemm);
+          if (routine == "dgemm") f = reinterpret_cast<GemmFn>(&DGEMM);
+#endif
+          if (!f) {
+            row.rate.push_back(0);
+            continue;
+          }
+          const void *al = dbl ? static_cast<const void *>(&done) : one;
+          const void *be = dbl ? static_cast<const void *>(&dzero) : zero;
+          run = [=, &a, &b, &c] {
+            f("N", "N", &m, &n, &k, al, a.data(), &m, b.data(), &k, be, c.data(), &m, 1, 1);
+          };
+        } else if (routine == "ssyrk") {
+          SyrkFn f = nullptr;
+#if defined(__linux__)
+          f = reinterpret_cast<SyrkFn>(l.sym("ssyrk_"));
+#else
+          f = reinterpret_cast<SyrkFn>(&ssyrk);
+#endif
+          if (!f) {
+            row.rate.push_back(0);
+            continue;
+          }
+          run = [=, &a, &c] { f("L", "N", &n, &k, one, a.data(), &n, zero, c.data(), &n, 1, 1); };
+        } else {  // strsm: left, lower, no transpose, non-unit
+          TrsmFn f = nullptr;
+#if defined(__linux__)
+          f = reinterpret_cast<TrsmFn>(l.sym("strsm_"));
+#else
+          f = reinterpret_cast<TrsmFn>(&strsm);
+#endif
+          if (!f) {
+            row.rate.push_back(0);
+            continue;
+          }
+          // Each solve starts from the same right-hand sides (the copy costs
+          // m n against the solve's m^2 n).
+          const std::vector<float> b0(b.begin(), b.begin() + std::size_t(m) * n);
+          run = [=, &a, &b] {
+            std::copy(b0.begin(), b0.end(), b.begin());
+            f("L", "L", "N", "N", &m, &n, one, a.data(), &m, b.data(), &m, 1, 1, 1, 1);
+          };
+        }
+        row.rate.push_back(flops / seconds(run) * 1e-9);
+      }
+      print_row(row, libs, peak);
+    }
+  }
+  return 0;
+}
