@@ -73,6 +73,10 @@ void sgemm_ukr_16x6(int k, const float *a, const float *b, float *c, int ldc, fl
 void dgemm_ukr_8x6(int k, const double *a, const double *b, double *c, int ldc, double alpha,
                    double beta);
 void cgemm_ukr_8x2(int k, const c8 *a, const c8 *b, c8 *c, int ldc, c8 alpha, c8 beta);
+// C := alpha A op(B) + beta C for n <= 8 with the summation order of
+// sgemm_ukr_16x6 over inner blocks of kc <= 256.
+void sgemm_thin(int tb, int m, int n, int k, int kc, float alpha, const float *a, int lda,
+                const float *b, int ldb, float beta, float *c, int ldc);
 void zgemm_ukr_4x2(int k, const c16 *a, const c16 *b, c16 *c, int ldc, c16 alpha, c16 beta);
 }  // namespace avx2
 

@@ -40,7 +40,9 @@ Path23 choose_path23(bool nota, bool notb, int m, int n, int k) {
   return ratio_limit > ratio ? Path23::kPacked : Path23::kDirect;
 }
 
-int packed_block23(int cache_class) { return cache_class == 3 ? 480 : 240; }
+int packed_block23(int cache_class) {
+  return cache_class == 3 ? 480 : 240;
+}
 
 Kernel45 choose_kernel45(int type, bool sse41, int n, int k) {
   if (type == 5 || sse41) {
@@ -70,16 +72,27 @@ struct Args {
 Args read(const char *transa, const char *transb, const int *m, const int *n, const int *k,
           const float *alpha, const float *a, const int *lda, const float *b, const int *ldb,
           const float *beta, float *c, const int *ldc) {
-  return {trans_code(*transa), trans_code(*transb), *m, *n, *k, *alpha, a, *lda, b, *ldb,
-          *beta, c, *ldc};
+  return {trans_code(*transa),
+          trans_code(*transb),
+          *m,
+          *n,
+          *k,
+          *alpha,
+          a,
+          *lda,
+          b,
+          *ldb,
+          *beta,
+          c,
+          *ldc};
 }
 
 // The blocked kernel with packing buffers from the memory manager; without
 // them the product is still computed, directly.
 template <class T>
 void packed_or_direct(const GemmShape<T> &s, kernel::GemmDirect<T> direct, int ta, int tb, int m,
-                      int n, int k, T alpha, const T *a, int lda, const T *b, int ldb, T beta,
-                      T *c, int ldc) {
+                      int n, int k, T alpha, const T *a, int lda, const T *b, int ldb, T beta, T *c,
+                      int ldc) {
   mem::Buffer<T> abuf(packed_a_size(s), kBufferAlignment);
   mem::Buffer<T> bbuf(packed_b_size(s), kBufferAlignment);
   if (!abuf || !bbuf) {
@@ -100,8 +113,8 @@ void serial_type0(const Args &x) {
   mem::Buffer<char> abuf(kGenericABytes, kBufferAlignment);
   mem::Buffer<char> bbuf(kGenericBBytes, kBufferAlignment);
   if (!abuf || !bbuf) {
-    kernel::generic::gemm_direct<float>(x.ta, x.tb, x.m, x.n, x.k, x.alpha, x.a, x.lda, x.b,
-                                        x.ldb, x.beta, x.c, x.ldc);
+    kernel::generic::gemm_direct<float>(x.ta, x.tb, x.m, x.n, x.k, x.alpha, x.a, x.lda, x.b, x.ldb,
+                                        x.beta, x.c, x.ldc);
     return;
   }
   gemm_packed(kernel::generic::sgemm_shape, x.ta, x.tb, x.m, x.n, x.k, x.alpha, x.a, x.lda, x.b,
@@ -170,26 +183,52 @@ GemmShape<float> shape45(const SseKernels &sse, Kernel45 which) {
   return {sse.mr(), 6, 120, kInnerBlock45, nc, sse.ukr()};
 }
 
+// Products of at most 8 columns with op(A) = A go straight through the thin
+// kernel, which forms the same sums as the packed kernel. The rule looks only
+// at op(A) and n, which every slab of a split product shares.
+bool thin(const Args &x) {
+  return wide_fma() && x.ta == 0 && x.n <= 8 && x.alpha != 0.0f;
+}
+
 void serial_type45(int type, const SseKernels &sse, const Args &x, bool accumulate) {
   if (x.m <= 0 || x.n <= 0) return;
+#if defined(__x86_64__)
+  if (thin(x) && x.k > 0) {
+    kernel::avx2::sgemm_thin(x.tb, x.m, x.n, x.k, kInnerBlock45, x.alpha, x.a, x.lda, x.b, x.ldb,
+                             accumulate ? 1.0f : x.beta, x.c, x.ldc);
+    return;
+  }
+#endif
   const Kernel45 which = choose_kernel45(type, type == 5 || cpu::has_sse41(), x.n, x.k);
   const float beta = accumulate ? 1.0f : x.beta;
-  packed_or_direct<float>(shape45(sse, which), sse.direct, x.ta, x.tb, x.m, x.n, x.k, x.alpha,
-                          x.a, x.lda, x.b, x.ldb, beta, x.c, x.ldc);
+  packed_or_direct<float>(shape45(sse, which), sse.direct, x.ta, x.tb, x.m, x.n, x.k, x.alpha, x.a,
+                          x.lda, x.b, x.ldb, beta, x.c, x.ldc);
 }
 
 // ---- the dispatchers ---------------------------------------------------------------------
 
 using SerialFn = void (*)(const Args &);
-void serial2(const Args &x) { serial_type23(kSse2, x); }
-void serial3(const Args &x) { serial_type23(kSse3, x); }
-void serial4(const Args &x) { serial_type45(4, kSsse3, x, false); }
-void serial5(const Args &x) { serial_type45(5, kSse42, x, false); }
+void serial2(const Args &x) {
+  serial_type23(kSse2, x);
+}
+void serial3(const Args &x) {
+  serial_type23(kSse3, x);
+}
+void serial4(const Args &x) {
+  serial_type45(4, kSsse3, x, false);
+}
+void serial5(const Args &x) {
+  serial_type45(5, kSse42, x, false);
+}
 Slot<SerialFn> g_serial{each<SerialFn>(serial_type0, serial2, serial3, serial4, serial5)};
 
 void acc_none(const Args &) {}
-void acc4(const Args &x) { serial_type45(4, kSsse3, x, true); }
-void acc5(const Args &x) { serial_type45(5, kSse42, x, true); }
+void acc4(const Args &x) {
+  serial_type45(4, kSsse3, x, true);
+}
+void acc5(const Args &x) {
+  serial_type45(5, kSse42, x, true);
+}
 Slot<SerialFn> g_acc{three<SerialFn>(acc_none, acc4, acc5)};
 
 struct PackedArgs {
@@ -203,6 +242,15 @@ using PackedFn = void (*)(const PackedArgs &);
 template <int Type>
 void packed45(const PackedArgs &p) {
   const Args &x = *p.x;
+#if defined(__x86_64__)
+  // Every member sees the same n, so either all take this branch or none.
+  if (thin(x) && x.k > 0) {
+    if (p.rows > 0)
+      kernel::avx2::sgemm_thin(x.tb, p.rows, x.n, x.k, kInnerBlock45, x.alpha, x.a + p.row0, x.lda,
+                               x.b, x.ldb, 1.0f, x.c + p.row0, x.ldc);
+    return;
+  }
+#endif
   const SseKernels &sse = Type == 5 ? kSse42 : kSsse3;
   GemmShape<float> s = shape45(sse, Kernel45::kNormal);
   s.kc = p.params[0];
@@ -214,15 +262,15 @@ void packed45(const PackedArgs &p) {
   // afterwards, directly.
   float *own = abuf.get();
   alignas(64) float dummy[1];
-  gemm_packed_team(s, x.ta, x.tb, x.m, x.n, x.k, x.alpha, x.a, x.lda, x.b, x.ldb, 1.0f, x.c,
-                   x.ldc, p.row0, own ? p.rows : 0, own ? own : dummy, p.shared,
-                   omp_get_thread_num(), omp_get_num_threads(), [] {
+  gemm_packed_team(s, x.ta, x.tb, x.m, x.n, x.k, x.alpha, x.a, x.lda, x.b, x.ldb, 1.0f, x.c, x.ldc,
+                   p.row0, own ? p.rows : 0, own ? own : dummy, p.shared, omp_get_thread_num(),
+                   omp_get_num_threads(), [] {
 #pragma omp barrier
                    });
   if (!own && p.rows > 0) {
     const float *a_rows = x.ta == 0 ? x.a + p.row0 : x.a + std::int64_t{p.row0} * x.lda;
-    sse.direct(x.ta, x.tb, p.rows, x.n, x.k, x.alpha, a_rows, x.lda, x.b, x.ldb, 1.0f,
-               x.c + p.row0, x.ldc);
+    sse.direct(x.ta, x.tb, p.rows, x.n, x.k, x.alpha, a_rows, x.lda, x.b, x.ldb, 1.0f, x.c + p.row0,
+               x.ldc);
   }
 }
 void packed_none(const PackedArgs &) {}
@@ -249,8 +297,7 @@ void sgemm_serial(const char *transa, const char *transb, const int *m, const in
 
 void sgemm_serial_acc(const char *transa, const char *transb, const int *m, const int *n,
                       const int *k, const float *alpha, const float *a, const int *lda,
-                      const float *b, const int *ldb, const float *beta, float *c,
-                      const int *ldc) {
+                      const float *b, const int *ldb, const float *beta, float *c, const int *ldc) {
   g_acc(read(transa, transb, m, n, k, alpha, a, lda, b, ldb, beta, c, ldc));
 }
 
@@ -314,8 +361,8 @@ void gemm_serial(int ta, int tb, int m, int n, int k, T alpha, const T *a, int l
     scale_c(m, n, beta, c, ldc);
     return;
   }
-  packed_or_direct<T>(Kernels<T>::shape(), &kernel::generic::gemm_direct<T>, ta, tb, m, n, k,
-                      alpha, a, lda, b, ldb, beta, c, ldc);
+  packed_or_direct<T>(Kernels<T>::shape(), &kernel::generic::gemm_direct<T>, ta, tb, m, n, k, alpha,
+                      a, lda, b, ldb, beta, c, ldc);
 }
 
 template void gemm_serial<double>(int, int, int, int, int, double, const double *, int,

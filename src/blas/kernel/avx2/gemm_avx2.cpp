@@ -206,3 +206,94 @@ void zgemm_ukr_4x2(int k, const c16 *a, const c16 *b, c16 *c, int ldc, c16 alpha
 #undef ORB_ZERO12
 
 }  // namespace orb::kernel::avx2
+
+namespace orb::kernel::avx2 {
+namespace {
+
+// Up to 8 RV rows of C times NB columns over one inner block: the same sums,
+// in the same order and with the same rounding of the update, as the packed
+// micro-kernel forms for those elements. RV NB = 8 independent chains keep
+// the multiply-add units busy whatever the number of columns.
+template <int RV, int NB>
+void thin_block(int kb, const float *a, int lda, const float *bp, float *c, int ldc, int rows,
+                int cols, float alpha, float beta) {
+  __m256 acc[RV][NB];
+  __m256i mask[RV];
+  const __m256i lanes = _mm256_setr_epi32(0, 1, 2, 3, 4, 5, 6, 7);
+#pragma GCC unroll 8
+  for (int v = 0; v < RV; ++v) {
+    mask[v] = _mm256_cmpgt_epi32(_mm256_set1_epi32(rows - 8 * v), lanes);
+#pragma GCC unroll 8
+    for (int j = 0; j < NB; ++j) acc[v][j] = _mm256_setzero_ps();
+  }
+  const bool full = rows == 8 * RV;
+  for (int p = 0; p < kb; ++p, bp += 8) {
+    const float *ap = a + std::int64_t{p} * lda;
+    // The next row block's part of this column, needed one block later.
+    _mm_prefetch(reinterpret_cast<const char *>(ap + 8 * RV), _MM_HINT_T0);
+    if (RV > 2) _mm_prefetch(reinterpret_cast<const char *>(ap + 8 * RV + 16), _MM_HINT_T0);
+#pragma GCC unroll 8
+    for (int v = 0; v < RV; ++v) {
+      const __m256 av =
+          full ? _mm256_loadu_ps(ap + 8 * v) : _mm256_maskload_ps(ap + 8 * v, mask[v]);
+#pragma GCC unroll 8
+      for (int j = 0; j < NB; ++j)
+        acc[v][j] = _mm256_fmadd_ps(av, _mm256_broadcast_ss(bp + j), acc[v][j]);
+    }
+  }
+  const __m256 va = _mm256_set1_ps(alpha), vb = _mm256_set1_ps(beta);
+  for (int j = 0; j < NB && j < cols; ++j) {
+    float *cj = c + std::int64_t{j} * ldc;
+#pragma GCC unroll 8
+    for (int v = 0; v < RV; ++v) {
+      __m256 r = _mm256_mul_ps(va, acc[v][j]);
+      if (beta != 0.0f) {
+        const __m256 old =
+            full ? _mm256_loadu_ps(cj + 8 * v) : _mm256_maskload_ps(cj + 8 * v, mask[v]);
+        r = _mm256_add_ps(r, _mm256_mul_ps(vb, old));
+      }
+      if (full)
+        _mm256_storeu_ps(cj + 8 * v, r);
+      else
+        _mm256_maskstore_ps(cj + 8 * v, mask[v], r);
+    }
+  }
+}
+
+template <int RV, int NB>
+void thin_rows(int kb, int m, const float *a, int lda, const float *bp, float *c, int ldc, int n,
+               float alpha, float beta) {
+  for (int i = 0; i < m; i += 8 * RV) {
+    const int rows = m - i < 8 * RV ? m - i : 8 * RV;
+    thin_block<RV, NB>(kb, a + i, lda, bp, c + i, ldc, rows, n, alpha, beta);
+  }
+}
+
+}  // namespace
+
+// C := alpha A op(B) + beta C for n <= 8 columns, straight from A: the sums
+// of the packed kernel with inner blocks of kc (at most 256), without packing.
+void sgemm_thin(int tb, int m, int n, int k, int kc, float alpha, const float *a, int lda,
+                const float *b, int ldb, float beta, float *c, int ldc) {
+  alignas(32) float bpack[256 * 8];
+  for (int pc = 0; pc < k; pc += kc) {
+    const int kb = k - pc < kc ? k - pc : kc;
+    for (int p = 0; p < kb; ++p)
+      for (int j = 0; j < 8; ++j)
+        bpack[p * 8 + j] = j >= n    ? 0.0f
+                           : tb == 0 ? b[pc + p + std::int64_t{j} * ldb]
+                                     : b[j + std::int64_t{pc + p} * ldb];
+    const float beta_here = pc == 0 ? beta : 1.0f;
+    const float *ablock = a + std::int64_t{pc} * lda;
+    if (n == 1)
+      thin_rows<4, 1>(kb, m, ablock, lda, bpack, c, ldc, n, alpha, beta_here);
+    else if (n == 2)
+      thin_rows<4, 2>(kb, m, ablock, lda, bpack, c, ldc, n, alpha, beta_here);
+    else if (n <= 4)
+      thin_rows<2, 4>(kb, m, ablock, lda, bpack, c, ldc, n, alpha, beta_here);
+    else
+      thin_rows<1, 8>(kb, m, ablock, lda, bpack, c, ldc, n, alpha, beta_here);
+  }
+}
+
+}  // namespace orb::kernel::avx2

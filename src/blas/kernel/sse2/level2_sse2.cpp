@@ -1,0 +1,504 @@
+// Level-2 kernels on vector registers. This file is the sse2 variant, and the
+// sse3, ssse3, sse42 and avx2 folders compile it again with their own flags
+// (defining ORB_L2_LEVEL first): the vector operations come from a small traits
+// class chosen by the instruction set the compiler targets (128-bit SSE, or
+// 256-bit AVX2 with fused multiply-add), the algorithms are written once.
+//
+// Complex data are handled as interleaved reals: a complex product t * a is
+// re(t) a + (-im(t), im(t)) swap(a), where swap exchanges the two parts of each
+// element, and a complex dot product keeps the lane sums of a x and a swap(x)
+// and combines them once at the end.
+//
+// Matrix columns are read with aligned loads when the leading dimension keeps
+// every column on the same alignment; the rows before the first boundary are
+// done one by one.
+#include <immintrin.h>
+
+#include <cstdint>
+
+#include "blas/kernel/level2.h"
+#include "service/cpu.h"
+
+#ifndef ORB_L2_LEVEL
+#define ORB_L2_LEVEL sse2
+#endif
+
+namespace orb::kernel::level2::ORB_L2_LEVEL {
+namespace {
+
+using i64 = std::int64_t;
+
+#if defined(__AVX2__) && defined(__FMA__)
+
+struct VF {
+  using R = float;
+  using reg = __m256;
+  static constexpr int kW = 8;
+  static constexpr int kBytes = 32;
+  static reg zero() { return _mm256_setzero_ps(); }
+  static reg set1(R v) { return _mm256_set1_ps(v); }
+  static reg setpair(R a, R b) { return _mm256_setr_ps(a, b, a, b, a, b, a, b); }
+  static reg load(const R *p) { return _mm256_load_ps(p); }
+  static reg loadu(const R *p) { return _mm256_loadu_ps(p); }
+  static void storeu(R *p, reg v) { _mm256_storeu_ps(p, v); }
+  static reg add(reg a, reg b) { return _mm256_add_ps(a, b); }
+  static reg madd(reg a, reg b, reg c) { return _mm256_fmadd_ps(a, b, c); }
+  static reg swap(reg v) { return _mm256_permute_ps(v, 0xB1); }
+  // The sums of the even lanes and of the odd lanes.
+  static void pairsum(reg v, R &even, R &odd) {
+    __m128 h = _mm_add_ps(_mm256_castps256_ps128(v), _mm256_extractf128_ps(v, 1));
+    h = _mm_add_ps(h, _mm_movehl_ps(h, h));
+    even = _mm_cvtss_f32(h);
+    odd = _mm_cvtss_f32(_mm_movehdup_ps(h));
+  }
+};
+
+struct VD {
+  using R = double;
+  using reg = __m256d;
+  static constexpr int kW = 4;
+  static constexpr int kBytes = 32;
+  static reg zero() { return _mm256_setzero_pd(); }
+  static reg set1(R v) { return _mm256_set1_pd(v); }
+  static reg setpair(R a, R b) { return _mm256_setr_pd(a, b, a, b); }
+  static reg load(const R *p) { return _mm256_load_pd(p); }
+  static reg loadu(const R *p) { return _mm256_loadu_pd(p); }
+  static void storeu(R *p, reg v) { _mm256_storeu_pd(p, v); }
+  static reg add(reg a, reg b) { return _mm256_add_pd(a, b); }
+  static reg madd(reg a, reg b, reg c) { return _mm256_fmadd_pd(a, b, c); }
+  static reg swap(reg v) { return _mm256_permute_pd(v, 0x5); }
+  static void pairsum(reg v, R &even, R &odd) {
+    const __m128d h = _mm_add_pd(_mm256_castpd256_pd128(v), _mm256_extractf128_pd(v, 1));
+    even = _mm_cvtsd_f64(h);
+    odd = _mm_cvtsd_f64(_mm_unpackhi_pd(h, h));
+  }
+};
+
+#else
+
+struct VF {
+  using R = float;
+  using reg = __m128;
+  static constexpr int kW = 4;
+  static constexpr int kBytes = 16;
+  static reg zero() { return _mm_setzero_ps(); }
+  static reg set1(R v) { return _mm_set1_ps(v); }
+  static reg setpair(R a, R b) { return _mm_setr_ps(a, b, a, b); }
+  static reg load(const R *p) { return _mm_load_ps(p); }
+  static reg loadu(const R *p) { return _mm_loadu_ps(p); }
+  static void storeu(R *p, reg v) { _mm_storeu_ps(p, v); }
+  static reg add(reg a, reg b) { return _mm_add_ps(a, b); }
+  static reg madd(reg a, reg b, reg c) { return _mm_add_ps(_mm_mul_ps(a, b), c); }
+  static reg swap(reg v) { return _mm_shuffle_ps(v, v, 0xB1); }
+  static void pairsum(reg v, R &even, R &odd) {
+    const reg h = _mm_add_ps(v, _mm_movehl_ps(v, v));
+    even = _mm_cvtss_f32(h);
+#if defined(__SSE3__)
+    odd = _mm_cvtss_f32(_mm_movehdup_ps(h));
+#else
+    odd = _mm_cvtss_f32(_mm_shuffle_ps(h, h, 0x55));
+#endif
+  }
+};
+
+struct VD {
+  using R = double;
+  using reg = __m128d;
+  static constexpr int kW = 2;
+  static constexpr int kBytes = 16;
+  static reg zero() { return _mm_setzero_pd(); }
+  static reg set1(R v) { return _mm_set1_pd(v); }
+  static reg setpair(R a, R b) { return _mm_setr_pd(a, b); }
+  static reg load(const R *p) { return _mm_load_pd(p); }
+  static reg loadu(const R *p) { return _mm_loadu_pd(p); }
+  static void storeu(R *p, reg v) { _mm_storeu_pd(p, v); }
+  static reg add(reg a, reg b) { return _mm_add_pd(a, b); }
+  static reg madd(reg a, reg b, reg c) { return _mm_add_pd(_mm_mul_pd(a, b), c); }
+  static reg swap(reg v) { return _mm_shuffle_pd(v, v, 1); }
+  static void pairsum(reg v, R &even, R &odd) {
+    even = _mm_cvtsd_f64(v);
+    odd = _mm_cvtsd_f64(_mm_unpackhi_pd(v, v));
+  }
+};
+
+#endif
+
+// Columns per pass: enough to keep the adders busy and to read y few times,
+// few enough to stay in the vector registers (eight in the 32-bit build).
+#if defined(__x86_64__)
+constexpr int kRealGroupN = 8, kRealGroupT = 4, kComplexGroup = 4, kRealDotUnroll = 2;
+#else
+constexpr int kRealGroupN = 4, kRealGroupT = 4, kComplexGroup = 2, kRealDotUnroll = 1;
+#endif
+
+// The kernels over vector traits V, for real (kC false) or complex data.
+// Lengths are in elements, pointers and offsets in reals.
+template <class V, bool kC>
+struct Kernels {
+  using R = typename V::R;
+  using reg = typename V::reg;
+  static constexpr int kE = kC ? 2 : 1;  // reals per element
+  static constexpr int kGroupN = kC ? kComplexGroup : kRealGroupN;
+  static constexpr int kGroupT = kC ? kComplexGroup : kRealGroupT;
+  static constexpr int kDotUnroll = kC ? 1 : kRealDotUnroll;
+
+  // A scalar: its real part and, for complex data, its imaginary part.
+  struct S {
+    R re, im;
+  };
+  static S read(const R *p) { return kC ? S{p[0], p[1]} : S{p[0], R(0)}; }
+  static S mul(S a, S b) {
+    if constexpr (kC) return {a.re * b.re - a.im * b.im, a.re * b.im + a.im * b.re};
+    return {a.re * b.re, R(0)};
+  }
+  // Broadcasts of a scalar t such that t * v is madd(lo, v, hi * swap(v)).
+  static reg bre(S t) { return V::set1(t.re); }
+  static reg bim(S t) { return kC ? V::setpair(-t.im, t.im) : V::zero(); }
+  // y += t * v for one element.
+  static void update(R *y, S t, S v) {
+    if constexpr (kC) {
+      y[0] += t.re * v.re - t.im * v.im;
+      y[1] += t.re * v.im + t.im * v.re;
+    } else {
+      y[0] += t.re * v.re;
+    }
+  }
+  static void update(R *y, S t, const R *v) { update(y, t, read(v)); }
+  // acc += t * v for a vector.
+  static reg vupdate(reg acc, reg tre, reg tim, reg v) {
+    acc = V::madd(tre, v, acc);
+    if constexpr (kC) acc = V::madd(tim, V::swap(v), acc);
+    return acc;
+  }
+  template <bool kAligned>
+  static reg load(const R *p) {
+    if constexpr (kAligned) return V::load(p);
+    return V::loadu(p);
+  }
+
+  // Elements before `a` reaches a vector boundary (at most m), and whether it
+  // reaches one at all by whole elements.
+  static i64 head_of(const R *a, i64 m, bool &can_align) {
+    const auto addr = reinterpret_cast<std::uintptr_t>(a);
+    const std::uintptr_t elem = sizeof(R) * kE;
+    const std::uintptr_t mis = addr % V::kBytes;
+    i64 head = mis == 0 ? 0 : static_cast<i64>((V::kBytes - mis) / elem);
+    can_align = (addr + head * elem) % V::kBytes == 0;
+    if (!can_align) head = 0;
+    return head < m ? head : m;
+  }
+
+  // ---- y += A x ------------------------------------------------------------------
+
+  // One pass over y with C columns: y += sum_c t_c col_c.
+  template <int C, bool kAligned>
+  static void pass_n(i64 m, i64 head, const R *const *col, const S *t, R *y) {
+    const i64 len = m * kE;
+    i64 i = 0;
+    for (; i < head * kE; i += kE)
+      for (int c = 0; c < C; ++c) update(y + i, t[c], col[c] + i);
+    reg tre[C], tim[C];
+    for (int c = 0; c < C; ++c) tre[c] = bre(t[c]), tim[c] = bim(t[c]);
+    for (; i + V::kW <= len; i += V::kW) {
+      reg acc = V::loadu(y + i);
+      for (int c = 0; c < C; ++c) acc = vupdate(acc, tre[c], tim[c], load<kAligned>(col[c] + i));
+      V::storeu(y + i, acc);
+    }
+    for (; i < len; i += kE)
+      for (int c = 0; c < C; ++c) update(y + i, t[c], col[c] + i);
+  }
+
+  template <int C>
+  static void run_n(int cnt, i64 m, i64 head, bool aligned, const R *a, i64 ldr, const R *x, S al,
+                    R *y) {
+    if constexpr (C > 0) {
+      if (cnt != C) return run_n<C - 1>(cnt, m, head, aligned, a, ldr, x, al, y);
+      const R *col[C];
+      S t[C];
+      for (int c = 0; c < C; ++c) col[c] = a + c * ldr, t[c] = mul(al, read(x + c * kE));
+      if (aligned)
+        pass_n<C, true>(m, head, col, t, y);
+      else
+        pass_n<C, false>(m, head, col, t, y);
+    }
+  }
+
+  static void gemv_n(int m, int n, const R *alpha, const R *a, int lda, const R *x, R *y) {
+    if (m <= 0) return;
+    const i64 ldr = i64{lda} * kE;
+    bool can_align;
+    const i64 head = head_of(a, m, can_align);
+    const bool aligned = can_align && (ldr * sizeof(R)) % V::kBytes == 0;
+    const S al = read(alpha);
+    for (int j = 0; j < n; j += kGroupN) {
+      const int cnt = n - j < kGroupN ? n - j : kGroupN;
+      run_n<kGroupN>(cnt, m, head, aligned, a + j * ldr, ldr, x + i64{j} * kE, al, y);
+    }
+  }
+
+  // ---- y += alpha op(A)^T x -----------------------------------------------------
+
+  // The parts of C dot products: for real data part[c][0] is the sum; for
+  // complex data the even and odd lane sums of a x (0, 1) and a swap(x) (2, 3).
+  template <int C, bool kAligned>
+  static void dots(i64 m, i64 head, const R *const *col, const R *x, R (*part)[4]) {
+    const i64 len = m * kE;
+    for (int c = 0; c < C; ++c) part[c][0] = part[c][1] = part[c][2] = part[c][3] = R(0);
+    auto scalar = [&](i64 i) {
+      for (int c = 0; c < C; ++c) {
+        const R *ac = col[c] + i;
+        part[c][0] += ac[0] * x[i];
+        if constexpr (kC) {
+          part[c][1] += ac[1] * x[i + 1];
+          part[c][2] += ac[0] * x[i + 1];
+          part[c][3] += ac[1] * x[i];
+        }
+      }
+    };
+    i64 i = 0;
+    for (; i < head * kE; i += kE) scalar(i);
+    constexpr int U = kDotUnroll;
+    reg acc1[C][U], acc2[C][U];
+    for (int c = 0; c < C; ++c)
+      for (int u = 0; u < U; ++u) acc1[c][u] = acc2[c][u] = V::zero();
+    for (; i + U * V::kW <= len; i += U * V::kW)
+      for (int u = 0; u < U; ++u) {
+        const reg xv = V::loadu(x + i + u * V::kW);
+        const reg xs = kC ? V::swap(xv) : xv;
+        for (int c = 0; c < C; ++c) {
+          const reg av = load<kAligned>(col[c] + i + u * V::kW);
+          acc1[c][u] = V::madd(av, xv, acc1[c][u]);
+          if constexpr (kC) acc2[c][u] = V::madd(av, xs, acc2[c][u]);
+        }
+      }
+    if constexpr (U > 1)
+      for (; i + V::kW <= len; i += V::kW) {
+        const reg xv = V::loadu(x + i);
+        for (int c = 0; c < C; ++c)
+          acc1[c][0] = V::madd(load<kAligned>(col[c] + i), xv, acc1[c][0]);
+      }
+    for (; i < len; i += kE) scalar(i);
+    for (int c = 0; c < C; ++c) {
+      reg s1 = acc1[c][0], s2 = acc2[c][0];
+      for (int u = 1; u < U; ++u) s1 = V::add(s1, acc1[c][u]), s2 = V::add(s2, acc2[c][u]);
+      R e, o;
+      V::pairsum(s1, e, o);
+      if constexpr (kC) {
+        part[c][0] += e, part[c][1] += o;
+        V::pairsum(s2, e, o);
+        part[c][2] += e, part[c][3] += o;
+      } else {
+        part[c][0] += e + o;
+      }
+    }
+  }
+
+  template <int C>
+  static void run_t(int cnt, i64 m, i64 head, bool aligned, const R *a, i64 ldr, const R *x, S al,
+                    bool conj, R *y) {
+    if constexpr (C > 0) {
+      if (cnt != C) return run_t<C - 1>(cnt, m, head, aligned, a, ldr, x, al, conj, y);
+      const R *col[C];
+      for (int c = 0; c < C; ++c) col[c] = a + c * ldr;
+      R part[C][4];
+      if (aligned)
+        dots<C, true>(m, head, col, x, part);
+      else
+        dots<C, false>(m, head, col, x, part);
+      for (int c = 0; c < C; ++c) {
+        S d{part[c][0], R(0)};
+        if constexpr (kC)
+          d = conj ? S{part[c][0] + part[c][1], part[c][2] - part[c][3]}
+                   : S{part[c][0] - part[c][1], part[c][2] + part[c][3]};
+        update(y + c * kE, al, d);
+      }
+    }
+  }
+
+  static void gemv_t(int m, int n, const R *alpha, const R *a, int lda, const R *x, R *y,
+                     bool conj) {
+    const i64 ldr = i64{lda} * kE;
+    bool can_align;
+    const i64 head = head_of(a, m, can_align);
+    const bool aligned = can_align && (ldr * sizeof(R)) % V::kBytes == 0;
+    const S al = read(alpha);
+    for (int j = 0; j < n; j += kGroupT) {
+      const int cnt = n - j < kGroupT ? n - j : kGroupT;
+      run_t<kGroupT>(cnt, m, head, aligned, a + j * ldr, ldr, x, al, conj, y + i64{j} * kE);
+    }
+  }
+
+  // ---- vector updates -------------------------------------------------------------
+
+  static void axpy(int n, const R *alpha, const R *x, R *y) {
+    const i64 len = i64{n} * kE;
+    const S t = read(alpha);
+    const reg tre = bre(t), tim = bim(t);
+    i64 i = 0;
+    for (; i + 2 * V::kW <= len; i += 2 * V::kW) {
+      const reg y0 = vupdate(V::loadu(y + i), tre, tim, V::loadu(x + i));
+      const reg y1 = vupdate(V::loadu(y + i + V::kW), tre, tim, V::loadu(x + i + V::kW));
+      V::storeu(y + i, y0);
+      V::storeu(y + i + V::kW, y1);
+    }
+    for (; i + V::kW <= len; i += V::kW)
+      V::storeu(y + i, vupdate(V::loadu(y + i), tre, tim, V::loadu(x + i)));
+    for (; i < len; i += kE) update(y + i, t, x + i);
+  }
+
+  static void axpy2(int n, const R *a1, const R *x1, const R *a2, const R *x2, R *y) {
+    const i64 len = i64{n} * kE;
+    const S t1 = read(a1), t2 = read(a2);
+    const reg re1 = bre(t1), im1 = bim(t1), re2 = bre(t2), im2 = bim(t2);
+    i64 i = 0;
+    for (; i + V::kW <= len; i += V::kW) {
+      reg acc = vupdate(V::loadu(y + i), re1, im1, V::loadu(x1 + i));
+      V::storeu(y + i, vupdate(acc, re2, im2, V::loadu(x2 + i)));
+    }
+    for (; i < len; i += kE) {
+      update(y + i, t1, x1 + i);
+      update(y + i, t2, x2 + i);
+    }
+  }
+
+  static void axpy_dot(int n, const R *alpha, const R *a, const R *x, R *y, bool conj, R *dot) {
+    const i64 len = i64{n} * kE;
+    const S t = read(alpha);
+    const reg tre = bre(t), tim = bim(t);
+    reg acc1 = V::zero(), acc2 = V::zero();
+    i64 i = 0;
+    for (; i + V::kW <= len; i += V::kW) {
+      const reg av = V::loadu(a + i), xv = V::loadu(x + i);
+      V::storeu(y + i, vupdate(V::loadu(y + i), tre, tim, av));
+      acc1 = V::madd(av, xv, acc1);
+      if constexpr (kC) acc2 = V::madd(av, V::swap(xv), acc2);
+    }
+    R p[4];
+    V::pairsum(acc1, p[0], p[1]);
+    V::pairsum(acc2, p[2], p[3]);
+    if constexpr (!kC) p[0] += p[1], p[1] = R(0);
+    for (; i < len; i += kE) {
+      update(y + i, t, a + i);
+      p[0] += a[i] * x[i];
+      if constexpr (kC) {
+        p[1] += a[i + 1] * x[i + 1];
+        p[2] += a[i] * x[i + 1];
+        p[3] += a[i + 1] * x[i];
+      }
+    }
+    dot[0] = p[0];
+    if constexpr (kC) {
+      if (conj) {
+        dot[0] = p[0] + p[1];
+        dot[1] = p[2] - p[3];
+      } else {
+        dot[0] = p[0] - p[1];
+        dot[1] = p[2] + p[3];
+      }
+    }
+  }
+};
+
+const float *re(const float *p) {
+  return p;
+}
+float *re(float *p) {
+  return p;
+}
+const double *re(const double *p) {
+  return p;
+}
+double *re(double *p) {
+  return p;
+}
+const float *re(const c8 *p) {
+  return reinterpret_cast<const float *>(p);
+}
+float *re(c8 *p) {
+  return reinterpret_cast<float *>(p);
+}
+const double *re(const c16 *p) {
+  return reinterpret_cast<const double *>(p);
+}
+double *re(c16 *p) {
+  return reinterpret_cast<double *>(p);
+}
+
+}  // namespace
+
+#define ORB_LEVEL2_VECTOR(T, K)                                                          \
+  void gemv_n(int m, int n, T alpha, const T *a, int lda, const T *x, T *y) {            \
+    K::gemv_n(m, n, re(&alpha), re(a), lda, re(x), re(y));                               \
+  }                                                                                      \
+  void gemv_t(int m, int n, T alpha, const T *a, int lda, const T *x, T *y, bool conj) { \
+    K::gemv_t(m, n, re(&alpha), re(a), lda, re(x), re(y), conj);                         \
+  }                                                                                      \
+  void axpy(int n, T alpha, const T *x, T *y) {                                          \
+    K::axpy(n, re(&alpha), re(x), re(y));                                                \
+  }                                                                                      \
+  void axpy2(int n, T a1, const T *x1, T a2, const T *x2, T *y) {                        \
+    K::axpy2(n, re(&a1), re(x1), re(&a2), re(x2), re(y));                                \
+  }                                                                                      \
+  void axpy_dot(int n, T alpha, const T *a, const T *x, T *y, bool conj, T *dot) {       \
+    K::axpy_dot(n, re(&alpha), re(a), re(x), re(y), conj, re(dot));                      \
+  }
+
+namespace {
+using RealF = Kernels<VF, false>;
+using RealD = Kernels<VD, false>;
+using ComplexF = Kernels<VF, true>;
+using ComplexD = Kernels<VD, true>;
+}  // namespace
+
+ORB_LEVEL2_VECTOR(float, RealF)
+ORB_LEVEL2_VECTOR(double, RealD)
+ORB_LEVEL2_VECTOR(c8, ComplexF)
+ORB_LEVEL2_VECTOR(c16, ComplexD)
+
+#undef ORB_LEVEL2_VECTOR
+
+}  // namespace orb::kernel::level2::ORB_L2_LEVEL
+
+// The type-4 and type-5 variants: the wider kernels when they can run.
+#if defined(ORB_L2_WIDE)
+namespace orb::kernel::level2::ORB_L2_WIDE {
+namespace {
+#if defined(__x86_64__)
+bool wide() {
+  static const bool usable = cpu::avx2_fma_usable();
+  return usable;
+}
+#define ORB_L2_PICK(call)        \
+  if (wide()) return avx2::call; \
+  return ORB_L2_LEVEL::call
+#else
+#define ORB_L2_PICK(call) return ORB_L2_LEVEL::call
+#endif
+}  // namespace
+
+#define ORB_LEVEL2_PICK(T)                                                               \
+  void gemv_n(int m, int n, T alpha, const T *a, int lda, const T *x, T *y) {            \
+    ORB_L2_PICK(gemv_n(m, n, alpha, a, lda, x, y));                                      \
+  }                                                                                      \
+  void gemv_t(int m, int n, T alpha, const T *a, int lda, const T *x, T *y, bool conj) { \
+    ORB_L2_PICK(gemv_t(m, n, alpha, a, lda, x, y, conj));                                \
+  }                                                                                      \
+  void axpy(int n, T alpha, const T *x, T *y) {                                          \
+    ORB_L2_PICK(axpy(n, alpha, x, y));                                                   \
+  }                                                                                      \
+  void axpy2(int n, T a1, const T *x1, T a2, const T *x2, T *y) {                        \
+    ORB_L2_PICK(axpy2(n, a1, x1, a2, x2, y));                                            \
+  }                                                                                      \
+  void axpy_dot(int n, T alpha, const T *a, const T *x, T *y, bool conj, T *dot) {       \
+    ORB_L2_PICK(axpy_dot(n, alpha, a, x, y, conj, dot));                                 \
+  }
+
+ORB_LEVEL2_PICK(float)
+ORB_LEVEL2_PICK(double)
+ORB_LEVEL2_PICK(c8)
+ORB_LEVEL2_PICK(c16)
+
+#undef ORB_LEVEL2_PICK
+#undef ORB_L2_PICK
+}  // namespace orb::kernel::level2::ORB_L2_WIDE
+#endif

@@ -1,0 +1,3 @@
+// Level-2 kernels compiled for the sse3 level (the body is the sse2 folder's).
+#define ORB_L2_LEVEL sse3
+#include "blas/kernel/sse2/level2_sse2.cpp"

@@ -1,0 +1,79 @@
+// What the triangular multiply and solve share: op(A) seen as an upper or
+// lower triangular matrix, its blocks as GEMM operands, the ladder of block
+// sizes and the dense copy of a small diagonal block.
+#pragma once
+
+#include <algorithm>
+#include <cstdint>
+
+#include "blas/level3/level3_common.h"
+
+namespace orb::blas::tri {
+
+// Diagonal blocks of at most this order are handled element by element.
+constexpr int kSmall = 16;
+
+// The block size for a triangle of order m > kSmall: its diagonal blocks are
+// treated again with the next smaller size, down to kSmall.
+inline int block_for(int m) {
+  return m > 256 ? 256 : m > 64 ? 64 : kSmall;
+}
+
+// Columns of B a small left-side block works through at a time.
+constexpr int kColumns = 64;
+
+// Rows (left side) or columns (right side) of B per thread come in multiples
+// of this, and a thread gets at least two of them.
+constexpr int kGrain = 16;
+
+// op(A) of a stored triangle.
+template <class T>
+struct OpA {
+  const T *a;
+  int lda;
+  int trans;
+  bool upper;  // op(A) is upper triangular
+  bool unit;
+
+  // op(A)(i, j), for (i, j) inside the triangle.
+  T operator()(int i, int j) const {
+    if (trans == 0) return a[at(i, j, lda)];
+    const T x = a[at(j, i, lda)];
+    return trans == 2 ? conj_of(x) : x;
+  }
+  // op(A)(i0.., j0..) as a GEMM operand with transpose code `trans`.
+  const T *block(int i0, int j0) const {
+    return trans == 0 ? a + at(i0, j0, lda) : a + at(j0, i0, lda);
+  }
+  // The diagonal block starting at (p, p).
+  OpA diagonal(int p) const {
+    OpA d = *this;
+    d.a = a + at(p, p, lda);
+    return d;
+  }
+};
+
+template <class T>
+OpA<T> op_of(const Triangular &t, const T *a, int lda) {
+  return OpA<T>{a, lda, t.trans, t.upper != (t.trans != 0), t.unit};
+}
+
+// op(A) of a diagonal block of order m <= kSmall, copied densely (column
+// major, leading dimension kSmall); only the triangle is filled, and the
+// diagonal only when it is read.
+template <class T>
+void copy_small(const OpA<T> &t, int m, T *d) {
+  for (int j = 0; j < m; ++j) {
+    const int i0 = t.upper ? 0 : j + 1, i1 = t.upper ? j : m;
+    for (int i = i0; i < i1; ++i) d[i + j * kSmall] = t(i, j);
+    if (!t.unit) d[j + j * kSmall] = t(j, j);
+  }
+}
+
+// B := 0 over an m-by-n block, without reading it.
+template <class T>
+void zero(int m, int n, T *b, int ldb) {
+  for (int j = 0; j < n; ++j) std::fill(b + at(0, j, ldb), b + at(0, j, ldb) + m, T(0));
+}
+
+}  // namespace orb::blas::tri
