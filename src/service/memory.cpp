@@ -165,11 +165,38 @@ inline std::uint32_t state() {
   return k;
 }
 
+// The record found through the TLS slot is also remembered in a variable of
+// the thread's own (a compiler-managed thread-local, cheaper to read than the
+// slot), together with the generation of the table it belongs to: freeing
+// the buffers starts a new generation, after which the slot is asked again.
+std::atomic<std::uint32_t> g_generation{1};
+#if defined(__ELF__)
+#define ORB_FAST_TLS __attribute__((tls_model("initial-exec")))
+#else
+#define ORB_FAST_TLS
+#endif
+thread_local Record *t_record ORB_FAST_TLS = nullptr;
+thread_local std::uint32_t t_generation ORB_FAST_TLS = 0;
+
+Record *slot_record(std::uintptr_t k) {
+  Record *r = static_cast<Record *>(platform::tls_get(platform::TlsKey{k - 1}));
+  if (r != nullptr) {
+    t_record = r;
+    t_generation = g_generation.load(std::memory_order_relaxed);
+  }
+  return r;
+}
+
+inline Record *cached_record() {
+  return t_generation == g_generation.load(std::memory_order_relaxed) ? t_record : nullptr;
+}
+
 // The calling thread's record, or null. Never creates the key.
 Record *current_record() {
+  if (Record *r = cached_record()) return r;
   const std::uintptr_t k = g_key.load(std::memory_order_acquire);
   if (k == 0) return nullptr;
-  return static_cast<Record *>(platform::tls_get(platform::TlsKey{k - 1}));
+  return slot_record(k);
 }
 
 // A new, empty record for the calling thread, or null once the table has
@@ -256,7 +283,8 @@ void *allocate(std::int32_t size, std::int32_t alignment) {
 
   const std::uint32_t align = effective_alignment(alignment);
   const std::uint64_t needed = std::uint64_t{n} + align;
-  Record *r = k != 0 ? static_cast<Record *>(platform::tls_get(platform::TlsKey{k - 1})) : nullptr;
+  Record *r = cached_record();
+  if (r == nullptr && k != 0) r = slot_record(k);
   if (r == nullptr) {
     if (k == 0 || (r = create_record(platform::TlsKey{k - 1})) == nullptr) return sys().malloc(n);
   }
@@ -324,6 +352,7 @@ extern "C" ORB_API void ORB_FreeBuffers(void) {
     g_records[i] = nullptr;
   }
   g_record_count = 0;
+  g_generation.fetch_add(1, std::memory_order_relaxed);
   const std::uintptr_t k = g_key.load(std::memory_order_relaxed);
   if (k != 0) {
     orb::platform::tls_destroy(orb::platform::TlsKey{k - 1});
