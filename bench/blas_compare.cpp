@@ -172,6 +172,119 @@ void print_row(const Row &r, const std::vector<Library> &libs, double peak) {
   (void)libs;
 }
 
+// The level-1 and level-2 routines are bound by memory traffic: rows show
+// GB/s (bytes of the vectors and matrix each call must read or write).
+using DotFn = float (*)(const int *, const float *, const int *, const float *, const int *);
+using AxpyFn = void (*)(const int *, const float *, const float *, const int *, float *,
+                        const int *);
+using Nrm2Fn = float (*)(const int *, const float *, const int *);
+using GemvFn = void (*)(const char *, const int *, const int *, const void *, const void *,
+                        const int *, const void *, const int *, const void *, void *, const int *,
+                        long);
+using TrsvFn = void (*)(const char *, const char *, const char *, const int *, const float *,
+                        const int *, float *, const int *, long, long, long);
+using GerFn = void (*)(const int *, const int *, const float *, const float *, const int *,
+                       const float *, const int *, float *, const int *);
+
+template <class Fn>
+Fn find(const Library &l, const char *name) {
+#if defined(__linux__)
+  return reinterpret_cast<Fn>(l.sym(name));
+#else
+  (void)l;
+  return nullptr;
+#endif
+}
+
+void level12(std::vector<Library> &libs, const std::vector<int> &thread_counts,
+             const std::string &filter) {
+  struct Item {
+    std::string routine;
+    int n;
+  };
+  std::vector<Item> items;
+  for (const char *r : {"sdot", "saxpy", "snrm2"})
+    for (int n : {1000, 10000, 100000, 1000000, 10000000}) items.push_back({r, n});
+  for (const char *r : {"sgemv_n", "sgemv_t", "cgemv_n", "strsv", "sger"})
+    for (int n : {256, 1024, 4096}) items.push_back({r, n});
+  std::printf("\n%-7s %-22s %2s", "routine", "size (GB/s)", "nt");
+  for (const Library &l : libs) std::printf("  %9s", l.name.c_str());
+  std::printf("  %6s\n", "ratio");
+  const int one_i = 1;
+  for (const Item &it : items) {
+    if (!filter.empty() && it.routine.find(filter) == std::string::npos) continue;
+    const int n = it.n;
+    const bool vec = it.routine == "sdot" || it.routine == "saxpy" || it.routine == "snrm2";
+    const std::size_t len = vec ? std::size_t(n) : std::size_t(n) * n * 2;
+    std::vector<float> a = random_vector<float>(len, 5);
+    std::vector<float> x = random_vector<float>(2 * std::size_t(n), 6);
+    std::vector<float> y = random_vector<float>(2 * std::size_t(n), 7);
+    if (it.routine == "strsv")
+      for (int i = 0; i < n; ++i) a[i + std::size_t(i) * n] = 4.0f;
+    double bytes =
+        vec ? (it.routine == "snrm2" ? 4.0 * n : (it.routine == "saxpy" ? 12.0 : 8.0) * n)
+            : 4.0 * n * n;
+    if (it.routine == "cgemv_n") bytes *= 2;
+    if (it.routine == "strsv") bytes /= 2;
+    if (it.routine == "sger") bytes *= 2;
+    for (int nt : thread_counts) {
+      Row row{it.routine, std::to_string(n), nt, {}};
+      for (const Library &l : libs) {
+        if (l.set_threads) l.set_threads(nt);
+        std::function<void()> run;
+        const float alpha = 1e-3f, beta = 0.5f, calpha[2] = {1, 0}, cbeta[2] = {0.5f, 0};
+        if (it.routine == "sdot") {
+          auto f = find<DotFn>(l, "sdot_");
+          if (f)
+            run = [=, &a, &y] {
+              volatile float r = f(&n, a.data(), &one_i, y.data(), &one_i);
+              (void)r;
+            };
+        } else if (it.routine == "saxpy") {
+          auto f = find<AxpyFn>(l, "saxpy_");
+          if (f) run = [=, &a, &y] { f(&n, &alpha, a.data(), &one_i, y.data(), &one_i); };
+        } else if (it.routine == "snrm2") {
+          auto f = find<Nrm2Fn>(l, "snrm2_");
+          if (f)
+            run = [=, &a] {
+              volatile float r = f(&n, a.data(), &one_i);
+              (void)r;
+            };
+        } else if (it.routine == "sgemv_n" || it.routine == "sgemv_t") {
+          auto f = find<GemvFn>(l, "sgemv_");
+          const char *t = it.routine == "sgemv_n" ? "N" : "T";
+          if (f)
+            run = [=, &a, &x, &y] {
+              f(t, &n, &n, &alpha, a.data(), &n, x.data(), &one_i, &beta, y.data(), &one_i, 1);
+            };
+        } else if (it.routine == "cgemv_n") {
+          auto f = find<GemvFn>(l, "cgemv_");
+          if (f)
+            run = [=, &a, &x, &y] {
+              f("N", &n, &n, calpha, a.data(), &n, x.data(), &one_i, cbeta, y.data(), &one_i, 1);
+            };
+        } else if (it.routine == "strsv") {
+          auto f = find<TrsvFn>(l, "strsv_");
+          const std::vector<float> x0(x.begin(), x.begin() + n);
+          if (f)
+            run = [=, &a, &x] {
+              std::copy(x0.begin(), x0.end(), x.begin());
+              f("L", "N", "N", &n, a.data(), &n, x.data(), &one_i, 1, 1, 1);
+            };
+        } else if (it.routine == "sger") {
+          auto f = find<GerFn>(l, "sger_");
+          if (f)
+            run = [=, &a, &x, &y] {
+              f(&n, &n, &alpha, x.data(), &one_i, y.data(), &one_i, a.data(), &n);
+            };
+        }
+        row.rate.push_back(run ? bytes / seconds(run) * 1e-9 : 0);
+      }
+      print_row(row, libs, 0);
+    }
+  }
+}
+
 }  // namespace
 
 int main(int argc, char **argv) {
@@ -299,5 +412,6 @@ int main(int argc, char **argv) {
       print_row(row, libs, peak);
     }
   }
+  level12(libs, thread_counts, filter);
   return 0;
 }

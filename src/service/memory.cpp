@@ -170,13 +170,11 @@ inline std::uint32_t state() {
 // slot), together with the generation of the table it belongs to: freeing
 // the buffers starts a new generation, after which the slot is asked again.
 std::atomic<std::uint32_t> g_generation{1};
-#if defined(__ELF__)
-#define ORB_FAST_TLS __attribute__((tls_model("initial-exec")))
-#else
-#define ORB_FAST_TLS
-#endif
-thread_local Record *t_record ORB_FAST_TLS = nullptr;
-thread_local std::uint32_t t_generation ORB_FAST_TLS = 0;
+// The library is loaded at run time by its hosts, so its thread-locals keep
+// the default model (an initial-exec block would have to fit the loader's
+// small reserve of static TLS).
+thread_local Record *t_record = nullptr;
+thread_local std::uint32_t t_generation = 0;
 
 Record *slot_record(std::uintptr_t k) {
   Record *r = static_cast<Record *>(platform::tls_get(platform::TlsKey{k - 1}));
