@@ -15,6 +15,7 @@
 #include <functional>
 #include <random>
 #include <string>
+#include <thread>
 #include <vector>
 
 #if defined(__x86_64__)
@@ -82,8 +83,11 @@ std::vector<Library> load_libraries(const std::string &orb_path) {
   return libs;
 }
 
-// Best of several timed runs after a warm-up, at least ~0.2 s in all.
+// Best of several timed runs after a warm-up, at least ~0.2 s in all. The
+// pause first lets the worker threads of the library measured before go to
+// sleep: their spinning would take the cores from this one.
 double seconds(const std::function<void()> &run) {
+  std::this_thread::sleep_for(std::chrono::milliseconds(400));
   run();
   double best = 1e30, total = 0;
   for (int r = 0; r < 50 && (r < 3 || total < 0.2); ++r) {
