@@ -1,6 +1,7 @@
 // The exported level-1 and sparse level-1 BLAS: plain forwarders to the
 // templates of blas/level1/level1.h. The other spellings (SAXPY, dnrm2,
 // idamax, ...) reach these entries through the export table.
+#include "blas/complex_abi.h"
 #include "blas/level1/level1.h"
 #include "orb.h"
 #include "service/entry.h"
@@ -11,20 +12,6 @@ using orb::blas::c16;
 using orb::blas::c8;
 using orb::entry::plain;
 namespace blas = orb::blas;
-static_assert(sizeof(orb_complex8) == sizeof(c8) && sizeof(orb_complex16) == sizeof(c16));
-
-const c8 *to_std(const orb_complex8 *p) {
-  return reinterpret_cast<const c8 *>(p);
-}
-c8 *to_std(orb_complex8 *p) {
-  return reinterpret_cast<c8 *>(p);
-}
-const c16 *to_std(const orb_complex16 *p) {
-  return reinterpret_cast<const c16 *>(p);
-}
-c16 *to_std(orb_complex16 *p) {
-  return reinterpret_cast<c16 *>(p);
-}
 
 }  // namespace
 
@@ -92,61 +79,61 @@ ORB_API int isamin(const int *n, const float *sx, const int *incx) {
 
 ORB_API void caxpy(const int *n, const orb_complex8 *ca, const orb_complex8 *cx, const int *incx,
                    orb_complex8 *cy, const int *incy) {
-  plain(blas::axpy<c8>, *n, *to_std(ca), to_std(cx), *incx, to_std(cy), *incy);
+  plain(blas::axpy<c8>, *n, *blas::cx(ca), blas::cx(cx), *incx, blas::cx(cy), *incy);
 }
 
 ORB_API void ccopy(const int *n, const orb_complex8 *cx, const int *incx, orb_complex8 *cy,
                    const int *incy) {
-  plain(blas::copy<c8>, *n, to_std(cx), *incx, to_std(cy), *incy);
+  plain(blas::copy<c8>, *n, blas::cx(cx), *incx, blas::cx(cy), *incy);
 }
 
 ORB_API void cdotc(orb_complex8 *result, const int *n, const orb_complex8 *cx, const int *incx,
                    const orb_complex8 *cy, const int *incy) {
-  *to_std(result) = plain(blas::dotc<c8>, *n, to_std(cx), *incx, to_std(cy), *incy);
+  *blas::cx(result) = plain(blas::dotc<c8>, *n, blas::cx(cx), *incx, blas::cx(cy), *incy);
 }
 
 ORB_API void cdotu(orb_complex8 *result, const int *n, const orb_complex8 *cx, const int *incx,
                    const orb_complex8 *cy, const int *incy) {
-  *to_std(result) = plain(blas::dotu<c8>, *n, to_std(cx), *incx, to_std(cy), *incy);
+  *blas::cx(result) = plain(blas::dotu<c8>, *n, blas::cx(cx), *incx, blas::cx(cy), *incy);
 }
 
 ORB_API void cscal(const int *n, const orb_complex8 *ca, orb_complex8 *cx, const int *incx) {
-  plain(blas::scal<c8>, *n, *to_std(ca), to_std(cx), *incx);
+  plain(blas::scal<c8>, *n, *blas::cx(ca), blas::cx(cx), *incx);
 }
 
 ORB_API void csscal(const int *n, const float *sa, orb_complex8 *cx, const int *incx) {
-  plain(blas::rscal<c8>, *n, *sa, to_std(cx), *incx);
+  plain(blas::rscal<c8>, *n, *sa, blas::cx(cx), *incx);
 }
 
 ORB_API void cswap(const int *n, orb_complex8 *cx, const int *incx, orb_complex8 *cy,
                    const int *incy) {
-  plain(blas::swap<c8>, *n, to_std(cx), *incx, to_std(cy), *incy);
+  plain(blas::swap<c8>, *n, blas::cx(cx), *incx, blas::cx(cy), *incy);
 }
 
 ORB_API void csrot(const int *n, orb_complex8 *cx, const int *incx, orb_complex8 *cy,
                    const int *incy, const float *c, const float *s) {
-  plain(blas::rot<c8>, *n, to_std(cx), *incx, to_std(cy), *incy, *c, *s);
+  plain(blas::rot<c8>, *n, blas::cx(cx), *incx, blas::cx(cy), *incy, *c, *s);
 }
 
 ORB_API void crotg(orb_complex8 *ca, const orb_complex8 *cb, float *c, orb_complex8 *s) {
-  plain(static_cast<void (*)(c8 *, const c8 *, float *, c8 *)>(blas::rotg<float>), to_std(ca),
-        to_std(cb), c, to_std(s));
+  plain(static_cast<void (*)(c8 *, const c8 *, float *, c8 *)>(blas::rotg<float>), blas::cx(ca),
+        blas::cx(cb), c, blas::cx(s));
 }
 
 ORB_API float scnrm2(const int *n, const orb_complex8 *x, const int *incx) {
-  return plain(blas::nrm2<c8>, *n, to_std(x), *incx);
+  return plain(blas::nrm2<c8>, *n, blas::cx(x), *incx);
 }
 
 ORB_API float scasum(const int *n, const orb_complex8 *cx, const int *incx) {
-  return plain(blas::asum<c8>, *n, to_std(cx), *incx);
+  return plain(blas::asum<c8>, *n, blas::cx(cx), *incx);
 }
 
 ORB_API int icamax(const int *n, const orb_complex8 *cx, const int *incx) {
-  return plain(blas::iamax<c8>, *n, to_std(cx), *incx);
+  return plain(blas::iamax<c8>, *n, blas::cx(cx), *incx);
 }
 
 ORB_API int icamin(const int *n, const orb_complex8 *cx, const int *incx) {
-  return plain(blas::iamin<c8>, *n, to_std(cx), *incx);
+  return plain(blas::iamin<c8>, *n, blas::cx(cx), *incx);
 }
 
 // ---- double precision real and complex ---------------------------------------------------------
@@ -168,30 +155,30 @@ ORB_API int IDAMAX(const int *n, const double *dx, const int *incx) {
 }
 
 ORB_API void ZSCAL(const int *n, const orb_complex16 *za, orb_complex16 *zx, const int *incx) {
-  plain(blas::scal<c16>, *n, *to_std(za), to_std(zx), *incx);
+  plain(blas::scal<c16>, *n, *blas::cx(za), blas::cx(zx), *incx);
 }
 
 ORB_API void ZDSCAL(const int *n, const double *da, orb_complex16 *zx, const int *incx) {
-  plain(blas::rscal<c16>, *n, *da, to_std(zx), *incx);
+  plain(blas::rscal<c16>, *n, *da, blas::cx(zx), *incx);
 }
 
 ORB_API void ZSWAP(const int *n, orb_complex16 *zx, const int *incx, orb_complex16 *zy,
                    const int *incy) {
-  plain(blas::swap<c16>, *n, to_std(zx), *incx, to_std(zy), *incy);
+  plain(blas::swap<c16>, *n, blas::cx(zx), *incx, blas::cx(zy), *incy);
 }
 
 ORB_API void zcopy(const int *n, const orb_complex16 *zx, const int *incx, orb_complex16 *zy,
                    const int *incy) {
-  plain(blas::copy<c16>, *n, to_std(zx), *incx, to_std(zy), *incy);
+  plain(blas::copy<c16>, *n, blas::cx(zx), *incx, blas::cx(zy), *incy);
 }
 
 ORB_API int IZAMAX(const int *n, const orb_complex16 *zx, const int *incx) {
-  return plain(blas::iamax<c16>, *n, to_std(zx), *incx);
+  return plain(blas::iamax<c16>, *n, blas::cx(zx), *incx);
 }
 
 ORB_API void ZROT(const int *n, orb_complex16 *cx, const int *incx, orb_complex16 *cy,
                   const int *incy, const double *c, const orb_complex16 *s) {
-  plain(blas::crot<c16>, *n, to_std(cx), *incx, to_std(cy), *incy, *c, *to_std(s));
+  plain(blas::crot<c16>, *n, blas::cx(cx), *incx, blas::cx(cy), *incy, *c, *blas::cx(s));
 }
 
 // ---- sparse ------------------------------------------------------------------------------------
@@ -214,25 +201,25 @@ ORB_API void ssctr(const int *nz, const float *x, const int *indx, float *y) {
 
 ORB_API void caxpyi(const int *nz, const orb_complex8 *a, const orb_complex8 *x, const int *indx,
                     orb_complex8 *y) {
-  plain(blas::axpyi<c8>, *nz, *to_std(a), to_std(x), indx, to_std(y));
+  plain(blas::axpyi<c8>, *nz, *blas::cx(a), blas::cx(x), indx, blas::cx(y));
 }
 
 ORB_API void cdotci(orb_complex8 *result, const int *nz, const orb_complex8 *x, const int *indx,
                     const orb_complex8 *y) {
-  *to_std(result) = plain(blas::dotci<c8>, *nz, to_std(x), indx, to_std(y));
+  *blas::cx(result) = plain(blas::dotci<c8>, *nz, blas::cx(x), indx, blas::cx(y));
 }
 
 ORB_API void cdotui(orb_complex8 *result, const int *nz, const orb_complex8 *x, const int *indx,
                     const orb_complex8 *y) {
-  *to_std(result) = plain(blas::dotui<c8>, *nz, to_std(x), indx, to_std(y));
+  *blas::cx(result) = plain(blas::dotui<c8>, *nz, blas::cx(x), indx, blas::cx(y));
 }
 
 ORB_API void cgthr(const int *nz, const orb_complex8 *y, orb_complex8 *x, const int *indx) {
-  plain(blas::gthr<c8>, *nz, to_std(y), to_std(x), indx);
+  plain(blas::gthr<c8>, *nz, blas::cx(y), blas::cx(x), indx);
 }
 
 ORB_API void csctr(const int *nz, const orb_complex8 *x, const int *indx, orb_complex8 *y) {
-  plain(blas::sctr<c8>, *nz, to_std(x), indx, to_std(y));
+  plain(blas::sctr<c8>, *nz, blas::cx(x), indx, blas::cx(y));
 }
 
 }  // extern "C"

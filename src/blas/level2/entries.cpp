@@ -3,6 +3,7 @@
 // arguments itself.
 #include <complex>
 
+#include "blas/complex_abi.h"
 #include "blas/level2/level2.h"
 #include "orb.h"
 #include "service/checkers.h"
@@ -14,21 +15,8 @@ namespace {
 namespace l2 = orb::blas::level2;
 using l2::c16;
 using l2::c8;
+using orb::blas::cx;
 using orb::blas::level2::is;
-static_assert(sizeof(orb_complex8) == sizeof(c8) && sizeof(orb_complex16) == sizeof(c16));
-
-const c8 *cx(const orb_complex8 *p) {
-  return reinterpret_cast<const c8 *>(p);
-}
-c8 *cx(orb_complex8 *p) {
-  return reinterpret_cast<c8 *>(p);
-}
-const c16 *cx(const orb_complex16 *p) {
-  return reinterpret_cast<const c16 *>(p);
-}
-c16 *cx(orb_complex16 *p) {
-  return reinterpret_cast<c16 *>(p);
-}
 
 // The drivers with the published argument lists, read once the checks passed.
 template <class T>

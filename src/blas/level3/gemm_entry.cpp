@@ -1,6 +1,7 @@
 // The exported general matrix multiplies: checked entries over gemm_omp.
 #include <complex>
 
+#include "blas/complex_abi.h"
 #include "blas/level3/gemm.h"
 #include "orb.h"
 #include "service/checkers.h"
@@ -10,20 +11,7 @@ namespace {
 
 using orb::blas::c16;
 using orb::blas::c8;
-static_assert(sizeof(orb_complex8) == sizeof(c8) && sizeof(orb_complex16) == sizeof(c16));
-
-const c8 *cx(const orb_complex8 *p) {
-  return reinterpret_cast<const c8 *>(p);
-}
-c8 *cx(orb_complex8 *p) {
-  return reinterpret_cast<c8 *>(p);
-}
-const c16 *cx(const orb_complex16 *p) {
-  return reinterpret_cast<const c16 *>(p);
-}
-c16 *cx(orb_complex16 *p) {
-  return reinterpret_cast<c16 *>(p);
-}
+using orb::blas::cx;
 
 }  // namespace
 

@@ -2,6 +2,7 @@
 // entries over symm_omp, syrk_omp, trmm_omp and trsm_omp.
 #include <complex>
 
+#include "blas/complex_abi.h"
 #include "blas/level3/gemm_blocked.h"
 #include "blas/level3/level3.h"
 #include "orb.h"
@@ -12,21 +13,8 @@ namespace {
 
 using orb::blas::c16;
 using orb::blas::c8;
+using orb::blas::cx;
 using orb::blas::Triangular;
-static_assert(sizeof(orb_complex8) == sizeof(c8) && sizeof(orb_complex16) == sizeof(c16));
-
-const c8 *cx(const orb_complex8 *p) {
-  return reinterpret_cast<const c8 *>(p);
-}
-c8 *cx(orb_complex8 *p) {
-  return reinterpret_cast<c8 *>(p);
-}
-const c16 *cx(const orb_complex16 *p) {
-  return reinterpret_cast<const c16 *>(p);
-}
-c16 *cx(orb_complex16 *p) {
-  return reinterpret_cast<c16 *>(p);
-}
 
 bool is(const char *option, char c) {
   return orb::check::upper(*option) == c;
