@@ -16,31 +16,15 @@
 #include "orb.h"
 #include "service/cpu.h"
 #include "support/child.h"
+#include "support/reference.h"
 
 namespace {
 
 using orb::blas::c16;
 using orb::blas::c8;
 
-template <class T>
-struct Wide {
-  using type = double;
-};
-template <class R>
-struct Wide<std::complex<R>> {
-  using type = std::complex<double>;
-};
-template <class T>
-using wide_t = typename Wide<T>::type;
-
-template <class T>
-T conj_of(T x) {
-  return x;
-}
-template <class R>
-std::complex<R> conj_of(std::complex<R> x) {
-  return std::conj(x);
-}
+using orb::test::conj_of;
+using orb::test::wide_t;
 
 // A column-major matrix with a leading dimension above its rows.
 template <class T>
@@ -70,8 +54,8 @@ T op_elem(Mat<T> &x, char t, int i, int j) {
 // Checks C = alpha op(A) op(B) + beta C0 elementwise against a bound that
 // grows with k; returns the number of elements outside it.
 template <class T>
-int check(char ta, char tb, int m, int n, int k, T alpha, Mat<T> &a, Mat<T> &b, T beta,
-          Mat<T> &c0, Mat<T> &c) {
+int check(char ta, char tb, int m, int n, int k, T alpha, Mat<T> &a, Mat<T> &b, T beta, Mat<T> &c0,
+          Mat<T> &c) {
   using W = wide_t<T>;
   using R = decltype(std::abs(T()));
   const double eps = std::numeric_limits<R>::epsilon();
@@ -107,8 +91,8 @@ int check(char ta, char tb, int m, int n, int k, T alpha, Mat<T> &a, Mat<T> &b, 
 }
 
 template <class T>
-void call(char ta, char tb, int m, int n, int k, T alpha, const T *a, int lda, const T *b,
-          int ldb, T beta, T *c, int ldc) {
+void call(char ta, char tb, int m, int n, int k, T alpha, const T *a, int lda, const T *b, int ldb,
+          T beta, T *c, int ldc) {
   if constexpr (std::is_same_v<T, float>)
     orb::blas::orb_blas_sgemm(&ta, &tb, &m, &n, &k, &alpha, a, &lda, b, &ldb, &beta, c, &ldc);
   else if constexpr (std::is_same_v<T, double>)
@@ -217,12 +201,12 @@ TEST(Gemm, EveryProcessorTypeAgainstTheReference) {
 }
 
 TEST(Gemm, DirectOrPackedForTypes2And3) {
-  using orb::blas::Path23;
   using orb::blas::choose_path23;
-  EXPECT_EQ(choose_path23(true, true, 8, 8, 8), Path23::kDirect);  // ratio 0.1667 > 0.06
-  EXPECT_EQ(choose_path23(true, true, 50, 50, 50), Path23::kPacked);  // 150 >= 150
-  EXPECT_EQ(choose_path23(true, true, 49, 50, 50), Path23::kPacked);  // ratio 0.0296 < 0.06
-  EXPECT_EQ(choose_path23(true, true, 7, 500, 500), Path23::kDirect);  // a dimension below 8
+  using orb::blas::Path23;
+  EXPECT_EQ(choose_path23(true, true, 8, 8, 8), Path23::kDirect);       // ratio 0.1667 > 0.06
+  EXPECT_EQ(choose_path23(true, true, 50, 50, 50), Path23::kPacked);    // 150 >= 150
+  EXPECT_EQ(choose_path23(true, true, 49, 50, 50), Path23::kPacked);    // ratio 0.0296 < 0.06
+  EXPECT_EQ(choose_path23(true, true, 7, 500, 500), Path23::kDirect);   // a dimension below 8
   EXPECT_EQ(choose_path23(false, false, 30, 30, 20), Path23::kPacked);  // 80 >= 80
   EXPECT_EQ(choose_path23(false, false, 20, 20, 20), Path23::kPacked);  // 0.0714 < 0.075
   EXPECT_EQ(choose_path23(false, false, 10, 10, 10), Path23::kDirect);  // 0.136
@@ -277,8 +261,8 @@ TEST(Gemm, TinyProductsNeverAskForAThreadCount) {
 
 // The same product with 1, 2, 3 and 7 threads gives the same numbers.
 TEST(Gemm, ResultsDoNotDependOnTheThreadCount) {
-  const int shapes[][3] = {{50, 50, 50}, {403, 301, 290}, {1000, 60, 70}, {60, 900, 300},
-                           {257, 257, 257}, {90, 90, 90}};
+  const int shapes[][3] = {{50, 50, 50},   {403, 301, 290}, {1000, 60, 70},
+                           {60, 900, 300}, {257, 257, 257}, {90, 90, 90}};
   for (auto &s : shapes)
     for (char ta : {'N', 'T'}) {
       std::mt19937 rng(11);
@@ -312,6 +296,8 @@ TEST(Gemm, InsideAnApplicationsParallelRegion) {
   for (int b : bad) EXPECT_EQ(b, 0);
 }
 
-TEST(Gemm, ThisMachinesPathAgainstTheReference) { EXPECT_EQ(full_sweep(), 0); }
+TEST(Gemm, ThisMachinesPathAgainstTheReference) {
+  EXPECT_EQ(full_sweep(), 0);
+}
 
 }  // namespace

@@ -18,6 +18,7 @@
 #include "orb.h"
 #include "service/cpu.h"
 #include "support/child.h"
+#include "support/reference.h"
 
 namespace {
 
@@ -25,16 +26,7 @@ using orb::blas::c16;
 using orb::blas::c8;
 using orb::blas::Triangular;
 
-template <class T>
-struct Wide {
-  using type = double;
-};
-template <class R>
-struct Wide<std::complex<R>> {
-  using type = std::complex<double>;
-};
-template <class T>
-using wide_t = typename Wide<T>::type;
+using orb::test::wide_t;
 
 template <class T>
 constexpr bool kComplex = !std::is_floating_point_v<T>;
@@ -54,13 +46,7 @@ inline double l1(std::complex<double> x) {
   return std::fabs(x.real()) + std::fabs(x.imag());
 }
 
-template <class T>
-T conj_of(T x) {
-  if constexpr (kComplex<T>)
-    return std::conj(x);
-  else
-    return x;
-}
+using orb::test::conj_of;
 
 const double kNaN = std::numeric_limits<double>::quiet_NaN();
 const double kMark = 7.25;  // what elements that must stay untouched hold

@@ -12,6 +12,7 @@
 #include <cstdint>
 
 #include "blas/kernel/level2.h"
+#include "blas/scalar.h"
 #include "service/dispatch.h"
 #include "service/memory.h"
 
@@ -107,25 +108,8 @@ void scatter(const T *in, std::int64_t n, Vec<T> v) {
   for (std::int64_t i = 0; i < n; ++i) v[i] = in[i];
 }
 
-// Complex products component by component (the language's product calls the
-// library to sort out infinities), conjugates and real parts for either kind
-// of scalar.
-template <class T>
-T mul(T x, T y) {
-  return x * y;
-}
-template <class R>
-std::complex<R> mul(std::complex<R> x, std::complex<R> y) {
-  return {x.real() * y.real() - x.imag() * y.imag(), x.real() * y.imag() + x.imag() * y.real()};
-}
-template <class T>
-T conj_if(T x, bool) {
-  return x;
-}
-template <class R>
-std::complex<R> conj_if(std::complex<R> x, bool conj) {
-  return conj ? std::complex<R>(x.real(), -x.imag()) : x;
-}
+// Conjugates and real parts for either kind of scalar (mul and conj_if are in
+// blas/scalar.h).
 template <class T>
 T real_part(T x) {
   return x;

@@ -9,6 +9,7 @@
 #include <cstdint>
 
 #include "blas/kernel/gemm.h"
+#include "blas/scalar.h"
 
 namespace orb::blas {
 
@@ -18,16 +19,9 @@ inline int trans_code(char c) {
   return (c == 'C' || c == 'c') ? 2 : 1;
 }
 
-template <class T>
-inline T conj_if(T x, bool) {
-  return x;
+inline int round_up(int x, int to) {
+  return (x + to - 1) / to * to;
 }
-template <class R>
-inline std::complex<R> conj_if(std::complex<R> x, bool conj) {
-  return conj ? std::conj(x) : x;
-}
-
-inline int round_up(int x, int to) { return (x + to - 1) / to * to; }
 
 // C := beta C over an m-by-n block; beta = 0 writes zeros without reading C.
 template <class T>
@@ -153,8 +147,8 @@ void gemm_packed(const kernel::GemmShape<T> &s, int ta, int tb, int m, int n, in
       for (int ic = 0; ic < m; ic += s.mc) {
         const int mb = std::min(s.mc, m - ic);
         pack_a(ta, a, lda, ic, pc, mb, kb, s.mr, abuf);
-        macro_kernel(s, mb, nb, kb, alpha, abuf, bbuf, beta_here,
-                     c + ic + std::int64_t{jc} * ldc, ldc);
+        macro_kernel(s, mb, nb, kb, alpha, abuf, bbuf, beta_here, c + ic + std::int64_t{jc} * ldc,
+                     ldc);
       }
     }
   }
@@ -166,10 +160,9 @@ void gemm_packed(const kernel::GemmShape<T> &s, int ta, int tb, int m, int n, in
 // into the shared buffer together (sliver by sliver), waits for it, and then
 // each member multiplies its rows by it. `barrier` synchronises the team.
 template <class T, class Barrier>
-void gemm_packed_team(const kernel::GemmShape<T> &s, int ta, int tb, int m, int n, int k,
-                      T alpha, const T *a, int lda, const T *b, int ldb, T beta, T *c, int ldc,
-                      int row0, int rows, T *abuf, T *shared_b, int member, int team,
-                      Barrier barrier) {
+void gemm_packed_team(const kernel::GemmShape<T> &s, int ta, int tb, int m, int n, int k, T alpha,
+                      const T *a, int lda, const T *b, int ldb, T beta, T *c, int ldc, int row0,
+                      int rows, T *abuf, T *shared_b, int member, int team, Barrier barrier) {
   if (m <= 0 || n <= 0) return;
   if (k <= 0 || alpha == T(0)) {
     scale_c(rows, n, beta, c + row0, ldc);

@@ -4,21 +4,12 @@
 #include <cstdint>
 
 #include "blas/kernel/gemm.h"
+#include "blas/scalar.h"
 
 namespace orb::kernel::generic {
 namespace {
 
-// Products in the kernels' own arithmetic: complex operands are multiplied
-// component by component, without the library call that the language's
-// complex product makes for infinities.
-template <class T>
-T mul(T x, T y) {
-  return x * y;
-}
-template <class R>
-std::complex<R> mul(std::complex<R> x, std::complex<R> y) {
-  return {x.real() * y.real() - x.imag() * y.imag(), x.real() * y.imag() + x.imag() * y.real()};
-}
+using orb::blas::mul;
 
 template <class T, int MR, int NR>
 void ukr(int k, const T *a, const T *b, T *c, int ldc, T alpha, T beta) {
@@ -43,9 +34,15 @@ void ukr(int k, const T *a, const T *b, T *c, int ldc, T alpha, T beta) {
 // (4096 bytes) and a 64-by-200 panel of B (51,200 bytes).
 const GemmShape<float> sgemm_shape = {4, 4, 16, 64, 200, &ukr<float, 4, 4>};
 
-GemmShape<double> dgemm_shape() { return {4, 4, 64, 256, 1024, &ukr<double, 4, 4>}; }
-GemmShape<c8> cgemm_shape() { return {2, 2, 64, 256, 512, &ukr<c8, 2, 2>}; }
-GemmShape<c16> zgemm_shape() { return {2, 2, 64, 128, 512, &ukr<c16, 2, 2>}; }
+GemmShape<double> dgemm_shape() {
+  return {4, 4, 64, 256, 1024, &ukr<double, 4, 4>};
+}
+GemmShape<c8> cgemm_shape() {
+  return {2, 2, 64, 256, 512, &ukr<c8, 2, 2>};
+}
+GemmShape<c16> zgemm_shape() {
+  return {2, 2, 64, 128, 512, &ukr<c16, 2, 2>};
+}
 
 template <class T>
 void gemm_direct(int ta, int tb, int m, int n, int k, T alpha, const T *a, int lda, const T *b,

@@ -5,28 +5,13 @@
 #include <cstdint>
 
 #include "blas/kernel/level2.h"
+#include "blas/scalar.h"
 
 namespace orb::kernel::level2::generic {
 namespace {
 
-// Complex products component by component, without the library call that the
-// language's complex product makes to sort out infinities.
-template <class T>
-T mul(T x, T y) {
-  return x * y;
-}
-template <class R>
-std::complex<R> mul(std::complex<R> x, std::complex<R> y) {
-  return {x.real() * y.real() - x.imag() * y.imag(), x.real() * y.imag() + x.imag() * y.real()};
-}
-template <class T>
-T conj_if(T x, bool) {
-  return x;
-}
-template <class R>
-std::complex<R> conj_if(std::complex<R> x, bool conj) {
-  return conj ? std::conj(x) : x;
-}
+using orb::blas::conj_if;
+using orb::blas::mul;
 
 template <class T>
 void gemv_n_impl(int m, int n, T alpha, const T *a, int lda, const T *x, T *y) {
