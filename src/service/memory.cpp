@@ -7,9 +7,13 @@
 //   ORB_FreeBuffers.
 // - g_state and g_key are written under the lock and read without it on every
 //   call, hence atomics (release on write, acquire on read).
-// - A thread's record is reached only through that thread's TLS value and is
-//   touched by no other thread, except ORB_FreeBuffers, which must not run
-//   while other threads are inside the library.
+// - A thread's record is reached only through that thread's TLS value (and
+//   the copy it remembers, see memory.h) and is touched by no other thread,
+//   except ORB_FreeBuffers, which must not run while other threads are inside
+//   the library. It bumps g_generation (under the lock) so that no thread
+//   trusts its remembered record afterwards.
+// The common path (memory.h) touches only the thread's own record and reads
+// g_generation; everything else is here.
 #include "service/memory.h"
 
 #include <atomic>
@@ -22,6 +26,7 @@
 #include "service/platform/platform.h"
 
 namespace orb::mem {
+using namespace detail;
 namespace {
 
 // ---- the system allocator ----------------------------------------------------
@@ -98,21 +103,7 @@ void unlock() {
   g_lock.store(0, std::memory_order_release);
 }
 
-// ---- records --------------------------------------------------------------------
-
-struct Slot {
-  void *block;             // as the system allocator returned it
-  void *address;           // the aligned address handed out
-  std::uint64_t capacity;  // bytes of the block: requested size plus alignment
-  std::uint32_t size;      // bytes requested
-  std::uint32_t in_use;
-};
-
-struct Record {
-  Slot slots[kSlots];
-  std::uint64_t filled;    // slots filled, in order from the first
-  std::uint64_t capacity;  // sum of the filled slots' capacities
-};
+// ---- the state, the key and the records -------------------------------------------
 
 // The manager state: unset until the environment has been read.
 enum : std::uint32_t { kUnset = 0, kEnabled = 1, kDisabled = 2 };
@@ -165,33 +156,20 @@ inline std::uint32_t state() {
   return k;
 }
 
-// The record found through the TLS slot is also remembered in a variable of
-// the thread's own (a compiler-managed thread-local, cheaper to read than the
-// slot), together with the generation of the table it belongs to: freeing
-// the buffers starts a new generation, after which the slot is asked again.
-std::atomic<std::uint32_t> g_generation{1};
-// The library is loaded at run time by its hosts, so its thread-locals keep
-// the default model (an initial-exec block would have to fit the loader's
-// small reserve of static TLS).
-thread_local Record *t_record = nullptr;
-thread_local std::uint32_t t_generation = 0;
+inline Record *remembered_record() {
+  const Remembered &m = t_remembered;
+  return is_current(m) ? m.record : nullptr;
+}
 
 Record *slot_record(std::uintptr_t k) {
   Record *r = static_cast<Record *>(platform::tls_get(platform::TlsKey{k - 1}));
-  if (r != nullptr) {
-    t_record = r;
-    t_generation = g_generation.load(std::memory_order_relaxed);
-  }
+  if (r != nullptr) t_remembered = {r, g_generation.load(std::memory_order_relaxed)};
   return r;
-}
-
-inline Record *cached_record() {
-  return t_generation == g_generation.load(std::memory_order_relaxed) ? t_record : nullptr;
 }
 
 // The calling thread's record, or null. Never creates the key.
 Record *current_record() {
-  if (Record *r = cached_record()) return r;
+  if (Record *r = remembered_record()) return r;
   const std::uintptr_t k = g_key.load(std::memory_order_acquire);
   if (k == 0) return nullptr;
   return slot_record(k);
@@ -214,23 +192,14 @@ Record *current_record() {
   return r;
 }
 
-void *hand_out(Slot &slot, std::uint32_t size, std::uint32_t align) {
-  slot.size = size;
-  slot.in_use = 1;
-  auto b = reinterpret_cast<std::uintptr_t>(slot.block);
-  const std::uintptr_t mask = align != 0 ? align - 1 : 0;  // alignments are powers of two
-  if ((b & mask) != 0) b = (b & ~mask) + align;
-  slot.address = reinterpret_cast<void *>(b);
-  return slot.address;
-}
-
-// A new block of `capacity` bytes for `slot`; false when the system has none.
-bool fill(Slot &slot, std::uint64_t capacity) {
+// A new block of `capacity` bytes for slot i; false when the system has none,
+// and the slot is then left empty (capacity 0).
+bool fill(Record *r, int i, std::uint64_t capacity) {
   // At most kMaxCachedSize plus 2^30: within any size_t.
-  slot.block = sys().malloc(static_cast<std::size_t>(capacity));
-  slot.address = nullptr;
-  slot.capacity = slot.block != nullptr ? capacity : 0;
-  return slot.block != nullptr;
+  r->block[i] = sys().malloc(static_cast<std::size_t>(capacity));
+  r->address[i] = nullptr;
+  r->capacity[i] = r->block[i] != nullptr ? capacity : 0;
+  return r->block[i] != nullptr;
 }
 
 // No free slot has the capacity needed: a new slot while there is room, else
@@ -240,88 +209,85 @@ bool fill(Slot &slot, std::uint64_t capacity) {
   const std::uint64_t needed = std::uint64_t{n} + align;
   const int filled = static_cast<int>(r->filled);
   if (filled < kSlots) {
-    Slot &s = r->slots[filled];
-    if (!fill(s, needed)) return nullptr;
+    if (!fill(r, filled, needed)) return nullptr;
     r->filled += 1;
-    r->capacity += needed;
-    return hand_out(s, n, align);
+    r->total += needed;
+    return hand_out(r, filled, n, align);
   }
   int smaller = -1, larger = -1;
   for (int i = 0; i < filled; ++i) {
-    const Slot &s = r->slots[i];
-    if (s.in_use) continue;
-    if (s.capacity < needed) {
+    if (r->in_use[i] != 0) continue;
+    if (r->capacity[i] < needed) {
       if (smaller < 0) smaller = i;
     } else if (larger < 0) {
       larger = i;
     }
   }
-  if (larger >= 0) return hand_out(r->slots[larger], n, align);
+  if (larger >= 0) return hand_out(r, larger, n, align);
   if (smaller >= 0) {
-    // The slot keeps its place; a failed refill leaves it empty (capacity 0),
-    // the first to be refilled next time.
-    Slot &s = r->slots[smaller];
-    sys().free(s.block);
-    r->capacity -= s.capacity;
-    if (!fill(s, needed)) return nullptr;
-    r->capacity += needed;
-    return hand_out(s, n, align);
+    // The slot keeps its place; a failed refill leaves it empty, the first
+    // to be refilled next time.
+    sys().free(r->block[smaller]);
+    r->total -= r->capacity[smaller];
+    if (!fill(r, smaller, needed)) return nullptr;
+    r->total += needed;
+    return hand_out(r, smaller, n, align);
   }
   return sys().malloc(n);
 }
 
 }  // namespace
 
-void *allocate(std::int32_t size, std::int32_t alignment) {
-  const auto n = static_cast<std::uint32_t>(size);
+namespace detail {
+
+// The library's one definition of the remembered record.
+__thread Remembered t_remembered = {nullptr, 0};
+std::atomic<std::uint32_t> g_generation{1};
+
+// Everything but the common path: size 0, first use, disabled manager, huge
+// requests, no record, and no free slot of the exact capacity.
+void *allocate_slow(std::uint32_t n, std::int32_t alignment) {
   if (n == 0) return nullptr;
   std::uintptr_t k = g_key.load(std::memory_order_acquire);
   if (k == 0) k = create_key();
   if (state() == kDisabled || n > kMaxCachedSize) return sys().malloc(n);
 
   const std::uint32_t align = effective_alignment(alignment);
-  const std::uint64_t needed = std::uint64_t{n} + align;
-  Record *r = cached_record();
+  Record *r = remembered_record();
   if (r == nullptr && k != 0) r = slot_record(k);
   if (r == nullptr) {
     if (k == 0 || (r = create_record(platform::TlsKey{k - 1})) == nullptr) return sys().malloc(n);
   }
-
-  // The common case: a free block of exactly the capacity needed.
-  const int filled = static_cast<int>(r->filled);
-  for (int i = 0; i < filled; ++i) {
-    Slot &s = r->slots[i];
-    if (!s.in_use && s.capacity == needed) return hand_out(s, n, align);
-  }
+  const int i = exact_fit(r, std::uint64_t{n} + align);
+  if (i >= 0) return hand_out(r, i, n, align);
   return refill(r, n, align);
 }
 
-void release(void *p) {
+void release_slow(void *p) {
   if (p == nullptr) return;
   if (state() == kDisabled) {
     sys().free(p);
     return;
   }
   if (Record *r = current_record()) {
-    const int filled = static_cast<int>(r->filled);
-    for (int i = 0; i < filled; ++i) {
-      if (r->slots[i].address == p) {
-        r->slots[i].in_use = 0;
-        return;
-      }
+    const int i = slot_of(r, p);
+    if (i >= 0) {
+      r->in_use[i] = 0;
+      return;
     }
   }
   sys().free(p);
 }
+
+}  // namespace detail
 
 namespace test_hooks {
 
 bool tracked(const void *p) {
   const Record *r = current_record();
   if (r == nullptr || p == nullptr) return false;
-  for (std::uint64_t i = 0; i < r->filled; ++i)
-    if (r->slots[i].in_use && r->slots[i].address == p) return true;
-  return false;
+  const int i = slot_of(r, p);
+  return i >= 0 && r->in_use[i] != 0;
 }
 
 int slots_filled() {
@@ -345,12 +311,13 @@ extern "C" ORB_API void ORB_FreeBuffers(void) {
   for (int i = 0; i < g_record_count; ++i) {
     Record *r = g_records[i];
     for (std::uint64_t j = 0; j < r->filled; ++j)
-      if (r->slots[j].block != nullptr) sys().free(r->slots[j].block);
+      if (r->block[j] != nullptr) sys().free(r->block[j]);
     sys().free(r);
     g_records[i] = nullptr;
   }
   g_record_count = 0;
-  g_generation.fetch_add(1, std::memory_order_relaxed);
+  if (g_generation.fetch_add(1, std::memory_order_relaxed) + 1 == 0)
+    g_generation.store(1, std::memory_order_relaxed);
   const std::uintptr_t k = g_key.load(std::memory_order_relaxed);
   if (k != 0) {
     orb::platform::tls_destroy(orb::platform::TlsKey{k - 1});

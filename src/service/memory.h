@@ -15,6 +15,7 @@
 // use. Blocks must not be held across ORB_FreeBuffers.
 #pragma once
 
+#include <atomic>
 #include <cstddef>
 #include <cstdint>
 #include <type_traits>
@@ -44,11 +45,122 @@ constexpr std::uint32_t effective_alignment(std::int32_t alignment) {
 // kMaxCachedSize, requests made while the manager is disabled, and requests
 // made while all of the thread's slots are in use get a plain system block of
 // `size` bytes, without the alignment.
-void *allocate(std::int32_t size, std::int32_t alignment);
+inline void *allocate(std::int32_t size, std::int32_t alignment);
 
 // Gives a block back: a cached block stays with the thread for its next
 // request, anything else goes to the system allocator. Null is ignored.
-void release(void *p);
+inline void release(void *p);
+
+// ---- the common path, inline in every caller -----------------------------------
+//
+// A routine called in a loop asks again for a block of a size it used before.
+// That request, and the release of a block from the thread's own cache, are
+// served here without a lock or a call; everything else goes to memory.cpp.
+namespace detail {
+
+// One thread's cache of five slots, stored field by field so that the scans
+// compare a few adjacent words. Slot i is filled when i < filled; an unfilled
+// slot has capacity 0 and no address, so it never matches a request (whose
+// capacity is at least 1) nor a released block.
+struct Record {
+  std::uint64_t capacity[kSlots];  // bytes of the block: requested size plus alignment
+  void *address[kSlots];           // the aligned address handed out
+  std::uint32_t in_use[kSlots];    // 1 while the slot is handed out
+  std::uint32_t size[kSlots];      // bytes requested
+  void *block[kSlots];             // as the system allocator returned it
+  std::uint64_t filled;            // slots filled, in order from the first
+  std::uint64_t total;             // sum of the filled slots' capacities
+};
+
+// A thread finds its record through the manager's TLS key; it also remembers
+// it here, with the generation of the record table it belongs to. Freeing
+// all buffers starts a new generation, after which the key is asked again.
+// Only a record is ever remembered, a record exists only while the manager
+// is enabled, and 0 is never a current generation: a remembered generation
+// that is current says that the record, the key and the manager are there.
+struct Remembered {
+  Record *record;
+  std::uint32_t generation;
+};
+// A plain thread-local (no constructor to run, so no wrapper call on access).
+// The library is loaded at run time by its hosts, so it keeps the default
+// model: an initial-exec block would have to fit the loader's small reserve.
+#if defined(_WIN32)
+#define ORB_MEM_INTERNAL
+#else
+#define ORB_MEM_INTERNAL [[gnu::visibility("hidden")]]
+#endif
+ORB_MEM_INTERNAL extern __thread Remembered t_remembered;
+ORB_MEM_INTERNAL extern std::atomic<std::uint32_t> g_generation;
+#undef ORB_MEM_INTERNAL
+
+void *allocate_slow(std::uint32_t n, std::int32_t alignment);
+void release_slow(void *p);
+
+inline bool is_current(const Remembered &m) {
+  return m.generation == g_generation.load(std::memory_order_relaxed);
+}
+
+// The scans test one slot after the other with early exits rather than
+// combining all five comparisons: a repeated request takes the same branches
+// each time, and predicted branches do not wait for the flags and addresses
+// that the previous call has just stored.
+
+// The first free slot of exactly `capacity` bytes, or -1.
+inline int exact_fit(const Record *r, std::uint64_t capacity) {
+  for (int i = 0; i < kSlots; ++i)
+    if (r->capacity[i] == capacity && r->in_use[i] == 0) return i;
+  return -1;
+}
+
+// The first slot that handed out `p`, or -1.
+inline int slot_of(const Record *r, const void *p) {
+  for (int i = 0; i < kSlots; ++i)
+    if (r->address[i] == p) return i;
+  return -1;
+}
+
+// Slot i of `r` taken for `size` bytes at effective alignment `align`: the
+// block's address when it is a multiple of the alignment, else rounded up to
+// the next multiple (no alignment counts as 1 here).
+inline void *hand_out(Record *r, int i, std::uint32_t size, std::uint32_t align) {
+  r->size[i] = size;
+  r->in_use[i] = 1;
+  const std::uintptr_t mask = std::uintptr_t{align} - (align != 0);  // a power of two, less one
+  void *a =
+      reinterpret_cast<void *>((reinterpret_cast<std::uintptr_t>(r->block[i]) + mask) & ~mask);
+  r->address[i] = a;
+  return a;
+}
+
+}  // namespace detail
+
+inline void *allocate(std::int32_t size, std::int32_t alignment) {
+  using namespace detail;
+  const auto n = static_cast<std::uint32_t>(size);
+  const Remembered &m = t_remembered;
+  if (is_current(m) && n - 1 < kMaxCachedSize) {  // 1 <= n <= kMaxCachedSize
+    const std::uint32_t align = effective_alignment(alignment);
+    const int i = exact_fit(m.record, std::uint64_t{n} + align);
+    if (i >= 0) return hand_out(m.record, i, n, align);
+  }
+  return allocate_slow(n, alignment);
+}
+
+// A null address needs no test of its own: it can only match a slot that is
+// not filled, or emptied by a failed refill, and such a slot is not in use.
+inline void release(void *p) {
+  using namespace detail;
+  const Remembered &m = t_remembered;
+  if (is_current(m)) {
+    const int i = slot_of(m.record, p);
+    if (i >= 0) {
+      m.record->in_use[i] = 0;
+      return;
+    }
+  }
+  release_slow(p);
+}
 
 // A work buffer of `count` elements of T, released when it goes out of scope.
 // Unlike a bare allocate(), the address is always a multiple of the effective

@@ -104,6 +104,8 @@ ORB_CHILD(override_module) {
   CHILD_CHECK(p == static_cast<char *>(s.last_block) + 48);
   release(p);
   CHILD_CHECK(allocate(1024, 64) == p && stats().mallocs() == 2 && stats().frees() == 0);
+  release(nullptr);  // unfilled slots hold no address either
+  CHILD_CHECK(hooks::tracked(p) && stats().frees() == 0);
 
   void *a2 = allocate(1000, 2);  // no alignment
   s = stats();
@@ -146,13 +148,21 @@ ORB_CHILD(override_module) {
   release(r2);
   CHILD_CHECK(allocate(1000, 48) == a3);
 
-  // Five blocks and the record back; then a fresh record.
+  // A refill the system refuses leaves the first smaller free slot (a4's)
+  // empty but counted.
+  CHILD_CHECK(allocate(1000, 1 << 30) == nullptr);
+  s = stats();
+  CHILD_CHECK(s.last_freed == a4 && hooks::slots_filled() == 5);
+  release(nullptr);
+  CHILD_CHECK(stats().frees() == s.frees());
+
+  // Four blocks and the record back; then a fresh record.
   const long frees = stats().frees();
   ORB_FreeBuffers();
-  CHILD_CHECK(stats().frees() == frees + 6);
+  CHILD_CHECK(stats().frees() == frees + 5);
   void *fresh = allocate(1024, 64);
   CHILD_CHECK(hooks::tracked(fresh) && hooks::slots_filled() == 1 &&
-              stats().mallocs() == mallocs + 3);
+              stats().mallocs() == mallocs + 4);  // + the refused one
   return 0;
 }
 

@@ -183,12 +183,14 @@ GemmShape<float> shape45(const SseKernels &sse, Kernel45 which) {
   return {sse.mr(), 6, 120, kInnerBlock45, nc, sse.ukr()};
 }
 
+#if defined(__x86_64__)
 // Products of at most 8 columns with op(A) = A go straight through the thin
 // kernel, which forms the same sums as the packed kernel. The rule looks only
 // at op(A) and n, which every slab of a split product shares.
 bool thin(const Args &x) {
   return wide_fma() && x.ta == 0 && x.n <= 8 && x.alpha != 0.0f;
 }
+#endif
 
 void serial_type45(int type, const SseKernels &sse, const Args &x, bool accumulate) {
   if (x.m <= 0 || x.n <= 0) return;
