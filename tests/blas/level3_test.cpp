@@ -326,9 +326,10 @@ int triangular_sweep(bool solve, const std::vector<int> &orders, const std::vect
 }
 
 // Around every block boundary: the triangular ladder (16, 64, 256), the
-// update's 32 and 256 columns, the multiply's 256 blocks.
+// update's 32 and 256 columns, the multiply's 256 blocks, the solve's chunks
+// of 64 right-hand sides.
 const std::vector<int> kOrders = {0, 1, 15, 16, 17, 63, 65, 257};
-const std::vector<int> kOthers = {1, 7, 33};
+const std::vector<int> kOthers = {1, 7, 33, 70};
 
 int reduced_sweep() {
   int bad = 0;
@@ -336,7 +337,7 @@ int reduced_sweep() {
   bad += symm_sweep<c8>({33, 257}, {5}, true);
   bad += update_sweep<float>({1, 33, 257}, {0, 65}, false, "NT");
   bad += update_sweep<c8>({33, 257}, {17}, true, "NC");
-  bad += triangular_sweep<float>(true, {1, 17, 65, 257}, {1, 33}, "NT");
+  bad += triangular_sweep<float>(true, {1, 17, 64, 65, 257}, {1, 70}, "NT");
   bad += triangular_sweep<float>(false, {17, 257}, {33}, "NT");
   bad += triangular_sweep<c8>(true, {16, 65}, {7}, "NC");
   return bad;

@@ -62,11 +62,11 @@ OpA<T> op_of(const Triangular &t, const T *a, int lda) {
 // major, leading dimension kSmall); only the triangle is filled, and the
 // diagonal only when it is read.
 template <class T>
-void copy_small(const OpA<T> &t, int m, T *d) {
+void copy_small(const OpA<T> &t, int m, T *d, int ld = kSmall) {
   for (int j = 0; j < m; ++j) {
     const int i0 = t.upper ? 0 : j + 1, i1 = t.upper ? j : m;
-    for (int i = i0; i < i1; ++i) d[i + j * kSmall] = t(i, j);
-    if (!t.unit) d[j + j * kSmall] = t(j, j);
+    for (int i = i0; i < i1; ++i) d[i + j * ld] = t(i, j);
+    if (!t.unit) d[j + j * ld] = t(j, j);
   }
 }
 

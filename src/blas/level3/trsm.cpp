@@ -1,64 +1,135 @@
 // trsm_omp: triangular solves with several right-hand sides. A diagonal
 // block of op(A) is solved with the next smaller block size in turn, down to
-// blocks of order 16 solved element by element; the rest of the work is a
-// GEMM update of the right-hand sides not yet solved. The first update also
-// applies alpha to them, so B is never scaled on its own. Threads take
-// independent slabs of B: columns for a left-side solve, rows for a
-// right-side one.
+// blocks of order 16 (64 in single precision) solved on their own; the rest
+// of the work is a GEMM update of the right-hand sides not yet solved. The
+// first update also applies alpha to them, so B is never scaled on its own.
+// Threads take independent slabs of B: columns for a left-side solve, rows
+// for a right-side one.
+#include <type_traits>
+
+#include "blas/kernel/trsm.h"
 #include "blas/level3/triangular.h"
+#include "service/dispatch.h"
 
 namespace orb::blas {
 namespace {
 
-using tri::kSmall;
 using tri::OpA;
 
-// op(A) X = alpha B with op(A) of order m <= kSmall, row by row of X over a
-// few columns at a time (independent operations in the inner loops).
+// Diagonal blocks of at most order kOrder<T> are solved without GEMM: their
+// solved rows (left side) or columns (right side) are copied, kLanes
+// elements at a time, into a local block where each is a contiguous vector
+// (the columns of B lie ldb apart, often a multiple of the page size, and
+// would share cache sets). Single precision has vector kernels for the
+// block, so its blocks are larger.
 template <class T>
-void left_small(const OpA<T> &t, int m, int n, T alpha, T *b, int ldb) {
-  T d[kSmall * kSmall];
-  tri::copy_small(t, m, d);
-  for (int j0 = 0; j0 < n; j0 += tri::kColumns) {
-    const int jn = std::min(tri::kColumns, n - j0);
-    T *x = b + at(0, j0, ldb);
-    for (int s = 0; s < m; ++s) {
-      const int i = t.upper ? m - 1 - s : s;
-      const int k0 = t.upper ? i + 1 : 0, k1 = t.upper ? m : i;
-      if (alpha != T(1))
-        for (int j = 0; j < jn; ++j) x[at(i, j, ldb)] *= alpha;
-      for (int k = k0; k < k1; ++k) {
-        const T dik = d[i + k * kSmall];
-        for (int j = 0; j < jn; ++j) x[at(i, j, ldb)] -= dik * x[at(k, j, ldb)];
-      }
-      if (!t.unit) {
-        const T dii = d[i + i * kSmall];
-        for (int j = 0; j < jn; ++j) x[at(i, j, ldb)] /= dii;
-      }
+constexpr int kOrder = std::is_same_v<T, float> ? kernel::kTrsmOrder : 16;
+constexpr int kLanes = kernel::kTrsmLanes;
+
+// The order of the diagonal blocks of a triangle of order m > kOrder<T>;
+// each is treated again with the next smaller order, down to kOrder<T>.
+template <class T>
+int block_for(int m) {
+  return m > 256 ? 256 : m > 64 ? 64 : kOrder<T>;
+}
+
+// C V = alpha V as the kernels of blas/kernel/trsm.h define it, for any
+// scalar type, with C of leading dimension kOrder<T>.
+template <class T>
+void solve_block(int m, int upper, int unit, T alpha, const T *c, T *v) {
+  constexpr int ld = kOrder<T>;
+  for (int step = 0; step < m; ++step) {
+    const int s = upper ? m - 1 - step : step;
+    const int t0 = upper ? s + 1 : 0, t1 = upper ? m : s;
+    T *vs = v + s * kLanes;
+    if (alpha != T(1))
+      for (int l = 0; l < kLanes; ++l) vs[l] *= alpha;
+    for (int t = t0; t < t1; ++t) {
+      const T cst = c[s + t * ld];
+      const T *vt = v + t * kLanes;
+      for (int l = 0; l < kLanes; ++l) vs[l] -= cst * vt[l];
+    }
+    if (!unit) {
+      const T css = c[s + s * ld];
+      for (int l = 0; l < kLanes; ++l) vs[l] /= css;
     }
   }
 }
 
-// X op(A) = alpha B with op(A) of order n <= kSmall, column by column of X.
+using SolveFn = void (*)(int, int, int, float, const float *, float *);
+
+void ssolve_generic(int m, int upper, int unit, float alpha, const float *c, float *v) {
+  solve_block<float>(m, upper, unit, alpha, c, v);
+}
+
+// Types 4 and 5: the 256-bit kernel where the processor runs it.
+void ssolve_wide(int m, int upper, int unit, float alpha, const float *c, float *v) {
+#if defined(__x86_64__)
+  if (cpu::avx2_fma_usable()) {
+    kernel::avx2::strsm_small(m, upper, unit, alpha, c, v);
+    return;
+  }
+#endif
+  kernel::sse2::strsm_small(m, upper, unit, alpha, c, v);
+}
+
+Slot<SolveFn> g_ssolve{each<SolveFn>(ssolve_generic, kernel::sse2::strsm_small,
+                                     kernel::sse2::strsm_small, ssolve_wide, ssolve_wide)};
+
+template <class T>
+void solve(int m, int upper, int unit, T alpha, const T *c, T *v) {
+  if constexpr (std::is_same_v<T, float>)
+    g_ssolve(m, upper, unit, alpha, c, v);
+  else
+    solve_block<T>(m, upper, unit, alpha, c, v);
+}
+
+// op(A) X = alpha B with op(A) of order m <= kOrder<T>: V_s is row s of X
+// over kLanes columns at a time, and C is op(A).
+template <class T>
+void left_small(const OpA<T> &t, int m, int n, T alpha, T *b, int ldb) {
+  constexpr int ld = kOrder<T>;
+  T c[ld * ld];
+  alignas(64) T v[ld * kLanes];
+  tri::copy_small(t, m, c, ld);
+  for (int j0 = 0; j0 < n; j0 += kLanes) {
+    const int jn = std::min(kLanes, n - j0);
+    for (int j = 0; j < jn; ++j) {
+      const T *bj = b + at(0, j0 + j, ldb);
+      for (int i = 0; i < m; ++i) v[i * kLanes + j] = bj[i];
+    }
+    for (int i = 0; jn < kLanes && i < m; ++i)
+      std::fill(v + i * kLanes + jn, v + (i + 1) * kLanes, T(0));
+    solve(m, t.upper, t.unit, alpha, c, v);
+    for (int j = 0; j < jn; ++j) {
+      T *bj = b + at(0, j0 + j, ldb);
+      for (int i = 0; i < m; ++i) bj[i] = v[i * kLanes + j];
+    }
+  }
+}
+
+// X op(A) = alpha B with op(A) of order n <= kOrder<T>: V_s is column s of X
+// over kLanes rows at a time, and C is the transpose of op(A), lower when
+// op(A) is upper.
 template <class T>
 void right_small(const OpA<T> &t, int m, int n, T alpha, T *b, int ldb) {
-  T d[kSmall * kSmall];
-  tri::copy_small(t, n, d);
-  for (int s = 0; s < n; ++s) {
-    const int j = t.upper ? s : n - 1 - s;
-    const int k0 = t.upper ? 0 : j + 1, k1 = t.upper ? j : n;
-    T *xj = b + at(0, j, ldb);
-    if (alpha != T(1))
-      for (int i = 0; i < m; ++i) xj[i] *= alpha;
-    for (int k = k0; k < k1; ++k) {
-      const T dkj = d[k + j * kSmall];
-      const T *xk = b + at(0, k, ldb);
-      for (int i = 0; i < m; ++i) xj[i] -= dkj * xk[i];
+  constexpr int ld = kOrder<T>;
+  T c[ld * ld];
+  alignas(64) T v[ld * kLanes];
+  for (int j = 0; j < n; ++j) {
+    const int i0 = t.upper ? 0 : j + 1, i1 = t.upper ? j : n;
+    for (int i = i0; i < i1; ++i) c[j + i * ld] = t(i, j);
+    if (!t.unit) c[j + j * ld] = t(j, j);
+  }
+  for (int i0 = 0; i0 < m; i0 += kLanes) {
+    const int mi = std::min(kLanes, m - i0);
+    for (int s = 0; s < n; ++s) {
+      const T *bs = b + at(i0, s, ldb);
+      std::copy(bs, bs + mi, v + s * kLanes);
+      std::fill(v + s * kLanes + mi, v + (s + 1) * kLanes, T(0));
     }
-    if (!t.unit) {
-      const T r = T(1) / d[j + j * kSmall];
-      for (int i = 0; i < m; ++i) xj[i] *= r;
-    }
+    solve(n, !t.upper, t.unit, alpha, c, v);
+    for (int s = 0; s < n; ++s) std::copy(v + s * kLanes, v + s * kLanes + mi, b + at(i0, s, ldb));
   }
 }
 
@@ -67,11 +138,11 @@ void right_small(const OpA<T> &t, int m, int n, T alpha, T *b, int ldb) {
 // above.
 template <class T>
 void left(const OpA<T> &t, int m, int n, T alpha, T *b, int ldb) {
-  if (m <= kSmall) {
+  if (m <= kOrder<T>) {
     left_small(t, m, n, alpha, b, ldb);
     return;
   }
-  const int nb = tri::block_for(m), blocks = (m + nb - 1) / nb;
+  const int nb = block_for<T>(m), blocks = (m + nb - 1) / nb;
   for (int s = 0; s < blocks; ++s) {
     const int p = (t.upper ? blocks - 1 - s : s) * nb, pb = std::min(nb, m - p);
     const T scale = s == 0 ? alpha : T(1);
@@ -86,11 +157,11 @@ void left(const OpA<T> &t, int m, int n, T alpha, T *b, int ldb) {
 // on, each step updating the columns to the right; lower from the last.
 template <class T>
 void right(const OpA<T> &t, int m, int n, T alpha, T *b, int ldb) {
-  if (n <= kSmall) {
+  if (n <= kOrder<T>) {
     right_small(t, m, n, alpha, b, ldb);
     return;
   }
-  const int nb = tri::block_for(n), blocks = (n + nb - 1) / nb;
+  const int nb = block_for<T>(n), blocks = (n + nb - 1) / nb;
   for (int s = 0; s < blocks; ++s) {
     const int p = (t.upper ? s : blocks - 1 - s) * nb, pb = std::min(nb, n - p);
     const T scale = s == 0 ? alpha : T(1);

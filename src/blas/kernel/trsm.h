@@ -1,0 +1,22 @@
+// Small triangular solves for the level-3 solve: C V = alpha V in place, for
+// m <= kTrsmOrder vectors V_0 .. V_{m-1} of kTrsmLanes floats each, stored
+// kTrsmLanes apart. C is m-by-m, column-major with leading dimension
+// kTrsmOrder; lower (solved from V_0 on) or upper (from V_{m-1} on); its
+// diagonal is read unless `unit`. Row s of the result is
+//   (alpha V_s - sum over the solved t of C(s, t) V_t) / C(s, s),
+// the products subtracted one at a time in the order of t.
+#pragma once
+
+namespace orb::kernel {
+
+constexpr int kTrsmOrder = 64;
+constexpr int kTrsmLanes = 64;
+
+namespace sse2 {
+void strsm_small(int m, int upper, int unit, float alpha, const float *c, float *v);
+}
+namespace avx2 {
+void strsm_small(int m, int upper, int unit, float alpha, const float *c, float *v);
+}
+
+}  // namespace orb::kernel
