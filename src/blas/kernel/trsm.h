@@ -12,11 +12,19 @@ namespace orb::kernel {
 constexpr int kTrsmOrder = 64;
 constexpr int kTrsmLanes = 64;
 
+// The left-side solve works on rows of X: strsm_gather copies B(i, j), i < m,
+// j < n (m <= kTrsmOrder, n <= kTrsmLanes) to v[i * kTrsmLanes + j] and zeros
+// the lanes from n on; strsm_scatter copies them back.
+#define ORB_TRSM_DECLS                                                                 \
+  void strsm_small(int m, int upper, int unit, float alpha, const float *c, float *v); \
+  void strsm_gather(int m, int n, const float *b, int ldb, float *v);                  \
+  void strsm_scatter(int m, int n, const float *v, float *b, int ldb);
 namespace sse2 {
-void strsm_small(int m, int upper, int unit, float alpha, const float *c, float *v);
+ORB_TRSM_DECLS
 }
 namespace avx2 {
-void strsm_small(int m, int upper, int unit, float alpha, const float *c, float *v);
+ORB_TRSM_DECLS
 }
+#undef ORB_TRSM_DECLS
 
 }  // namespace orb::kernel

@@ -56,55 +56,82 @@ void solve_block(int m, int upper, int unit, T alpha, const T *c, T *v) {
   }
 }
 
-using SolveFn = void (*)(int, int, int, float, const float *, float *);
-
-void ssolve_generic(int m, int upper, int unit, float alpha, const float *c, float *v) {
-  solve_block<float>(m, upper, unit, alpha, c, v);
+// B(i, j0 + j) to v[i * kLanes + j] and back, as the kernels' strsm_gather
+// and strsm_scatter.
+template <class T>
+void gather_block(int m, int n, const T *b, int ldb, T *v) {
+  for (int j = 0; j < n; ++j)
+    for (int i = 0; i < m; ++i) v[i * kLanes + j] = b[at(i, j, ldb)];
+  for (int i = 0; n < kLanes && i < m; ++i)
+    std::fill(v + i * kLanes + n, v + (i + 1) * kLanes, T(0));
 }
-
-// Types 4 and 5: the 256-bit kernel where the processor runs it.
-void ssolve_wide(int m, int upper, int unit, float alpha, const float *c, float *v) {
-#if defined(__x86_64__)
-  if (cpu::avx2_fma_usable()) {
-    kernel::avx2::strsm_small(m, upper, unit, alpha, c, v);
-    return;
-  }
-#endif
-  kernel::sse2::strsm_small(m, upper, unit, alpha, c, v);
-}
-
-Slot<SolveFn> g_ssolve{each<SolveFn>(ssolve_generic, kernel::sse2::strsm_small,
-                                     kernel::sse2::strsm_small, ssolve_wide, ssolve_wide)};
 
 template <class T>
-void solve(int m, int upper, int unit, T alpha, const T *c, T *v) {
-  if constexpr (std::is_same_v<T, float>)
-    g_ssolve(m, upper, unit, alpha, c, v);
-  else
-    solve_block<T>(m, upper, unit, alpha, c, v);
+void scatter_block(int m, int n, const T *v, T *b, int ldb) {
+  for (int j = 0; j < n; ++j)
+    for (int i = 0; i < m; ++i) b[at(i, j, ldb)] = v[i * kLanes + j];
 }
+
+// The single-precision block kernels of one processor type.
+struct SmallKernels {
+  void (*solve)(int, int, int, float, const float *, float *);
+  void (*gather)(int, int, const float *, int, float *);
+  void (*scatter)(int, int, const float *, float *, int);
+};
+
+constexpr SmallKernels kGenericKernels{solve_block<float>, gather_block<float>,
+                                       scatter_block<float>};
+constexpr SmallKernels kSse2Kernels{kernel::sse2::strsm_small, kernel::sse2::strsm_gather,
+                                    kernel::sse2::strsm_scatter};
+#if defined(__x86_64__)
+constexpr SmallKernels kAvx2Kernels{kernel::avx2::strsm_small, kernel::avx2::strsm_gather,
+                                    kernel::avx2::strsm_scatter};
+#endif
+
+using PickFn = const SmallKernels *(*)();
+const SmallKernels *pick_generic() {
+  return &kGenericKernels;
+}
+const SmallKernels *pick_sse2() {
+  return &kSse2Kernels;
+}
+// Types 4 and 5: the 256-bit kernels where the processor runs them.
+const SmallKernels *pick_wide() {
+#if defined(__x86_64__)
+  if (cpu::avx2_fma_usable()) return &kAvx2Kernels;
+#endif
+  return &kSse2Kernels;
+}
+
+Slot<PickFn> g_small{each<PickFn>(pick_generic, pick_sse2, pick_sse2, pick_wide, pick_wide)};
+
+// The block operations for T: the kernels for single precision, the
+// templates above otherwise.
+template <class T>
+struct Block {
+  void (*solve)(int, int, int, T, const T *, T *) = solve_block<T>;
+  void (*gather)(int, int, const T *, int, T *) = gather_block<T>;
+  void (*scatter)(int, int, const T *, T *, int) = scatter_block<T>;
+};
+template <>
+struct Block<float> : SmallKernels {
+  Block() : SmallKernels(*g_small()) {}
+};
 
 // op(A) X = alpha B with op(A) of order m <= kOrder<T>: V_s is row s of X
 // over kLanes columns at a time, and C is op(A).
 template <class T>
 void left_small(const OpA<T> &t, int m, int n, T alpha, T *b, int ldb) {
   constexpr int ld = kOrder<T>;
+  const Block<T> k;
   T c[ld * ld];
   alignas(64) T v[ld * kLanes];
   tri::copy_small(t, m, c, ld);
   for (int j0 = 0; j0 < n; j0 += kLanes) {
     const int jn = std::min(kLanes, n - j0);
-    for (int j = 0; j < jn; ++j) {
-      const T *bj = b + at(0, j0 + j, ldb);
-      for (int i = 0; i < m; ++i) v[i * kLanes + j] = bj[i];
-    }
-    for (int i = 0; jn < kLanes && i < m; ++i)
-      std::fill(v + i * kLanes + jn, v + (i + 1) * kLanes, T(0));
-    solve(m, t.upper, t.unit, alpha, c, v);
-    for (int j = 0; j < jn; ++j) {
-      T *bj = b + at(0, j0 + j, ldb);
-      for (int i = 0; i < m; ++i) bj[i] = v[i * kLanes + j];
-    }
+    k.gather(m, jn, b + at(0, j0, ldb), ldb, v);
+    k.solve(m, t.upper, t.unit, alpha, c, v);
+    k.scatter(m, jn, v, b + at(0, j0, ldb), ldb);
   }
 }
 
@@ -114,6 +141,7 @@ void left_small(const OpA<T> &t, int m, int n, T alpha, T *b, int ldb) {
 template <class T>
 void right_small(const OpA<T> &t, int m, int n, T alpha, T *b, int ldb) {
   constexpr int ld = kOrder<T>;
+  const Block<T> k;
   T c[ld * ld];
   alignas(64) T v[ld * kLanes];
   for (int j = 0; j < n; ++j) {
@@ -128,7 +156,7 @@ void right_small(const OpA<T> &t, int m, int n, T alpha, T *b, int ldb) {
       std::copy(bs, bs + mi, v + s * kLanes);
       std::fill(v + s * kLanes + mi, v + (s + 1) * kLanes, T(0));
     }
-    solve(n, !t.upper, t.unit, alpha, c, v);
+    k.solve(n, !t.upper, t.unit, alpha, c, v);
     for (int s = 0; s < n; ++s) std::copy(v + s * kLanes, v + s * kLanes + mi, b + at(i0, s, ldb));
   }
 }

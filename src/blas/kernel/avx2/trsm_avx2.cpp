@@ -13,6 +13,32 @@ inline Vec load(const float *p) {
 inline void store(float *p, Vec x) {
   _mm256_store_ps(p, x);
 }
+inline Vec loadu(const float *p) {
+  return _mm256_loadu_ps(p);
+}
+inline void storeu(float *p, Vec x) {
+  _mm256_storeu_ps(p, x);
+}
+// An 8-by-8 tile: pairs, then quadruples within each 128-bit half, then the
+// halves.
+inline void transpose(Vec *r) {
+  const Vec a0 = _mm256_unpacklo_ps(r[0], r[1]), a1 = _mm256_unpackhi_ps(r[0], r[1]);
+  const Vec a2 = _mm256_unpacklo_ps(r[2], r[3]), a3 = _mm256_unpackhi_ps(r[2], r[3]);
+  const Vec a4 = _mm256_unpacklo_ps(r[4], r[5]), a5 = _mm256_unpackhi_ps(r[4], r[5]);
+  const Vec a6 = _mm256_unpacklo_ps(r[6], r[7]), a7 = _mm256_unpackhi_ps(r[6], r[7]);
+  const Vec b0 = _mm256_shuffle_ps(a0, a2, 0x44), b1 = _mm256_shuffle_ps(a0, a2, 0xEE);
+  const Vec b2 = _mm256_shuffle_ps(a1, a3, 0x44), b3 = _mm256_shuffle_ps(a1, a3, 0xEE);
+  const Vec b4 = _mm256_shuffle_ps(a4, a6, 0x44), b5 = _mm256_shuffle_ps(a4, a6, 0xEE);
+  const Vec b6 = _mm256_shuffle_ps(a5, a7, 0x44), b7 = _mm256_shuffle_ps(a5, a7, 0xEE);
+  r[0] = _mm256_permute2f128_ps(b0, b4, 0x20);
+  r[1] = _mm256_permute2f128_ps(b1, b5, 0x20);
+  r[2] = _mm256_permute2f128_ps(b2, b6, 0x20);
+  r[3] = _mm256_permute2f128_ps(b3, b7, 0x20);
+  r[4] = _mm256_permute2f128_ps(b0, b4, 0x31);
+  r[5] = _mm256_permute2f128_ps(b1, b5, 0x31);
+  r[6] = _mm256_permute2f128_ps(b2, b6, 0x31);
+  r[7] = _mm256_permute2f128_ps(b3, b7, 0x31);
+}
 inline Vec set1(float s) {
   return _mm256_set1_ps(s);
 }

@@ -1,5 +1,6 @@
 // Small triangular solves on 128-bit vectors.
 #include <emmintrin.h>
+#include <xmmintrin.h>
 
 #include "blas/kernel/trsm.h"
 
@@ -12,6 +13,15 @@ inline Vec load(const float *p) {
 }
 inline void store(float *p, Vec x) {
   _mm_store_ps(p, x);
+}
+inline Vec loadu(const float *p) {
+  return _mm_loadu_ps(p);
+}
+inline void storeu(float *p, Vec x) {
+  _mm_storeu_ps(p, x);
+}
+inline void transpose(Vec *r) {
+  _MM_TRANSPOSE4_PS(r[0], r[1], r[2], r[3]);
 }
 inline Vec set1(float s) {
   return _mm_set1_ps(s);
