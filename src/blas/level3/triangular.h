@@ -70,6 +70,24 @@ void copy_small(const OpA<T> &t, int m, T *d, int ld = kSmall) {
   }
 }
 
+// The rows of an m-by-n block of B (n <= kColumns) as contiguous vectors:
+// B(i, j) to v[i * kColumns + j], the lanes from n on set to zero; and back.
+// A small diagonal block works on rows of B across its columns, which lie
+// ldb apart, often a multiple of the page size, and would share cache sets.
+template <class T>
+void gather_rows(int m, int n, const T *b, int ldb, T *v) {
+  for (int j = 0; j < n; ++j)
+    for (int i = 0; i < m; ++i) v[i * kColumns + j] = b[at(i, j, ldb)];
+  for (int i = 0; n < kColumns && i < m; ++i)
+    std::fill(v + i * kColumns + n, v + (i + 1) * kColumns, T(0));
+}
+
+template <class T>
+void scatter_rows(int m, int n, const T *v, T *b, int ldb) {
+  for (int j = 0; j < n; ++j)
+    for (int i = 0; i < m; ++i) b[at(i, j, ldb)] = v[i * kColumns + j];
+}
+
 // B := 0 over an m-by-n block, without reading it.
 template <class T>
 void zero(int m, int n, T *b, int ldb) {

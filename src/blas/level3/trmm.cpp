@@ -13,26 +13,32 @@ using tri::kSmall;
 using tri::OpA;
 
 // B := alpha op(A) B with op(A) of order m <= kSmall, in place, row by row
-// over a few columns at a time: an upper op(A) from the first row on, a lower
-// one from the last.
+// over kColumns columns at a time copied to a local block (see
+// tri::gather_rows): an upper op(A) from the first row on, a lower one from
+// the last.
 template <class T>
 void left_small(const OpA<T> &t, int m, int n, T alpha, T *b, int ldb) {
+  constexpr int kc = tri::kColumns;
   T d[kSmall * kSmall];
+  alignas(64) T x[kSmall * kc];
   tri::copy_small(t, m, d);
-  for (int j0 = 0; j0 < n; j0 += tri::kColumns) {
-    const int jn = std::min(tri::kColumns, n - j0);
-    T *x = b + at(0, j0, ldb);
+  for (int j0 = 0; j0 < n; j0 += kc) {
+    const int jn = std::min(kc, n - j0);
+    tri::gather_rows(m, jn, b + at(0, j0, ldb), ldb, x);
     for (int s = 0; s < m; ++s) {
       const int i = t.upper ? s : m - 1 - s;
       const int k0 = t.upper ? i + 1 : 0, k1 = t.upper ? m : i;
+      T *xi = x + i * kc;
       const T dii = t.unit ? alpha : alpha * d[i + i * kSmall];
       if (dii != T(1))
-        for (int j = 0; j < jn; ++j) x[at(i, j, ldb)] *= dii;
+        for (int j = 0; j < jn; ++j) xi[j] *= dii;
       for (int k = k0; k < k1; ++k) {
         const T dik = alpha * d[i + k * kSmall];
-        for (int j = 0; j < jn; ++j) x[at(i, j, ldb)] += dik * x[at(k, j, ldb)];
+        const T *xk = x + k * kc;
+        for (int j = 0; j < jn; ++j) xi[j] += dik * xk[j];
       }
     }
+    tri::scatter_rows(m, jn, x, b + at(0, j0, ldb), ldb);
   }
 }
 

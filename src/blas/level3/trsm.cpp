@@ -25,6 +25,7 @@ using tri::OpA;
 template <class T>
 constexpr int kOrder = std::is_same_v<T, float> ? kernel::kTrsmOrder : 16;
 constexpr int kLanes = kernel::kTrsmLanes;
+static_assert(kLanes == tri::kColumns, "one layout of rows for the kernels and the templates");
 
 // The order of the diagonal blocks of a triangle of order m > kOrder<T>;
 // each is treated again with the next smaller order, down to kOrder<T>.
@@ -56,22 +57,6 @@ void solve_block(int m, int upper, int unit, T alpha, const T *c, T *v) {
   }
 }
 
-// B(i, j0 + j) to v[i * kLanes + j] and back, as the kernels' strsm_gather
-// and strsm_scatter.
-template <class T>
-void gather_block(int m, int n, const T *b, int ldb, T *v) {
-  for (int j = 0; j < n; ++j)
-    for (int i = 0; i < m; ++i) v[i * kLanes + j] = b[at(i, j, ldb)];
-  for (int i = 0; n < kLanes && i < m; ++i)
-    std::fill(v + i * kLanes + n, v + (i + 1) * kLanes, T(0));
-}
-
-template <class T>
-void scatter_block(int m, int n, const T *v, T *b, int ldb) {
-  for (int j = 0; j < n; ++j)
-    for (int i = 0; i < m; ++i) b[at(i, j, ldb)] = v[i * kLanes + j];
-}
-
 // The single-precision block kernels of one processor type.
 struct SmallKernels {
   void (*solve)(int, int, int, float, const float *, float *);
@@ -79,8 +64,8 @@ struct SmallKernels {
   void (*scatter)(int, int, const float *, float *, int);
 };
 
-constexpr SmallKernels kGenericKernels{solve_block<float>, gather_block<float>,
-                                       scatter_block<float>};
+constexpr SmallKernels kGenericKernels{solve_block<float>, tri::gather_rows<float>,
+                                       tri::scatter_rows<float>};
 constexpr SmallKernels kSse2Kernels{kernel::sse2::strsm_small, kernel::sse2::strsm_gather,
                                     kernel::sse2::strsm_scatter};
 #if defined(__x86_64__)
@@ -110,8 +95,8 @@ Slot<PickFn> g_small{each<PickFn>(pick_generic, pick_sse2, pick_sse2, pick_wide,
 template <class T>
 struct Block {
   void (*solve)(int, int, int, T, const T *, T *) = solve_block<T>;
-  void (*gather)(int, int, const T *, int, T *) = gather_block<T>;
-  void (*scatter)(int, int, const T *, T *, int) = scatter_block<T>;
+  void (*gather)(int, int, const T *, int, T *) = tri::gather_rows<T>;
+  void (*scatter)(int, int, const T *, T *, int) = tri::scatter_rows<T>;
 };
 template <>
 struct Block<float> : SmallKernels {
