@@ -198,9 +198,9 @@ TEST(PlatformClock, CountersAdvanceWithASleep) {
   const double perf_ms = 1e3 * static_cast<double>(t2 - t1) / static_cast<double>(freq);
   const double file_ms = static_cast<double>(ft1 - ft0) / 1e4;
   EXPECT_GE(perf_ms, 40.0);
-  EXPECT_LE(perf_ms, 500.0);
+  EXPECT_LE(perf_ms, 2000.0);
   EXPECT_GE(file_ms, 40.0);
-  EXPECT_LE(file_ms, 500.0);
+  EXPECT_LE(file_ms, 2000.0);
 }
 
 }  // namespace
