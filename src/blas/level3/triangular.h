@@ -94,4 +94,35 @@ void zero(int m, int n, T *b, int ldb) {
   for (int j = 0; j < n; ++j) std::fill(b + at(0, j, ldb), b + at(0, j, ldb) + m, T(0));
 }
 
+// Settles the cases that need no triangle: an empty B, or alpha zero, which
+// sets B to zero without reading A or B. Returns true when nothing is left.
+template <class T>
+bool settled(int m, int n, T alpha, T *b, int ldb) {
+  if (m <= 0 || n <= 0) return true;
+  if (alpha != T(0)) return false;
+  zero(m, n, b, ldb);
+  return true;
+}
+
+// Runs serial(m', n', b') over slabs of the right-hand sides of B (its
+// columns for a left-side operation, its rows for a right-side one) on a
+// team sized to the work; the slabs are independent of each other.
+template <class T, class Serial>
+void by_slabs(const Triangular &t, int m, int n, T *b, int ldb, Serial serial) {
+  if (m <= 0 || n <= 0) return;
+  const int order = t.left ? m : n, others = t.left ? n : m;
+  const double work = 0.5 * order * order * others * madd_cost<T>();
+  const int nt = level3_team(work, others / (2 * kGrain));
+  if (nt < 2) {
+    serial(m, n, b);
+    return;
+  }
+  for_slabs(nt, others, kGrain, 0, [&](int first, int count) {
+    if (t.left)
+      serial(m, count, b + at(0, first, ldb));
+    else
+      serial(count, n, b + first);
+  });
+}
+
 }  // namespace orb::blas::tri

@@ -191,11 +191,7 @@ void right(const OpA<T> &t, int m, int n, T alpha, T *b, int ldb) {
 
 template <class T>
 void trsm_serial(const Triangular &t, int m, int n, T alpha, const T *a, int lda, T *b, int ldb) {
-  if (m <= 0 || n <= 0) return;
-  if (alpha == T(0)) {  // A and B are not read
-    tri::zero(m, n, b, ldb);
-    return;
-  }
+  if (tri::settled(m, n, alpha, b, ldb)) return;
   const OpA<T> op = tri::op_of(t, a, lda);
   if (t.left)
     left(op, m, n, alpha, b, ldb);
@@ -205,20 +201,8 @@ void trsm_serial(const Triangular &t, int m, int n, T alpha, const T *a, int lda
 
 template <class T>
 void trsm_omp(const Triangular &t, int m, int n, T alpha, const T *a, int lda, T *b, int ldb) {
-  if (m <= 0 || n <= 0) return;
-  const int order = t.left ? m : n, others = t.left ? n : m;
-  const double work = 0.5 * order * order * others * madd_cost<T>();
-  const int nt = level3_team(work, others / (2 * tri::kGrain));
-  if (nt < 2) {
-    trsm_serial(t, m, n, alpha, a, lda, b, ldb);
-    return;
-  }
-  for_slabs(nt, others, tri::kGrain, 0, [&](int first, int count) {
-    if (t.left)
-      trsm_serial(t, m, count, alpha, a, lda, b + at(0, first, ldb), ldb);
-    else
-      trsm_serial(t, count, n, alpha, a, lda, b + first, ldb);
-  });
+  tri::by_slabs(t, m, n, b, ldb,
+                [&](int ms, int ns, T *bs) { trsm_serial(t, ms, ns, alpha, a, lda, bs, ldb); });
 }
 
 #define ORB_TRSM(T)                                                                        \
