@@ -50,17 +50,7 @@ void cg_warning(const int *ipar, int number) {
 
 template <class T>
 void set_defaults(int n, int *ipar, T *dpar) {
-  ipar[ip::kN] = n;
-  ipar[ip::kOutput] = kConsole;
-  ipar[ip::kStage] = 1;
-  ipar[ip::kIterations] = 0;
-  ipar[ip::kMaxIterations] = std::min(n, kMaxDefaultIterations);
-  ipar[ip::kReportErrors] = 1;
-  ipar[ip::kReportWarnings] = 1;
-  ipar[ip::kLimitTest] = 1;
-  ipar[ip::kResidualTest] = 0;
-  ipar[ip::kUserTest] = 1;
-  ipar[ip::kPreconditioned] = 0;
+  set_shared_defaults(n, ipar);
   dpar[dp::kRelTol] = T(1.0E-6);
   for (int i = dp::kAbsTol; i <= dp::kBeta; ++i) dpar[i] = T(0);
 }

@@ -410,22 +410,11 @@ class Fgmres {
 template <class T>
 void fgmres_init(const int *n, const T *, const T *, int *rci_request, int *ipar, T *dpar, T *tmp) {
   *rci_request = rq::kBusy;
-  const int limit = std::min(*n, kMaxDefaultIterations);
-  ipar[ip::kN] = *n;
-  ipar[ip::kOutput] = kConsole;
-  ipar[ip::kStage] = 1;
-  ipar[ip::kIterations] = 0;
-  ipar[ip::kMaxIterations] = limit;
-  ipar[ip::kReportErrors] = 1;
-  ipar[ip::kReportWarnings] = 1;
-  ipar[ip::kLimitTest] = 1;
-  ipar[ip::kResidualTest] = 0;
-  ipar[ip::kUserTest] = 1;
-  ipar[ip::kPreconditioned] = 0;
+  set_shared_defaults(*n, ipar);
   ipar[ip::kOwnZeroNormTest] = 0;
   ipar[ip::kSolutionTarget] = 0;
   ipar[ip::kInnerStep] = 0;
-  ipar[ip::kRestart] = limit;
+  ipar[ip::kRestart] = ipar[ip::kMaxIterations];
   dpar[dp::kRelTol] = T(1.0E-6);
   for (int i = dp::kAbsTol; i <= dp::kBasisNorm; ++i) dpar[i] = T(0);
   dpar[dp::kZeroNormTol] = T(1.0E-12);

@@ -95,4 +95,19 @@ constexpr int kFatal = -1100;
 constexpr int kConsole = 6;  // ipar(2) value for console output
 constexpr int kMaxDefaultIterations = 150;
 
+// The ipar entries both solvers' initialisation sets alike, for order n.
+inline void set_shared_defaults(int n, int *ipar) {
+  ipar[ip::kN] = n;
+  ipar[ip::kOutput] = kConsole;
+  ipar[ip::kStage] = 1;
+  ipar[ip::kIterations] = 0;
+  ipar[ip::kMaxIterations] = n < kMaxDefaultIterations ? n : kMaxDefaultIterations;
+  ipar[ip::kReportErrors] = 1;
+  ipar[ip::kReportWarnings] = 1;
+  ipar[ip::kLimitTest] = 1;
+  ipar[ip::kResidualTest] = 0;
+  ipar[ip::kUserTest] = 1;
+  ipar[ip::kPreconditioned] = 0;
+}
+
 }  // namespace orb::iterative
