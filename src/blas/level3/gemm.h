@@ -5,6 +5,8 @@
 
 #include <complex>
 
+#include "blas/kernel/gemm.h"
+
 namespace orb::blas {
 
 using c8 = std::complex<float>;
@@ -22,8 +24,7 @@ void sgemm_serial(const char *transa, const char *transb, const int *m, const in
 // C := alpha op(A) op(B) + C: beta is not applied (the driver scaled C first).
 void sgemm_serial_acc(const char *transa, const char *transb, const int *m, const int *n,
                       const int *k, const float *alpha, const float *a, const int *lda,
-                      const float *b, const int *ldb, const float *beta, float *c,
-                      const int *ldc);
+                      const float *b, const int *ldb, const float *beta, float *c, const int *ldc);
 // Called by every thread of a team with the whole product: C(rows, :) +=
 // alpha op(A)(rows, :) op(B), the team packing op(B) into the shared buffer
 // together. `params` is what sgemm_wide_params wrote.
@@ -42,6 +43,11 @@ template <class T>
 void gemm_serial(int ta, int tb, int m, int n, int k, T alpha, const T *a, int lda, const T *b,
                  int ldb, T beta, T *c, int ldc);
 
+// The packed kernel and blocking the serial GEMM of T uses for large products
+// on this processor, for drivers that pack their operands themselves.
+template <class T>
+kernel::GemmShape<T> packed_shape();
+
 // ---- the threaded drivers (module gemm_omp) --------------------------------------
 
 void orb_blas_sgemm(const char *transa, const char *transb, const int *m, const int *n,
@@ -49,8 +55,7 @@ void orb_blas_sgemm(const char *transa, const char *transb, const int *m, const 
                     const float *b, const int *ldb, const float *beta, float *c, const int *ldc);
 void orb_blas_dgemm(const char *transa, const char *transb, const int *m, const int *n,
                     const int *k, const double *alpha, const double *a, const int *lda,
-                    const double *b, const int *ldb, const double *beta, double *c,
-                    const int *ldc);
+                    const double *b, const int *ldb, const double *beta, double *c, const int *ldc);
 void orb_blas_cgemm(const char *transa, const char *transb, const int *m, const int *n,
                     const int *k, const c8 *alpha, const c8 *a, const int *lda, const c8 *b,
                     const int *ldb, const c8 *beta, c8 *c, const int *ldc);
@@ -77,7 +82,9 @@ struct SplitDecision {
 };
 SplitDecision decide_split(int m, int n, int k, int nt);
 // Whether a product is small enough never to ask for a thread count.
-inline bool gemm_is_tiny(int m, int n, int k) { return m <= 16 && n <= 16 && k <= 16; }
+inline bool gemm_is_tiny(int m, int n, int k) {
+  return m <= 16 && n <= 16 && k <= 16;
+}
 // How often the drivers have asked for a thread count (for tests).
 long gemm_thread_queries();
 // The shared panel block of the wide path for a processor type and cache table.

@@ -88,20 +88,66 @@ void pack_b(int tb, const T *b, int ldb, int p0, int j0, int kb, int nb, int nr,
   }
 }
 
+// Which elements of C a product updates. Every one for a GEMM; for the
+// rank-k updates, those of one triangle of a larger matrix: element (i, j)
+// of the block is inside when i - j <= diag (upper) or i - j >= diag (lower).
+struct WholeBlock {
+  static constexpr bool kWhole = true;
+};
+struct TriangleOf {
+  static constexpr bool kWhole = false;
+  bool upper;
+  int diag;
+
+  bool inside(int i, int j) const { return upper ? i - j <= diag : i - j >= diag; }
+  // Rows [i0, i0 + rows) by columns [j0, j0 + cols): all inside, or none.
+  bool all(int i0, int rows, int j0, int cols) const {
+    return upper ? inside(i0 + rows - 1, j0) : inside(i0, j0 + cols - 1);
+  }
+  bool none(int i0, int rows, int j0, int cols) const {
+    return upper ? !inside(i0, j0 + cols - 1) : !inside(i0 + rows - 1, j0);
+  }
+};
+
+// C := beta C over the elements of an m-by-n block the mask keeps; beta = 0
+// writes zeros without reading C.
+template <class T, class Mask>
+void scale_c(int m, int n, T beta, T *c, int ldc, const Mask &mask) {
+  if constexpr (Mask::kWhole) {
+    scale_c(m, n, beta, c, ldc);
+  } else {
+    if (beta == T(1)) return;
+    for (int j = 0; j < n; ++j) {
+      T *cj = c + std::int64_t{j} * ldc;
+      for (int i = 0; i < m; ++i)
+        if (mask.inside(i, j)) cj[i] = beta == T(0) ? T(0) : beta * cj[i];
+    }
+  }
+}
+
 // Runs the micro-kernel over the tiles of an mb-by-nb block of C from packed
-// A (mb rows) and packed B (nb columns) of inner size kb.
-template <class T>
+// A (mb rows) and packed B (nb columns) of inner size kb. The block's element
+// (0, 0) is element (i0, j0) of the mask's matrix. A tile the block's edge or
+// the mask cuts is formed in a local tile and added element by element, with
+// the roundings of a whole tile, so no result depends on where tiles fall.
+template <class T, class Mask = WholeBlock>
 void macro_kernel(const kernel::GemmShape<T> &s, int mb, int nb, int kb, T alpha, const T *pa,
-                  const T *pb, T beta, T *c, int ldc) {
+                  const T *pb, T beta, T *c, int ldc, const Mask &mask = {}, int i0 = 0,
+                  int j0 = 0) {
   alignas(64) T tile[16 * 8];  // the largest tile of any micro-kernel
   for (int jr = 0; jr < nb; jr += s.nr) {
     const int cols = std::min(s.nr, nb - jr);
     const T *b = pb + std::int64_t{jr} * kb;
     for (int ir = 0; ir < mb; ir += s.mr) {
       const int rows = std::min(s.mr, mb - ir);
+      bool whole = true;
+      if constexpr (!Mask::kWhole) {
+        if (mask.none(i0 + ir, rows, j0 + jr, cols)) continue;
+        whole = mask.all(i0 + ir, rows, j0 + jr, cols);
+      }
       const T *a = pa + std::int64_t{ir} * kb;
       T *cij = c + ir + std::int64_t{jr} * ldc;
-      if (rows == s.mr && cols == s.nr) {
+      if (whole && rows == s.mr && cols == s.nr) {
         s.ukr(kb, a, b, cij, ldc, alpha, beta);
         continue;
       }
@@ -109,10 +155,12 @@ void macro_kernel(const kernel::GemmShape<T> &s, int mb, int nb, int kb, T alpha
       for (int j = 0; j < cols; ++j) {
         T *cj = cij + std::int64_t{j} * ldc;
         const T *tj = tile + j * s.mr;
-        if (beta == T(0))
-          for (int i = 0; i < rows; ++i) cj[i] = tj[i];
-        else
-          for (int i = 0; i < rows; ++i) cj[i] = tj[i] + beta * cj[i];
+        for (int i = 0; i < rows; ++i) {
+          if constexpr (!Mask::kWhole) {
+            if (!mask.inside(i0 + ir + i, j0 + jr + j)) continue;
+          }
+          cj[i] = beta == T(0) ? tj[i] : tj[i] + beta * cj[i];
+        }
       }
     }
   }
@@ -128,14 +176,16 @@ std::int64_t packed_b_size(const kernel::GemmShape<T> &s) {
   return std::int64_t{round_up(s.nc, s.nr)} * s.kc;
 }
 
-// C := alpha op(A) op(B) + beta C with the caller's packing buffers.
-template <class T>
+// C := alpha op(A) op(B) + beta C with the caller's packing buffers, over
+// the elements the mask keeps; blocks of rows it wholly leaves out are
+// neither packed nor multiplied.
+template <class T, class Mask = WholeBlock>
 void gemm_packed(const kernel::GemmShape<T> &s, int ta, int tb, int m, int n, int k, T alpha,
-                 const T *a, int lda, const T *b, int ldb, T beta, T *c, int ldc, T *abuf,
-                 T *bbuf) {
+                 const T *a, int lda, const T *b, int ldb, T beta, T *c, int ldc, T *abuf, T *bbuf,
+                 const Mask &mask = {}) {
   if (m <= 0 || n <= 0) return;
   if (k <= 0 || alpha == T(0)) {
-    scale_c(m, n, beta, c, ldc);
+    scale_c(m, n, beta, c, ldc, mask);
     return;
   }
   for (int jc = 0; jc < n; jc += s.nc) {
@@ -146,9 +196,12 @@ void gemm_packed(const kernel::GemmShape<T> &s, int ta, int tb, int m, int n, in
       const T beta_here = pc == 0 ? beta : T(1);
       for (int ic = 0; ic < m; ic += s.mc) {
         const int mb = std::min(s.mc, m - ic);
+        if constexpr (!Mask::kWhole) {
+          if (mask.none(ic, mb, jc, nb)) continue;
+        }
         pack_a(ta, a, lda, ic, pc, mb, kb, s.mr, abuf);
         macro_kernel(s, mb, nb, kb, alpha, abuf, bbuf, beta_here, c + ic + std::int64_t{jc} * ldc,
-                     ldc);
+                     ldc, mask, ic, jc);
       }
     }
   }

@@ -132,6 +132,11 @@ struct SseKernels {
 
 constexpr int kInnerBlock23 = 64;  // whole blocks of 64, then the k mod 64 edge block
 
+GemmShape<float> shape23(const SseKernels &kern) {
+  const int block = packed_block23(cpu::cache_class());
+  return {kern.mr(), 6, block, kInnerBlock23, block, kern.ukr()};
+}
+
 void serial_type23(const SseKernels &kern, const Args &x) {
   if (x.m <= 0 || x.n <= 0) return;
   if (x.alpha == 0.0f) {  // A and B are not read
@@ -142,10 +147,8 @@ void serial_type23(const SseKernels &kern, const Args &x) {
     kern.direct(x.ta, x.tb, x.m, x.n, x.k, x.alpha, x.a, x.lda, x.b, x.ldb, x.beta, x.c, x.ldc);
     return;
   }
-  const int block = packed_block23(cpu::cache_class());
-  const GemmShape<float> s{kern.mr(), 6, block, kInnerBlock23, block, kern.ukr()};
-  packed_or_direct<float>(s, kern.direct, x.ta, x.tb, x.m, x.n, x.k, x.alpha, x.a, x.lda, x.b,
-                          x.ldb, x.beta, x.c, x.ldc);
+  packed_or_direct<float>(shape23(kern), kern.direct, x.ta, x.tb, x.m, x.n, x.k, x.alpha, x.a,
+                          x.lda, x.b, x.ldb, x.beta, x.c, x.ldc);
 }
 
 const SseKernels kSse2{&kernel::sse2::sgemm_ukr, &kernel::sse2::sgemm_mr,
@@ -287,6 +290,24 @@ void params45(int *params) {
 }
 Slot<ParamsFn> g_params{three<ParamsFn>(params_none, params45, params45)};
 
+using ShapeFn = GemmShape<float> (*)();
+GemmShape<float> shape0() {
+  return kernel::generic::sgemm_shape;
+}
+GemmShape<float> shape2() {
+  return shape23(kSse2);
+}
+GemmShape<float> shape3() {
+  return shape23(kSse3);
+}
+GemmShape<float> shape4() {
+  return shape45(kSsse3, Kernel45::kNormal);
+}
+GemmShape<float> shape5() {
+  return shape45(kSse42, Kernel45::kNormal);
+}
+Slot<ShapeFn> g_shape{each<ShapeFn>(shape0, shape2, shape3, shape4, shape5)};
+
 }  // namespace
 
 // ---- entries of the module -----------------------------------------------------------
@@ -354,6 +375,18 @@ struct Kernels<c16> {
 };
 
 }  // namespace
+
+template <>
+GemmShape<float> packed_shape<float>() {
+  return g_shape();
+}
+template <class T>
+GemmShape<T> packed_shape() {
+  return Kernels<T>::shape();
+}
+template GemmShape<double> packed_shape<double>();
+template GemmShape<c8> packed_shape<c8>();
+template GemmShape<c16> packed_shape<c16>();
 
 template <class T>
 void gemm_serial(int ta, int tb, int m, int n, int k, T alpha, const T *a, int lda, const T *b,

@@ -1,22 +1,22 @@
 // syrk_omp: symmetric and Hermitian rank-k and rank-2k updates of one
-// triangle of C. C is taken in column blocks of 256 on a fixed grid: the part
-// of a block off its diagonal block is one GEMM straight into C; the diagonal
-// block is taken in columns of 32, each a GEMM into C for its part off the
-// diagonal and a small GEMM into a work block for its 32-by-32 diagonal
-// block, whose triangle is then added to C. The other triangle of C is never
-// touched, and with beta = 0 C is never read. Threads take slabs of columns
-// of equal triangle area on the 32-column grid, so the result does not depend
-// on the number of threads.
+// triangle of C. A slab of columns of C is one packed GEMM that skips the
+// blocks and tiles outside the triangle; the tiles the diagonal cuts are
+// formed whole and added only where they lie inside it. The other triangle
+// of C is never touched, and with beta = 0 C is never read. Threads take
+// slabs of columns of equal triangle area on a 32-column grid; the packed
+// kernels' results do not depend on where tiles fall, so neither does the
+// result on the number of threads.
 #include <algorithm>
 #include <type_traits>
 
 #include "blas/level3/level3_common.h"
+#include "service/memory.h"
 
 namespace orb::blas {
 namespace {
 
-constexpr int kOuter = 256;
-constexpr int kInner = 32;
+constexpr int kGrain = 32;
+constexpr int kBufferAlignment = 128;
 
 template <class T>
 struct Update {
@@ -34,32 +34,76 @@ struct Update {
   int ldc;
 };
 
-// Rows [r0, r0 + rn) by columns [c0, c0 + cn) of coef X op(Y) (trans 0) or
-// coef op(X) Y, into w with beta.
+// The packing buffers of one slab's products.
 template <class T>
-void product(const Update<T> &u, T coef, const T *x, int ldx, const T *y, int ldy, int r0, int rn,
-             int c0, int cn, T beta, T *w, int ldw) {
+struct Packing {
+  kernel::GemmShape<T> shape = packed_shape<T>();
+  mem::Buffer<T> a{packed_a_size(shape), kBufferAlignment};
+  mem::Buffer<T> b{packed_b_size(shape), kBufferAlignment};
+};
+
+// Rows [r0, r0 + rn) by columns [c0, c0 + cn) of coef X op(Y) (trans 0) or
+// coef op(X) Y with beta, inside the triangle only.
+template <class T>
+void product(const Update<T> &u, Packing<T> &p, T coef, const T *x, int ldx, const T *y, int ldy,
+             int r0, int rn, int c0, int cn, T beta) {
   const int t = u.herm ? 2 : 1;
+  const TriangleOf mask{u.upper, c0 - r0};
+  T *cb = u.c + at(r0, c0, u.ldc);
   if (u.trans == 0)
-    gemm_here(0, t, rn, cn, u.k, coef, x + r0, ldx, y + c0, ldy, beta, w, ldw);
+    gemm_packed(p.shape, 0, t, rn, cn, u.k, coef, x + r0, ldx, y + c0, ldy, beta, cb, u.ldc,
+                p.a.get(), p.b.get(), mask);
   else
-    gemm_here(t, 0, rn, cn, u.k, coef, x + at(0, r0, ldx), ldx, y + at(0, c0, ldy), ldy, beta, w,
-              ldw);
+    gemm_packed(p.shape, t, 0, rn, cn, u.k, coef, x + at(0, r0, ldx), ldx, y + at(0, c0, ldy), ldy,
+                beta, cb, u.ldc, p.a.get(), p.b.get(), mask);
 }
 
-// Rows [r0, r0 + rn) by columns [c0, c0 + cn) of C, a block inside the
-// triangle.
+// The same update one column at a time through the serial GEMM, for when
+// the packing buffers cannot be had.
 template <class T>
-void off_diagonal(const Update<T> &u, int r0, int rn, int c0, int cn) {
-  if (rn <= 0 || cn <= 0) return;
-  T *cb = u.c + at(r0, c0, u.ldc);
-  if (u.b == nullptr) {
-    product(u, u.alpha, u.a, u.lda, u.a, u.lda, r0, rn, c0, cn, u.beta, cb, u.ldc);
-    return;
+void column_by_column(const Update<T> &u, T coef, const T *x, int ldx, const T *y, int ldy, int c0,
+                      int c1, T beta) {
+  const int t = u.herm ? 2 : 1;
+  for (int j = c0; j < c1; ++j) {
+    const int r0 = u.upper ? 0 : j, rn = u.upper ? j + 1 : u.n - j;
+    T *cj = u.c + at(r0, j, u.ldc);
+    if (u.trans == 0)
+      gemm_here(0, t, rn, 1, u.k, coef, x + r0, ldx, y + j, ldy, beta, cj, u.ldc);
+    else
+      gemm_here(t, 0, rn, 1, u.k, coef, x + at(0, r0, ldx), ldx, y + at(0, j, ldy), ldy, beta, cj,
+                u.ldc);
   }
-  product(u, u.alpha, u.a, u.lda, u.b, u.ldb, r0, rn, c0, cn, u.beta, cb, u.ldc);
+}
+
+// The imaginary parts of C's diagonal over columns [c0, c1) set to zero: a
+// Hermitian update reads only the real parts and leaves the diagonal real.
+template <class T>
+void real_diagonal(const Update<T> &u, int c0, int c1) {
+  if constexpr (!std::is_floating_point_v<T>) {
+    for (int j = c0; j < c1; ++j) {
+      T &d = u.c[at(j, j, u.ldc)];
+      d = T(d.real(), 0);
+    }
+  }
+}
+
+// Columns [c0, c1) of the triangle.
+template <class T>
+void update_columns(const Update<T> &u, int c0, int c1) {
+  const int r0 = u.upper ? 0 : c0, r1 = u.upper ? c1 : u.n;
+  const T *y = u.b ? u.b : u.a;
+  const int ldy = u.b ? u.ldb : u.lda;
   const T alpha2 = u.herm ? conj_of(u.alpha) : u.alpha;
-  product(u, alpha2, u.b, u.ldb, u.a, u.lda, r0, rn, c0, cn, T(1), cb, u.ldc);
+  if (u.herm && u.beta != T(0)) real_diagonal(u, c0, c1);
+  Packing<T> p;
+  if (p.a && p.b) {
+    product(u, p, u.alpha, u.a, u.lda, y, ldy, r0, r1 - r0, c0, c1 - c0, u.beta);
+    if (u.b) product(u, p, alpha2, u.b, u.ldb, u.a, u.lda, r0, r1 - r0, c0, c1 - c0, T(1));
+  } else {
+    column_by_column(u, u.alpha, u.a, u.lda, y, ldy, c0, c1, u.beta);
+    if (u.b) column_by_column(u, alpha2, u.b, u.ldb, u.a, u.lda, c0, c1, T(1));
+  }
+  if (u.herm) real_diagonal(u, c0, c1);
 }
 
 // x + beta c for an element of the triangle; on the diagonal of a Hermitian
@@ -75,43 +119,6 @@ T combine(T x, T beta, const T *c, bool real_diagonal) {
     }
   }
   return beta == T(0) ? x : x + beta * *c;
-}
-
-// The triangle of the diagonal block of order sb <= kInner at (s, s).
-// A rank-2k update forms W = alpha A op(B) once and adds W + op(W).
-template <class T>
-void diagonal(const Update<T> &u, int s, int sb) {
-  T w[kInner * kInner];
-  const T *y = u.b ? u.b : u.a;
-  const int ldy = u.b ? u.ldb : u.lda;
-  product(u, u.alpha, u.a, u.lda, y, ldy, s, sb, s, sb, T(0), w, kInner);
-  for (int j = 0; j < sb; ++j) {
-    const int i0 = u.upper ? 0 : j, i1 = u.upper ? j + 1 : sb;
-    T *cj = u.c + at(s, s + j, u.ldc);
-    for (int i = i0; i < i1; ++i) {
-      T x = w[i + j * kInner];
-      if (u.b) x += u.herm ? conj_of(w[j + i * kInner]) : w[j + i * kInner];
-      cj[i] = combine(x, u.beta, cj + i, u.herm && i == j);
-    }
-  }
-}
-
-// Columns [c0, c1) of the triangle; c0 is on the 32-column grid.
-template <class T>
-void update_columns(const Update<T> &u, int c0, int c1) {
-  for (int g = c0; g < c1;) {
-    const int g0 = g / kOuter * kOuter, gend = std::min(u.n, g0 + kOuter);
-    const int g1 = std::min(c1, gend);
-    if (u.upper) off_diagonal(u, 0, g0, g, g1 - g);
-    for (int s = g; s < g1; s += kInner) {
-      const int sb = std::min(kInner, g1 - s);
-      if (u.upper) off_diagonal(u, g0, s - g0, s, sb);
-      diagonal(u, s, sb);
-      if (!u.upper) off_diagonal(u, s + sb, gend - s - sb, s, sb);
-    }
-    if (!u.upper) off_diagonal(u, gend, u.n - gend, g, g1 - g);
-    g = g1;
-  }
 }
 
 // C := beta C over the triangle (alpha = 0 or k = 0).
@@ -142,12 +149,12 @@ template <class T>
 void update_omp(const Update<T> &u) {
   if (trivial(u)) return;
   const double work = 0.5 * u.n * u.n * u.k * (u.b ? 2 : 1) * madd_cost<T>();
-  const int nt = level3_team(work, u.n / (2 * kInner));
+  const int nt = level3_team(work, u.n / (2 * kGrain));
   if (nt < 2) {
     update_columns(u, 0, u.n);
     return;
   }
-  for_slabs(nt, u.n, kInner, u.upper ? 1 : 2,
+  for_slabs(nt, u.n, kGrain, u.upper ? 1 : 2,
             [&](int first, int count) { update_columns(u, first, first + count); });
 }
 
