@@ -214,6 +214,9 @@ namespace {
 // in the same order and with the same rounding of the update, as the packed
 // micro-kernel forms for those elements. RV NB = 8 independent chains keep
 // the multiply-add units busy whatever the number of columns.
+// How far down a column of A the thin kernel prefetches, in elements.
+constexpr int kThinAhead = 96;
+
 template <int RV, int NB>
 void thin_block(int kb, const float *a, int lda, const float *bp, float *c, int ldc, int rows,
                 int cols, float alpha, float beta) {
@@ -229,9 +232,10 @@ void thin_block(int kb, const float *a, int lda, const float *bp, float *c, int 
   const bool full = rows == 8 * RV;
   for (int p = 0; p < kb; ++p, bp += 8) {
     const float *ap = a + std::int64_t{p} * lda;
-    // The next row block's part of this column, needed one block later.
-    _mm_prefetch(reinterpret_cast<const char *>(ap + 8 * RV), _MM_HINT_T0);
-    if (RV > 2) _mm_prefetch(reinterpret_cast<const char *>(ap + 8 * RV + 16), _MM_HINT_T0);
+    // This column's part of a row block a few blocks on: the columns lie
+    // lda apart, too many streams for the hardware to follow.
+    _mm_prefetch(reinterpret_cast<const char *>(ap + kThinAhead), _MM_HINT_T0);
+    if (RV > 2) _mm_prefetch(reinterpret_cast<const char *>(ap + kThinAhead + 16), _MM_HINT_T0);
 #pragma GCC unroll 8
     for (int v = 0; v < RV; ++v) {
       const __m256 av =
