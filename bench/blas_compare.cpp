@@ -334,6 +334,7 @@ int main(int argc, char **argv) {
   for (int n : {256, 1024, 2048}) shapes.push_back({"dgemm", n, n, n});
   for (int n : {256, 1024, 2048}) shapes.push_back({"ssyrk", n, n, n});
   for (int n : {256, 1024, 2048}) shapes.push_back({"strsm", n, n, 0});
+  for (int n : {256, 1024, 2048}) shapes.push_back({"strmm", n, n, 0});
 
   for (const Shape &s : shapes) {
     if (!filter.empty() && std::string(s.routine).find(filter) == std::string::npos) continue;
@@ -347,14 +348,15 @@ int main(int argc, char **argv) {
     std::vector<float> a = random_vector<float>(na * esize / 4, 1);
     std::vector<float> b = random_vector<float>(nb * esize / 4, 2);
     std::vector<float> c = random_vector<float>(std::size_t(m) * n * esize / 4, 3);
-    if (routine == "strsm")  // a well-conditioned triangle
+    const bool triangular = routine == "strsm" || routine == "strmm";
+    if (triangular)  // a well-conditioned triangle
       for (int i = 0; i < m; ++i) a[i + std::size_t(i) * m] = float(m);
     double flops = 2.0 * m * n * k;
     if (complex) flops *= 4;
     if (routine == "ssyrk") flops = 1.0 * n * n * k;
-    if (routine == "strsm") flops = 1.0 * m * m * n;
+    if (triangular) flops = 1.0 * m * m * n;
     char shape[64];
-    std::snprintf(shape, sizeof shape, routine == "strsm" ? "%dx%d" : "%dx%dx%d", m, n, k);
+    std::snprintf(shape, sizeof shape, triangular ? "%dx%d" : "%dx%dx%d", m, n, k);
     for (int nt : thread_counts) {
       Row row{routine, shape, nt, {}};
       for (const Library &l : libs) {
@@ -392,19 +394,19 @@ int main(int argc, char **argv) {
             continue;
           }
           run = [=, &a, &c] { f("L", "N", &n, &k, one, a.data(), &n, zero, c.data(), &n, 1, 1); };
-        } else {  // strsm: left, lower, no transpose, non-unit
+        } else {  // strsm, strmm: left, lower, no transpose, non-unit
           TrsmFn f = nullptr;
 #if defined(__linux__)
-          f = reinterpret_cast<TrsmFn>(l.sym("strsm_"));
+          f = reinterpret_cast<TrsmFn>(l.sym((routine + "_").c_str()));
 #else
-          f = reinterpret_cast<TrsmFn>(&strsm);
+          f = reinterpret_cast<TrsmFn>(routine == "strsm" ? &strsm : &strmm);
 #endif
           if (!f) {
             row.rate.push_back(0);
             continue;
           }
-          // Each solve starts from the same right-hand sides (the copy costs
-          // m n against the solve's m^2 n).
+          // Each call starts from the same B (the copy costs m n against
+          // the call's m^2 n).
           const std::vector<float> b0(b.begin(), b.begin() + std::size_t(m) * n);
           run = [=, &a, &b] {
             std::copy(b0.begin(), b0.end(), b.begin());
