@@ -371,6 +371,34 @@ TEST(Level3, TriangularMultiply) {
 // ---- threads ------------------------------------------------------------------------
 
 // Slabs cover the output once, on the grain, with about equal work.
+// An infinity in B reaches only the elements whose sums take it with a
+// coefficient of the triangle; the other triangle's zeros never multiply it.
+TEST(Level3, TriangularMultiplyKeepsAnInfinityToItsOwnSums) {
+  const float inf = std::numeric_limits<float>::infinity();
+  for (int order : {40, 300})
+    for (bool left : {true, false})
+      for (bool upper : {true, false})
+        for (int trans : {0, 1}) {
+          const Triangular tr{left, upper, trans, false};
+          const int m = left ? order : 30, n = left ? 30 : order, k0 = order / 2, j0 = 7;
+          std::vector<float> a(std::size_t(order) * order, 0.5f), b(std::size_t(m) * n, 1.0f);
+          b[left ? k0 + std::size_t(j0) * m : j0 + std::size_t(k0) * m] = inf;
+          orb::blas::trmm_omp<float>(tr, m, n, 1.0f, a.data(), order, b.data(), m);
+          int bad = 0;
+          for (int j = 0; j < n; ++j)
+            for (int i = 0; i < m; ++i) {
+              // op(A)(r, c) lies in the triangle when r <= c for an upper op(A).
+              const bool op_upper = upper != (trans != 0);
+              const int r = left ? i : k0, c = left ? k0 : j;
+              const bool uses = (left ? j == j0 : i == j0) && (op_upper ? r <= c : r >= c);
+              bad += std::isfinite(b[i + std::size_t(j) * m]) == uses;
+            }
+          EXPECT_EQ(bad, 0) << "order " << order << " side "
+                            << "RL"[left] << " uplo "
+                            << "LU"[upper] << " trans " << trans;
+        }
+}
+
 TEST(Level3, ThreadSplit) {
   EXPECT_EQ(orb::blas::level3_team(1000.0, 100), 1);
   EXPECT_EQ(orb::blas::level3_team(1e12, 1), 1);
