@@ -33,20 +33,42 @@ if [ "${#missing[@]}" -gt 0 ]; then
   $SUDO apt-get install -y -qq "${missing[@]}"
 fi
 
-# 32-bit wine. The security suite carries no i386 packages, so apt cannot match
+# 32-bit wine: the tests use the packages wine and wine32:i386 (with its
+# libwine:i386). The security suite carries no i386 packages, so apt cannot match
 # amd64 and i386 versions while it is in the list; resolve against the main
-# suites only.
-if ! dpkg-query -W -f='${Status}' wine32:i386 2>/dev/null | grep -q "install ok installed"; then
+# suites only. Where wine64 is installed and the libraries it shares with wine32
+# come from the security suite, the two cannot be installed together and replace
+# each other: wine32 is kept, since the test programs are 32-bit.
+wine_ready() {
+  local p
+  for p in wine wine32:i386 libwine:i386; do
+    [ "$(dpkg-query -W -f='${db:Status-Abbrev}' "$p" 2>/dev/null)" = "ii " ] || return 1
+  done
+  [ -x /usr/lib/wine/wine ]
+}
+if ! wine_ready; then
+  had_wine64=0
+  dpkg-query -W -f='${db:Status-Abbrev}' wine64 2>/dev/null | grep -q '^ii' && had_wine64=1
   $SUDO dpkg --add-architecture i386
   work=$(mktemp -d)
-  awk 'BEGIN{RS="";ORS="\n\n"} !/security/' /etc/apt/sources.list.d/debian.sources \
-    > "$work/main-only.sources"
-  mkdir -p "$work/lists/partial"
-  O=(-o "Dir::Etc::sourcelist=$work/main-only.sources" -o Dir::Etc::sourceparts=/nonexistent
+  mkdir -p "$work/parts" "$work/lists/partial"
+  if [ -f /etc/apt/sources.list.d/debian.sources ]; then
+    awk 'BEGIN{RS="";ORS="\n\n"} !/security/' /etc/apt/sources.list.d/debian.sources \
+      > "$work/parts/main-only.sources"
+  fi
+  if [ -f /etc/apt/sources.list ]; then
+    grep -E '^[[:space:]]*deb[[:space:]]' /etc/apt/sources.list | grep -v security \
+      > "$work/parts/main-only.list" || true
+  fi
+  O=(-o Dir::Etc::sourcelist=/nonexistent -o "Dir::Etc::sourceparts=$work/parts"
      -o "Dir::State::Lists=$work/lists")
   $SUDO apt-get "${O[@]}" update -qq
-  $SUDO apt-get "${O[@]}" install -y -qq wine32:i386 wine
+  $SUDO apt-get "${O[@]}" install -y -qq wine32:i386 libwine:i386 wine
   rm -rf "$work"
+  if [ "$had_wine64" = 1 ] && ! dpkg-query -W -f='${db:Status-Abbrev}' wine64 2>/dev/null | grep -q '^ii'; then
+    echo "install-deps: wine64 could not stay beside wine32:i386 (security-suite library versions); kept wine32"
+  fi
+  wine_ready || { echo "install-deps: 32-bit wine did not install" >&2; exit 1; }
 fi
 # METIS for the Windows build, cross-compiled from Debian's source package.
 "$(dirname "$0")/build-metis-win32.sh"
