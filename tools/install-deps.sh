@@ -29,7 +29,11 @@ if [ "$want_bench" = 1 ]; then
   done
 fi
 if [ "${#missing[@]}" -gt 0 ]; then
-  $SUDO apt-get update -qq
+  # A suite that fails to refresh (a mirror in the middle of a sync, an i386
+  # index of the security suite) must not stop the install: the lists at hand
+  # usually hold what is needed, and the install itself says when they do not.
+  $SUDO apt-get update -qq ||
+    echo "install-deps: some package lists could not be refreshed; using the ones at hand"
   $SUDO apt-get install -y -qq "${missing[@]}"
 fi
 
