@@ -4,8 +4,13 @@
 // (or GB/s for memory-bound routines) and ORB's ratio to the best peer.
 //
 //   blas_compare [--threads 1,2] [--filter gemm] [--orb path/to/liborb.so]
+//                [--base path/to/other/liborb.so]
 //
-// The Windows build (orb.dll under wine) has no peers and reports ORB alone.
+// --base adds another build of ORB (say, main's, beside a change) as the column
+// "base", with ORB's ratio to it; the ratio to the best peer leaves it out. The
+// libraries of a row are timed in turn, call by call, so a drift in the
+// machine's speed moves them alike. The Windows build (orb.dll under wine) has
+// no peers and reports ORB alone.
 #include <algorithm>
 #include <chrono>
 #include <complex>
@@ -53,7 +58,7 @@ struct Library {
   }
 };
 
-std::vector<Library> load_libraries(const std::string &orb_path) {
+std::vector<Library> load_libraries(const std::string &orb_path, const std::string &base_path) {
   std::vector<Library> libs;
 #if defined(__linux__)
   auto open = [&](const char *name, const char *path) {
@@ -67,6 +72,7 @@ std::vector<Library> load_libraries(const std::string &orb_path) {
     libs.push_back(l);
   };
   open("ORB", orb_path.c_str());
+  if (!base_path.empty()) open("base", base_path.c_str());
   open("OpenBLAS", "/usr/lib/x86_64-linux-gnu/openblas-pthread/libopenblas.so.0");
   open("BLIS", "/usr/lib/x86_64-linux-gnu/blis-pthread/libblis.so.4");
   for (Library &l : libs) {
@@ -86,18 +92,36 @@ std::vector<Library> load_libraries(const std::string &orb_path) {
 // Best of several timed runs after a warm-up, at least ~0.2 s in all. The
 // pause first lets the worker threads of the library measured before go to
 // sleep: their spinning would take the cores from this one.
-double seconds(const std::function<void()> &run) {
+// The best time of each run (0 for an empty one), the runs taking turns: at
+// least 3 rounds, then until each has had about 0.2 s or 50 rounds.
+std::vector<double> seconds_each(const std::vector<std::function<void()>> &runs) {
   std::this_thread::sleep_for(std::chrono::milliseconds(400));
-  run();
-  double best = 1e30, total = 0;
-  for (int r = 0; r < 50 && (r < 3 || total < 0.2); ++r) {
-    auto t0 = std::chrono::steady_clock::now();
-    run();
-    double t = std::chrono::duration<double>(std::chrono::steady_clock::now() - t0).count();
-    best = std::min(best, t);
-    total += t;
+  std::vector<double> best(runs.size(), 1e30), total(runs.size(), 0);
+  for (const auto &run : runs)
+    if (run) run();
+  for (int r = 0; r < 50; ++r) {
+    bool more = r < 3;
+    for (std::size_t i = 0; i < runs.size(); ++i) {
+      if (!runs[i]) continue;
+      auto t0 = std::chrono::steady_clock::now();
+      runs[i]();
+      double t = std::chrono::duration<double>(std::chrono::steady_clock::now() - t0).count();
+      best[i] = std::min(best[i], t);
+      total[i] += t;
+      more = more || total[i] < 0.2;
+    }
+    if (!more) break;
   }
+  for (std::size_t i = 0; i < runs.size(); ++i)
+    if (!runs[i]) best[i] = 0;
   return best;
+}
+
+// Rates from work per call and the times of seconds_each (0 stays 0).
+std::vector<double> rates(double work, const std::vector<double> &seconds) {
+  std::vector<double> r;
+  for (double t : seconds) r.push_back(t > 0 ? work / t * 1e-9 : 0);
+  return r;
 }
 
 template <class T>
@@ -112,6 +136,15 @@ std::vector<T> random_vector(std::size_t n, unsigned seed) {
       x = T(d(rng));
   }
   return v;
+}
+
+// A run that first sets the library's thread count (empty stays empty).
+std::function<void()> with_threads(const Library &l, int nt, std::function<void()> run) {
+  if (!run || !l.set_threads) return run;
+  return [set = l.set_threads, nt, run] {
+    set(nt);
+    run();
+  };
 }
 
 // The single-precision FMA peak of one core, measured.
@@ -164,16 +197,32 @@ struct Row {
 
 void print_row(const Row &r, const std::vector<Library> &libs, double peak) {
   std::printf("%-7s %-22s %2d", r.routine.c_str(), r.shape.c_str(), r.threads);
-  double best_peer = 0;
+  double best_peer = 0, base = 0;
   for (std::size_t i = 0; i < r.rate.size(); ++i) {
     std::printf("  %9.1f", r.rate[i]);
-    if (i > 0) best_peer = std::max(best_peer, r.rate[i]);
+    if (libs[i].name == "base")
+      base = r.rate[i];
+    else if (i > 0)
+      best_peer = std::max(best_peer, r.rate[i]);
   }
-  if (best_peer > 0) std::printf("  %6.2f", r.rate[0] / best_peer);
+  if (best_peer > 0)
+    std::printf("  %6.2f", r.rate[0] / best_peer);
+  else
+    std::printf("  %6s", "");
+  if (base > 0) std::printf("  %6.3f", r.rate[0] / base);
   if (peak > 0 && r.routine == "sgemm" && r.threads == 1)
     std::printf("  (%.0f%% of peak)", 100 * r.rate[0] / peak);
   std::printf("\n");
-  (void)libs;
+}
+
+void print_header(const char *shape, const std::vector<Library> &libs) {
+  std::printf("%-7s %-22s %2s", "routine", shape, "nt");
+  bool base = false;
+  for (const Library &l : libs) {
+    std::printf("  %9s", l.name.c_str());
+    base = base || l.name == "base";
+  }
+  std::printf("  %6s%s\n", "ratio", base ? "  /base" : "");
 }
 
 // The level-1 and level-2 routines are bound by memory traffic: rows show
@@ -211,9 +260,8 @@ void level12(std::vector<Library> &libs, const std::vector<int> &thread_counts,
     for (int n : {1000, 10000, 100000, 1000000, 10000000}) items.push_back({r, n});
   for (const char *r : {"sgemv_n", "sgemv_t", "cgemv_n", "strsv", "sger"})
     for (int n : {256, 1024, 4096}) items.push_back({r, n});
-  std::printf("\n%-7s %-22s %2s", "routine", "size (GB/s)", "nt");
-  for (const Library &l : libs) std::printf("  %9s", l.name.c_str());
-  std::printf("  %6s\n", "ratio");
+  std::printf("\n");
+  print_header("size (GB/s)", libs);
   const int one_i = 1;
   for (const Item &it : items) {
     if (!filter.empty() && it.routine.find(filter) == std::string::npos) continue;
@@ -232,9 +280,8 @@ void level12(std::vector<Library> &libs, const std::vector<int> &thread_counts,
     if (it.routine == "strsv") bytes /= 2;
     if (it.routine == "sger") bytes *= 2;
     for (int nt : thread_counts) {
-      Row row{it.routine, std::to_string(n), nt, {}};
+      std::vector<std::function<void()>> runs;
       for (const Library &l : libs) {
-        if (l.set_threads) l.set_threads(nt);
         std::function<void()> run;
         const float alpha = 1e-3f, beta = 0.5f, calpha[2] = {1, 0}, cbeta[2] = {0.5f, 0};
         if (it.routine == "sdot") {
@@ -282,9 +329,9 @@ void level12(std::vector<Library> &libs, const std::vector<int> &thread_counts,
               f(&n, &n, &alpha, x.data(), &one_i, y.data(), &one_i, a.data(), &n);
             };
         }
-        row.rate.push_back(run ? bytes / seconds(run) * 1e-9 : 0);
+        runs.push_back(with_threads(l, nt, run));
       }
-      print_row(row, libs, 0);
+      print_row({it.routine, std::to_string(n), nt, rates(bytes, seconds_each(runs))}, libs, 0);
     }
   }
 }
@@ -293,7 +340,7 @@ void level12(std::vector<Library> &libs, const std::vector<int> &thread_counts,
 
 int main(int argc, char **argv) {
   std::vector<int> thread_counts = {1, 2};
-  std::string filter, orb_path = "liborb.so";
+  std::string filter, orb_path = "liborb.so", base_path;
   for (int i = 1; i < argc; ++i) {
     if (!std::strcmp(argv[i], "--threads") && i + 1 < argc) {
       thread_counts.clear();
@@ -303,9 +350,11 @@ int main(int argc, char **argv) {
       filter = argv[++i];
     } else if (!std::strcmp(argv[i], "--orb") && i + 1 < argc) {
       orb_path = argv[++i];
+    } else if (!std::strcmp(argv[i], "--base") && i + 1 < argc) {
+      base_path = argv[++i];
     }
   }
-  std::vector<Library> libs = load_libraries(orb_path);
+  std::vector<Library> libs = load_libraries(orb_path, base_path);
 #if !defined(__linux__)
   Library orb;
   orb.name = "ORB";
@@ -314,9 +363,7 @@ int main(int argc, char **argv) {
 #endif
   const double peak = fma_peak();
   if (peak > 0) std::printf("single-precision FMA peak of one core: %.1f GFLOP/s\n", peak);
-  std::printf("%-7s %-22s %2s", "routine", "shape", "nt");
-  for (const Library &l : libs) std::printf("  %9s", l.name.c_str());
-  std::printf("  %6s\n", "ratio");
+  print_header("shape", libs);
 
   // The GEMM family: square products and the shapes LAPACK and the sparse
   // solver use (panels of k = 64..256, tall and skinny, few columns).
@@ -358,9 +405,8 @@ int main(int argc, char **argv) {
     char shape[64];
     std::snprintf(shape, sizeof shape, triangular ? "%dx%d" : "%dx%dx%d", m, n, k);
     for (int nt : thread_counts) {
-      Row row{routine, shape, nt, {}};
+      std::vector<std::function<void()>> runs;
       for (const Library &l : libs) {
-        if (l.set_threads) l.set_threads(nt);
         std::function<void()> run;
         const float one[2] = {1, 0}, zero[2] = {0, 0};
         const double done = 1, dzero = 0;
@@ -374,7 +420,7 @@ int main(int argc, char **argv) {
           if (routine == "dgemm") f = reinterpret_cast<GemmFn>(&DGEMM);
 #endif
           if (!f) {
-            row.rate.push_back(0);
+            runs.emplace_back();
             continue;
           }
           const void *al = dbl ? static_cast<const void *>(&done) : one;
@@ -390,7 +436,7 @@ int main(int argc, char **argv) {
           f = reinterpret_cast<SyrkFn>(&ssyrk);
 #endif
           if (!f) {
-            row.rate.push_back(0);
+            runs.emplace_back();
             continue;
           }
           run = [=, &a, &c] { f("L", "N", &n, &k, one, a.data(), &n, zero, c.data(), &n, 1, 1); };
@@ -402,7 +448,7 @@ int main(int argc, char **argv) {
           f = reinterpret_cast<TrsmFn>(routine == "strsm" ? &strsm : &strmm);
 #endif
           if (!f) {
-            row.rate.push_back(0);
+            runs.emplace_back();
             continue;
           }
           // Each call starts from the same B (the copy costs m n against
@@ -413,9 +459,9 @@ int main(int argc, char **argv) {
             f("L", "L", "N", "N", &m, &n, one, a.data(), &m, b.data(), &m, 1, 1, 1, 1);
           };
         }
-        row.rate.push_back(flops / seconds(run) * 1e-9);
+        runs.push_back(with_threads(l, nt, run));
       }
-      print_row(row, libs, peak);
+      print_row({routine, shape, nt, rates(flops, seconds_each(runs))}, libs, peak);
     }
   }
   level12(libs, thread_counts, filter);
