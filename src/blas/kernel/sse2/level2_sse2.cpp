@@ -10,10 +10,14 @@
 // and combines them once at the end.
 //
 // Matrix columns are read with aligned loads when the leading dimension keeps
-// every column on the same alignment; the rows before the first boundary are
-// done one by one.
+// every column on the same alignment. The results never depend on that choice,
+// nor on where the caller's arrays lie: an element done one by one is computed
+// with exactly the operations of a vector lane, and a dot product sums row r of
+// a column in accumulator lane r mod (lanes), in increasing order of r, whatever
+// lanes the aligned loads put it in; the lanes are combined in one fixed order.
 #include <immintrin.h>
 
+#include <cmath>
 #include <cstdint>
 
 #include "blas/kernel/level2.h"
@@ -40,9 +44,19 @@ struct VF {
   static reg setpair(R a, R b) { return _mm256_setr_ps(a, b, a, b, a, b, a, b); }
   static reg load(const R *p) { return _mm256_load_ps(p); }
   static reg loadu(const R *p) { return _mm256_loadu_ps(p); }
+  static __m256i lanes(int lo, int hi) {
+    const __m256i l = _mm256_setr_epi32(0, 1, 2, 3, 4, 5, 6, 7);
+    return _mm256_and_si256(_mm256_cmpgt_epi32(l, _mm256_set1_epi32(lo - 1)),
+                            _mm256_cmpgt_epi32(_mm256_set1_epi32(hi), l));
+  }
+  // Lanes [lo, hi) from p, zeros elsewhere; nothing outside them is read.
+  static reg loadpart(const R *p, int lo, int hi) { return _mm256_maskload_ps(p, lanes(lo, hi)); }
+  // Lanes [lo, hi) of v to p; nothing outside them is written.
+  static void storepart(R *p, reg v, int lo, int hi) { _mm256_maskstore_ps(p, lanes(lo, hi), v); }
   static void storeu(R *p, reg v) { _mm256_storeu_ps(p, v); }
   static reg add(reg a, reg b) { return _mm256_add_ps(a, b); }
   static reg madd(reg a, reg b, reg c) { return _mm256_fmadd_ps(a, b, c); }
+  static R madd1(R a, R b, R c) { return std::fma(a, b, c); }
   static reg swap(reg v) { return _mm256_permute_ps(v, 0xB1); }
   // The sums of the even lanes and of the odd lanes.
   static void pairsum(reg v, R &even, R &odd) {
@@ -63,9 +77,17 @@ struct VD {
   static reg setpair(R a, R b) { return _mm256_setr_pd(a, b, a, b); }
   static reg load(const R *p) { return _mm256_load_pd(p); }
   static reg loadu(const R *p) { return _mm256_loadu_pd(p); }
+  static __m256i lanes(int lo, int hi) {
+    const __m256i l = _mm256_setr_epi64x(0, 1, 2, 3);
+    return _mm256_and_si256(_mm256_cmpgt_epi64(l, _mm256_set1_epi64x(lo - 1)),
+                            _mm256_cmpgt_epi64(_mm256_set1_epi64x(hi), l));
+  }
+  static reg loadpart(const R *p, int lo, int hi) { return _mm256_maskload_pd(p, lanes(lo, hi)); }
+  static void storepart(R *p, reg v, int lo, int hi) { _mm256_maskstore_pd(p, lanes(lo, hi), v); }
   static void storeu(R *p, reg v) { _mm256_storeu_pd(p, v); }
   static reg add(reg a, reg b) { return _mm256_add_pd(a, b); }
   static reg madd(reg a, reg b, reg c) { return _mm256_fmadd_pd(a, b, c); }
+  static R madd1(R a, R b, R c) { return std::fma(a, b, c); }
   static reg swap(reg v) { return _mm256_permute_pd(v, 0x5); }
   static void pairsum(reg v, R &even, R &odd) {
     const __m128d h = _mm_add_pd(_mm256_castpd256_pd128(v), _mm256_extractf128_pd(v, 1));
@@ -86,9 +108,20 @@ struct VF {
   static reg setpair(R a, R b) { return _mm_setr_ps(a, b, a, b); }
   static reg load(const R *p) { return _mm_load_ps(p); }
   static reg loadu(const R *p) { return _mm_loadu_ps(p); }
+  static reg loadpart(const R *p, int lo, int hi) {
+    alignas(16) R t[kW] = {};
+    for (int l = lo; l < hi; ++l) t[l] = p[l];
+    return _mm_load_ps(t);
+  }
+  static void storepart(R *p, reg v, int lo, int hi) {
+    alignas(16) R t[kW];
+    _mm_store_ps(t, v);
+    for (int l = lo; l < hi; ++l) p[l] = t[l];
+  }
   static void storeu(R *p, reg v) { _mm_storeu_ps(p, v); }
   static reg add(reg a, reg b) { return _mm_add_ps(a, b); }
   static reg madd(reg a, reg b, reg c) { return _mm_add_ps(_mm_mul_ps(a, b), c); }
+  static R madd1(R a, R b, R c) { return a * b + c; }  // never contracted here
   static reg swap(reg v) { return _mm_shuffle_ps(v, v, 0xB1); }
   static void pairsum(reg v, R &even, R &odd) {
     const reg h = _mm_add_ps(v, _mm_movehl_ps(v, v));
@@ -111,9 +144,20 @@ struct VD {
   static reg setpair(R a, R b) { return _mm_setr_pd(a, b); }
   static reg load(const R *p) { return _mm_load_pd(p); }
   static reg loadu(const R *p) { return _mm_loadu_pd(p); }
+  static reg loadpart(const R *p, int lo, int hi) {
+    alignas(16) R t[kW] = {};
+    for (int l = lo; l < hi; ++l) t[l] = p[l];
+    return _mm_load_pd(t);
+  }
+  static void storepart(R *p, reg v, int lo, int hi) {
+    alignas(16) R t[kW];
+    _mm_store_pd(t, v);
+    for (int l = lo; l < hi; ++l) p[l] = t[l];
+  }
   static void storeu(R *p, reg v) { _mm_storeu_pd(p, v); }
   static reg add(reg a, reg b) { return _mm_add_pd(a, b); }
   static reg madd(reg a, reg b, reg c) { return _mm_add_pd(_mm_mul_pd(a, b), c); }
+  static R madd1(R a, R b, R c) { return a * b + c; }
   static reg swap(reg v) { return _mm_shuffle_pd(v, v, 1); }
   static void pairsum(reg v, R &even, R &odd) {
     even = _mm_cvtsd_f64(v);
@@ -154,13 +198,13 @@ struct Kernels {
   // Broadcasts of a scalar t such that t * v is madd(lo, v, hi * swap(v)).
   static reg bre(S t) { return V::set1(t.re); }
   static reg bim(S t) { return kC ? V::setpair(-t.im, t.im) : V::zero(); }
-  // y += t * v for one element.
+  // y += t * v for one element, with the operations of vupdate's lanes.
   static void update(R *y, S t, S v) {
     if constexpr (kC) {
-      y[0] += t.re * v.re - t.im * v.im;
-      y[1] += t.re * v.im + t.im * v.re;
+      y[0] = V::madd1(-t.im, v.im, V::madd1(t.re, v.re, y[0]));
+      y[1] = V::madd1(t.im, v.re, V::madd1(t.re, v.im, y[1]));
     } else {
-      y[0] += t.re * v.re;
+      y[0] = V::madd1(t.re, v.re, y[0]);
     }
   }
   static void update(R *y, S t, const R *v) { update(y, t, read(v)); }
@@ -176,63 +220,65 @@ struct Kernels {
     return V::loadu(p);
   }
 
-  // Elements before `a` reaches a vector boundary (at most m), and whether it
-  // reaches one at all by whole elements.
-  static i64 head_of(const R *a, i64 m, bool &can_align) {
-    const auto addr = reinterpret_cast<std::uintptr_t>(a);
-    const std::uintptr_t elem = sizeof(R) * kE;
-    const std::uintptr_t mis = addr % V::kBytes;
-    i64 head = mis == 0 ? 0 : static_cast<i64>((V::kBytes - mis) / elem);
-    can_align = (addr + head * elem) % V::kBytes == 0;
-    if (!can_align) head = 0;
-    return head < m ? head : m;
+  // Reals from the vector boundary before `a` to `a`, or -1 when that is not a
+  // whole number of elements (no aligned loads then).
+  static i64 rotation_of(const R *a) {
+    const auto mis = reinterpret_cast<std::uintptr_t>(a) % V::kBytes;
+    return mis % (sizeof(R) * kE) == 0 ? static_cast<i64>(mis / sizeof(R)) : -1;
   }
 
   // ---- y += A x ------------------------------------------------------------------
 
-  // One pass over y with C columns: y += sum_c t_c col_c.
+  // One pass over y with C columns: y += sum_c t_c col_c. Aligned loads read
+  // the columns from `off` reals before their start; the partial vectors at
+  // either end take the same lane operations.
   template <int C, bool kAligned>
-  static void pass_n(i64 m, i64 head, const R *const *col, const S *t, R *y) {
-    const i64 len = m * kE;
-    i64 i = 0;
-    for (; i < head * kE; i += kE)
-      for (int c = 0; c < C; ++c) update(y + i, t[c], col[c] + i);
+  static void pass_n(i64 m, i64 off, const R *const *col, const S *t, R *y) {
+    constexpr int W = V::kW;
+    const i64 end = m * kE + off;
     reg tre[C], tim[C];
     for (int c = 0; c < C; ++c) tre[c] = bre(t[c]), tim[c] = bim(t[c]);
-    for (; i + V::kW <= len; i += V::kW) {
-      reg acc = V::loadu(y + i);
-      for (int c = 0; c < C; ++c) acc = vupdate(acc, tre[c], tim[c], load<kAligned>(col[c] + i));
-      V::storeu(y + i, acc);
+    auto part = [&](i64 b, int lo, int hi) {
+      const i64 r = b * W - off;
+      reg acc = V::loadpart(y + r, lo, hi);
+      for (int c = 0; c < C; ++c)
+        acc = vupdate(acc, tre[c], tim[c], V::loadpart(col[c] + r, lo, hi));
+      V::storepart(y + r, acc, lo, hi);
+    };
+    const i64 first = off > 0 ? 1 : 0, last = end / W;  // whole vectors [first, last)
+    if (off > 0) part(0, static_cast<int>(off), end < W ? static_cast<int>(end) : W);
+    for (i64 r = first * W - off; r < last * W - off; r += W) {
+      reg acc = V::loadu(y + r);
+      for (int c = 0; c < C; ++c) acc = vupdate(acc, tre[c], tim[c], load<kAligned>(col[c] + r));
+      V::storeu(y + r, acc);
     }
-    for (; i < len; i += kE)
-      for (int c = 0; c < C; ++c) update(y + i, t[c], col[c] + i);
+    if (end % W != 0 && last >= first) part(last, 0, static_cast<int>(end % W));
   }
 
   template <int C>
-  static void run_n(int cnt, i64 m, i64 head, bool aligned, const R *a, i64 ldr, const R *x, S al,
+  static void run_n(int cnt, i64 m, i64 off, bool aligned, const R *a, i64 ldr, const R *x, S al,
                     R *y) {
     if constexpr (C > 0) {
-      if (cnt != C) return run_n<C - 1>(cnt, m, head, aligned, a, ldr, x, al, y);
+      if (cnt != C) return run_n<C - 1>(cnt, m, off, aligned, a, ldr, x, al, y);
       const R *col[C];
       S t[C];
       for (int c = 0; c < C; ++c) col[c] = a + c * ldr, t[c] = mul(al, read(x + c * kE));
       if (aligned)
-        pass_n<C, true>(m, head, col, t, y);
+        pass_n<C, true>(m, off, col, t, y);
       else
-        pass_n<C, false>(m, head, col, t, y);
+        pass_n<C, false>(m, 0, col, t, y);
     }
   }
 
   static void gemv_n(int m, int n, const R *alpha, const R *a, int lda, const R *x, R *y) {
     if (m <= 0) return;
     const i64 ldr = i64{lda} * kE;
-    bool can_align;
-    const i64 head = head_of(a, m, can_align);
-    const bool aligned = can_align && (ldr * sizeof(R)) % V::kBytes == 0;
+    const i64 off = rotation_of(a);
+    const bool aligned = off >= 0 && (ldr * sizeof(R)) % V::kBytes == 0;
     const S al = read(alpha);
     for (int j = 0; j < n; j += kGroupN) {
       const int cnt = n - j < kGroupN ? n - j : kGroupN;
-      run_n<kGroupN>(cnt, m, head, aligned, a + j * ldr, ldr, x + i64{j} * kE, al, y);
+      run_n<kGroupN>(cnt, m, off, aligned, a + j * ldr, ldr, x + i64{j} * kE, al, y);
     }
   }
 
@@ -240,71 +286,76 @@ struct Kernels {
 
   // The parts of C dot products: for real data part[c][0] is the sum; for
   // complex data the even and odd lane sums of a x (0, 1) and a swap(x) (2, 3).
+  //
+  // Aligned loads read the column from `off` reals before its start: real r
+  // sits at position p = r + off, in vector p / W and lane p mod W, and vector b
+  // goes to accumulator (b - first) mod U, `first` being the first whole
+  // vector. A lane thus sums the reals r of one class mod U W, in increasing
+  // order; which lane holds a class changes with `off`, but the accumulators
+  // are added lane by lane and then reduced by halves, which are cyclic
+  // rotations of the lanes and give the same sums for every `off`. The partial
+  // vectors at either end hold zeros outside the column (a zero product leaves
+  // a lane as it is; no lane is ever -0).
   template <int C, bool kAligned>
-  static void dots(i64 m, i64 head, const R *const *col, const R *x, R (*part)[4]) {
-    const i64 len = m * kE;
-    for (int c = 0; c < C; ++c) part[c][0] = part[c][1] = part[c][2] = part[c][3] = R(0);
-    auto scalar = [&](i64 i) {
-      for (int c = 0; c < C; ++c) {
-        const R *ac = col[c] + i;
-        part[c][0] += ac[0] * x[i];
-        if constexpr (kC) {
-          part[c][1] += ac[1] * x[i + 1];
-          part[c][2] += ac[0] * x[i + 1];
-          part[c][3] += ac[1] * x[i];
-        }
-      }
-    };
-    i64 i = 0;
-    for (; i < head * kE; i += kE) scalar(i);
-    constexpr int U = kDotUnroll;
+  static void dots(i64 m, i64 off, const R *const *col, const R *x, R (*part)[4]) {
+    constexpr int U = kDotUnroll, W = V::kW;
+    const i64 end = m * kE + off;
+    const i64 first = off > 0 ? 1 : 0, last = end / W;  // whole vectors [first, last)
     reg acc1[C][U], acc2[C][U];
     for (int c = 0; c < C; ++c)
       for (int u = 0; u < U; ++u) acc1[c][u] = acc2[c][u] = V::zero();
-    for (; i + U * V::kW <= len; i += U * V::kW)
-      for (int u = 0; u < U; ++u) {
-        const reg xv = V::loadu(x + i + u * V::kW);
-        const reg xs = kC ? V::swap(xv) : xv;
-        for (int c = 0; c < C; ++c) {
-          const reg av = load<kAligned>(col[c] + i + u * V::kW);
-          acc1[c][u] = V::madd(av, xv, acc1[c][u]);
-          if constexpr (kC) acc2[c][u] = V::madd(av, xs, acc2[c][u]);
-        }
+    // Accumulator u += vector b of every column, lanes [lo, hi) of it (a
+    // partial vector) or all of them.
+    auto add = [&](int u, i64 b, int lo, int hi) {
+      const i64 r = b * W - off;
+      const bool whole = lo == 0 && hi == W;
+      const reg xv = whole ? V::loadu(x + r) : V::loadpart(x + r, lo, hi);
+      const reg xs = kC ? V::swap(xv) : xv;
+      for (int c = 0; c < C; ++c) {
+        const reg av = whole ? load<kAligned>(col[c] + r) : V::loadpart(col[c] + r, lo, hi);
+        acc1[c][u] = V::madd(av, xv, acc1[c][u]);
+        if constexpr (kC) acc2[c][u] = V::madd(av, xs, acc2[c][u]);
       }
-    if constexpr (U > 1)
-      for (; i + V::kW <= len; i += V::kW) {
-        const reg xv = V::loadu(x + i);
-        for (int c = 0; c < C; ++c)
-          acc1[c][0] = V::madd(load<kAligned>(col[c] + i), xv, acc1[c][0]);
-      }
-    for (; i < len; i += kE) scalar(i);
+    };
+    // The same with u known only at run time.
+    auto add_at = [&](i64 b, int lo, int hi) {
+      const int u = static_cast<int>((b - first + U) % U);
+      for (int k = 0; k < U; ++k)
+        if (k == u) add(k, b, lo, hi);
+    };
+    if (off > 0) add_at(0, static_cast<int>(off), end < W ? static_cast<int>(end) : W);
+    i64 b = first;
+    for (; b + U <= last; b += U)
+      for (int u = 0; u < U; ++u) add(u, b + u, 0, W);
+    for (; b < last; ++b) add_at(b, 0, W);
+    if (end % W != 0 && last >= first) add_at(last, 0, static_cast<int>(end % W));
     for (int c = 0; c < C; ++c) {
       reg s1 = acc1[c][0], s2 = acc2[c][0];
       for (int u = 1; u < U; ++u) s1 = V::add(s1, acc1[c][u]), s2 = V::add(s2, acc2[c][u]);
       R e, o;
       V::pairsum(s1, e, o);
       if constexpr (kC) {
-        part[c][0] += e, part[c][1] += o;
+        part[c][0] = e, part[c][1] = o;
         V::pairsum(s2, e, o);
-        part[c][2] += e, part[c][3] += o;
+        part[c][2] = e, part[c][3] = o;
       } else {
-        part[c][0] += e + o;
+        part[c][0] = e + o;
       }
     }
   }
 
   template <int C>
-  static void run_t(int cnt, i64 m, i64 head, bool aligned, const R *a, i64 ldr, const R *x, S al,
+  static void run_t(int cnt, i64 m, i64 off, bool aligned, const R *a, i64 ldr, const R *x, S al,
                     bool conj, R *y) {
     if constexpr (C > 0) {
-      if (cnt != C) return run_t<C - 1>(cnt, m, head, aligned, a, ldr, x, al, conj, y);
+      if (cnt != C) return run_t<C - 1>(cnt, m, off, aligned, a, ldr, x, al, conj, y);
       const R *col[C];
       for (int c = 0; c < C; ++c) col[c] = a + c * ldr;
       R part[C][4];
       if (aligned)
-        dots<C, true>(m, head, col, x, part);
+        dots<C, true>(m, off, col, x, part);
       else
-        dots<C, false>(m, head, col, x, part);
+        dots<C, false>(m, 0, col, x, part);
       for (int c = 0; c < C; ++c) {
         S d{part[c][0], R(0)};
         if constexpr (kC)
@@ -317,14 +368,14 @@ struct Kernels {
 
   static void gemv_t(int m, int n, const R *alpha, const R *a, int lda, const R *x, R *y,
                      bool conj) {
+    if (m <= 0) return;
     const i64 ldr = i64{lda} * kE;
-    bool can_align;
-    const i64 head = head_of(a, m, can_align);
-    const bool aligned = can_align && (ldr * sizeof(R)) % V::kBytes == 0;
+    const i64 off = rotation_of(a);
+    const bool aligned = off >= 0 && (ldr * sizeof(R)) % V::kBytes == 0;
     const S al = read(alpha);
     for (int j = 0; j < n; j += kGroupT) {
       const int cnt = n - j < kGroupT ? n - j : kGroupT;
-      run_t<kGroupT>(cnt, m, head, aligned, a + j * ldr, ldr, x, al, conj, y + i64{j} * kE);
+      run_t<kGroupT>(cnt, m, off, aligned, a + j * ldr, ldr, x, al, conj, y + i64{j} * kE);
     }
   }
 
