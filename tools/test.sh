@@ -3,7 +3,8 @@
 # then the cross-built test programs under 32-bit wine against orb.dll. On a
 # machine that cannot execute 32-bit programs the win32 build and the checks that
 # need no execution still run; the tests that run under wine are counted as
-# skipped.
+# skipped. Last, NumPy's and SciPy's own tests run against liborb.so
+# (tools/client-check.sh).
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
@@ -40,7 +41,13 @@ else
   ctest --preset win32 -j "$jobs" -LE wine 2>&1 | tee "$logs/win32.log" || status=1
 fi
 
-# One closing line for both runs.
+# A real client: NumPy's and SciPy's tests with the reference BLAS and LAPACK
+# and with liborb.so in front of them (about two and a half minutes).
+echo "== linux-x64: client check (NumPy and SciPy test suites)"
+client=0
+tools/client-check.sh || client=1
+
+# One closing line for both runs and the client check.
 passed=0 failed=0
 for p in linux-x64 win32; do
   line=$(grep -E 'tests passed, [0-9]+ tests failed out of [0-9]+' "$logs/$p.log" || true)
@@ -50,6 +57,7 @@ for p in linux-x64 win32; do
   passed=$((passed + t - f))
   failed=$((failed + f))
 done
+if [ "$client" = 0 ]; then passed=$((passed + 1)); else failed=$((failed + 1)) status=1; fi
 if [ "$skipped" -gt 0 ]; then
   echo "$passed passed, $failed failed, $skipped skipped"
 else
