@@ -21,6 +21,8 @@
 #include <cstdint>
 #include <initializer_list>
 
+#include "common/options.h"
+
 namespace orb::check {
 
 enum class Op : std::uint8_t { kOption, kNonNegative, kNonZero, kLeadingDim };
@@ -71,11 +73,6 @@ struct Checker {
 template <std::size_t N>
 constexpr Checker checker(const char (&name)[7], const Test (&tests)[N]) {
   return Checker{name, tests, N};
-}
-
-// Upper-case form of an option character (only ASCII letters change).
-constexpr char upper(char c) {
-  return (c >= 'a' && c <= 'z') ? static_cast<char>(c - 32) : c;
 }
 
 // Runs the tests over the arguments (pointers to each argument, in order).

@@ -20,8 +20,8 @@
 
 namespace {
 
-using orb::blas::c16;
-using orb::blas::c8;
+using orb::c16;
+using orb::c8;
 
 using orb::test::conj_of;
 using orb::test::wide_t;

@@ -31,9 +31,9 @@ using c8 = std::complex<float>;
 using c16 = std::complex<double>;
 using LD = long double;
 template <class T>
-using R = k::real_t<T>;
+using R = orb::real_t<T>;
 template <class T>
-using W = std::conditional_t<k::is_complex<T>, std::complex<LD>, LD>;
+using W = std::conditional_t<orb::is_complex_v<T>, std::complex<LD>, LD>;
 template <class T>
 const LD kEps = std::numeric_limits<R<T>>::epsilon();
 constexpr float kNaN = std::numeric_limits<float>::quiet_NaN();
@@ -43,21 +43,21 @@ constexpr float kInf = std::numeric_limits<float>::infinity();
 
 template <class T>
 LD re(const T &v) {
-  if constexpr (k::is_complex<T>)
+  if constexpr (orb::is_complex_v<T>)
     return v.real();
   else
     return v;
 }
 template <class T>
 LD im(const T &v) {
-  if constexpr (k::is_complex<T>)
+  if constexpr (orb::is_complex_v<T>)
     return v.imag();
   else
     return 0;
 }
 template <class T>
 W<T> wide(const T &v) {
-  if constexpr (k::is_complex<T>)
+  if constexpr (orb::is_complex_v<T>)
     return {v.real(), v.imag()};
   else
     return v;
@@ -68,14 +68,14 @@ LD mag(const V &v) {
 }
 template <class T>
 T make(LD r, LD i = 0) {
-  if constexpr (k::is_complex<T>)
+  if constexpr (orb::is_complex_v<T>)
     return T(R<T>(r), R<T>(i));
   else
     return T(r);
 }
 template <class V>
 V conj_(const V &v) {
-  if constexpr (k::is_complex<V>)
+  if constexpr (orb::is_complex_v<V>)
     return std::conj(v);
   else
     return v;
@@ -163,23 +163,23 @@ struct Set {
   decltype(&k::generic::dotui<T>) dotui = nullptr, dotci = nullptr;
 };
 
-#define ORB_FILL(s, ns)             \
-  s.level = #ns;                    \
-  s.axpy = &k::ns::axpy<T>;         \
-  s.dotu = &k::ns::dotu<T>;         \
-  s.dotc = &k::ns::dotc<T>;         \
-  s.asum = &k::ns::asum<T>;         \
-  s.scal = &k::ns::scal<T>;         \
-  s.swap = &k::ns::swap<T>;         \
-  s.rot = &k::ns::rot<T>;           \
-  s.iamax = &k::ns::iamax<T>;       \
-  s.iamin = &k::ns::iamin<T>;       \
-  if constexpr (k::is_complex<T>) { \
-    s.rscal = &k::ns::rscal<T>;     \
-    s.crot = &k::ns::crot<T>;       \
-  } else {                          \
-    s.rotm = &k::ns::rotm<T>;       \
-  }                                 \
+#define ORB_FILL(s, ns)                 \
+  s.level = #ns;                        \
+  s.axpy = &k::ns::axpy<T>;             \
+  s.dotu = &k::ns::dotu<T>;             \
+  s.dotc = &k::ns::dotc<T>;             \
+  s.asum = &k::ns::asum<T>;             \
+  s.scal = &k::ns::scal<T>;             \
+  s.swap = &k::ns::swap<T>;             \
+  s.rot = &k::ns::rot<T>;               \
+  s.iamax = &k::ns::iamax<T>;           \
+  s.iamin = &k::ns::iamin<T>;           \
+  if constexpr (orb::is_complex_v<T>) { \
+    s.rscal = &k::ns::rscal<T>;         \
+    s.crot = &k::ns::crot<T>;           \
+  } else {                              \
+    s.rotm = &k::ns::rotm<T>;           \
+  }                                     \
   if constexpr (sizeof(R<T>) == sizeof(float)) s.sumsq = &k::ns::sumsq<T>;
 
 // Every variant this processor can run.
@@ -345,7 +345,7 @@ std::string check_elementwise(const Set<T> &s, const Set<T> &gen, const std::vec
     if (ix > 0)  // the operations pass no other increment to scal
       ops.push_back(
           {"scal", {wa, 0, 0, 1}, 4, [&](auto &ks, auto &x, auto &) { ks.scal(n, a, x.p(), ix); }});
-    if constexpr (k::is_complex<T>) {
+    if constexpr (orb::is_complex_v<T>) {
       if (ix > 0)
         ops.push_back({"rscal", {wc, 0, 0, 1}, 2, [&](auto &ks, auto &x, auto &) {
                          ks.rscal(n, rc, x.p(), ix);
@@ -554,7 +554,7 @@ TYPED_TEST(Level1Operations, QuickReturns) {
     blas::sctr(n, x.data(), idx, y.data());
     EXPECT_EQ(blas::dotui(n, y.data(), idx, y.data()), zero);
     EXPECT_EQ(blas::dotci(n, y.data(), idx, y.data()), zero);
-    if constexpr (!k::is_complex<T>) {
+    if constexpr (!orb::is_complex_v<T>) {
       const T h[5] = {-1, 2, 2, 2, 2};
       blas::rotm(n, x.data(), 1, y.data(), 1, h);
     }
@@ -568,7 +568,7 @@ TYPED_TEST(Level1Operations, QuickReturns) {
   blas::axpy(4, zero, x.data(), 1, y.data(), 1);  // x is all NaN
   blas::axpyi(4, zero, x.data(), idx, y.data());
   blas::scal(4, one, x.data(), 1);
-  if constexpr (k::is_complex<T>) {
+  if constexpr (orb::is_complex_v<T>) {
     blas::rscal(4, R<T>(1), x.data(), 1);
     blas::rscal(4, R<T>(2), y.data(), 0);
   } else {
@@ -611,7 +611,7 @@ TYPED_TEST(Level1Operations, IndexRoutinesTiesAndNaN) {
   x[0] = make<T>(kNaN);
   EXPECT_EQ(blas::iamax(7, x.data(), 1), 1);
   EXPECT_EQ(blas::iamin(7, x.data(), 1), 1);
-  if constexpr (k::is_complex<T>) {
+  if constexpr (orb::is_complex_v<T>) {
     const T z[3] = {make<T>(1, -2), make<T>(-2, 1.5f), make<T>(0, 3)};
     EXPECT_EQ(blas::iamax(3, z, 1), 2);  // 3, 3.5, 3
     EXPECT_EQ(blas::iamin(3, z, 1), 1);
@@ -636,7 +636,7 @@ TYPED_TEST(Level1Operations, Nrm2ScalesBigAndSmallValues) {
       {{make<T>(big), make<T>(1), make<T>(small)}, LD(big)},
       {{make<T>(small), make<T>(1), make<T>(tiny)}, 1},
       {{make<T>(0), make<T>(0)}, 0},
-      {{make<T>(0, -2)}, k::is_complex<T> ? 2 : 0},
+      {{make<T>(0, -2)}, orb::is_complex_v<T> ? 2 : 0},
   };
   for (const Case &c : table) {
     const LD got = blas::nrm2(int(c.x.size()), c.x.data(), 1);

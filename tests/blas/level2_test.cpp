@@ -19,10 +19,17 @@
 #include "service/cpu.h"
 #include "support/child.h"
 
+namespace orb {
+std::ostream &operator<<(std::ostream &out, Op op) {
+  return out << letter(op);
+}
+}  // namespace orb
+
 namespace {
 
 namespace k2 = orb::kernel::level2;
 namespace l2 = orb::blas::level2;
+using orb::Op;
 using c8 = std::complex<float>;
 using c16 = std::complex<double>;
 
@@ -306,9 +313,9 @@ std::vector<std::pair<T, T>> alpha_beta() {
 constexpr int kIncs[][2] = {{1, 1}, {2, -1}, {-1, 2}, {-3, -3}, {1, -3}};
 
 template <class T>
-int run_gemv(Gen &g, int trans, int m, int n, int pad, int incx, int incy, T alpha, T beta) {
+int run_gemv(Gen &g, Op trans, int m, int n, int pad, int incx, int incy, T alpha, T beta) {
   Matrix<T> a(m, n, pad, 1, g);
-  const bool nt = trans == l2::kNoTrans;
+  const bool nt = trans == Op::kNone;
   Vector<T> x(nt ? n : m, incx, g), y(nt ? m : n, incy, g);
   if (beta == T(0))
     for (int i = 0; i < y.n; ++i) y[i] = nan_value<T>();  // not to be read
@@ -316,7 +323,7 @@ int run_gemv(Gen &g, int trans, int m, int n, int pad, int incx, int incy, T alp
   Full<T> op(y.n, std::vector<D<T>>(x.n));
   for (int i = 0; i < y.n; ++i)
     for (int k = 0; k < x.n; ++k)
-      op[i][k] = nt ? a.at(i, k) : trans == l2::kConjTrans ? conj(a.at(k, i)) : a.at(k, i);
+      op[i][k] = nt ? a.at(i, k) : trans == Op::kConjTrans ? conj(a.at(k, i)) : a.at(k, i);
   l2::gemv(trans, m, n, alpha, a.data(), a.ld, x.mem.data(), incx, beta, y.mem.data(), incy);
   const bool quick = m == 0 || n == 0 || (alpha == T(0) && beta == T(1));
   return check_product(op, y.n, x.n, quick, alpha, beta, x, y, y0);
@@ -426,7 +433,7 @@ int run_syr(Gen &g, bool two, bool herm, bool upper, int n, int pad, int incx, i
 // xTRMV and xTRSV: the product against the reference, the solve by its
 // residual.
 template <class T>
-int run_trxv(Gen &g, bool solve, bool upper, int trans, bool unit, int n, int pad, int incx) {
+int run_trxv(Gen &g, bool solve, bool upper, Op trans, bool unit, int n, int pad, int incx) {
   Matrix<T> a(n, n, pad, 1, g);
   Full<T> op(n, std::vector<D<T>>(n, D<T>(0)));
   for (int j = 0; j < n; ++j)
@@ -443,8 +450,8 @@ int run_trxv(Gen &g, bool solve, bool upper, int trans, bool unit, int n, int pa
         continue;
       }
       const D<T> v = i == j && unit ? D<T>(1) : a.at(i, j);
-      const int r = trans == l2::kNoTrans ? i : j, c = trans == l2::kNoTrans ? j : i;
-      op[r][c] = trans == l2::kConjTrans ? conj(v) : v;
+      const int r = trans == Op::kNone ? i : j, c = trans == Op::kNone ? j : i;
+      op[r][c] = trans == Op::kConjTrans ? conj(v) : v;
     }
   Vector<T> x(n, incx, g);
   const std::vector<T> x0 = copy_of(x);
@@ -481,7 +488,7 @@ constexpr int kOrders[] = {0, 1, 2, 3, 5, 17, 31, 32, 33, 65, 70};
 TYPED_TEST(Level2Routines, Gemv) {
   using T = TypeParam;
   Gen g;
-  for (int trans : {l2::kNoTrans, l2::kTrans, l2::kConjTrans})
+  for (Op trans : {Op::kNone, Op::kTrans, Op::kConjTrans})
     for (const auto &mn : kShapes)
       for (int pad : {0, 2})
         for (const auto &inc : kIncs)
@@ -495,7 +502,7 @@ TYPED_TEST(Level2Routines, Gemv) {
 // routine.
 TYPED_TEST(Level2Routines, GemvUsesEveryColumn) {
   using T = TypeParam;
-  for (int trans : {l2::kNoTrans, l2::kTrans}) {
+  for (Op trans : {Op::kNone, Op::kTrans}) {
     std::vector<T> a(9, T(1)), x(3, T(1)), y(3, T(0));
     a[4] = nan_value<T>();  // (1, 1)
     x[1] = T(0);
@@ -549,7 +556,7 @@ TYPED_TEST(Level2Routines, TriangularProductAndSolve) {
   Gen g;
   for (bool solve : {false, true})
     for (bool upper : {true, false})
-      for (int trans : {l2::kNoTrans, l2::kTrans, l2::kConjTrans})
+      for (Op trans : {Op::kNone, Op::kTrans, Op::kConjTrans})
         for (bool unit : {false, true})
           for (int n : kOrders)
             for (int incx : {1, -1, 2, -3})
@@ -587,7 +594,7 @@ TYPED_TEST(Level2Routines, LongVectorsAndNoWorkBuffers) {
   Gen g;
   const T alpha = make<T>(0.7, -0.3), beta = make<T>(-1.25, 0.5);
   const int rb = l2::row_block<T>();
-  for (int trans : {l2::kNoTrans, l2::kConjTrans}) {
+  for (Op trans : {Op::kNone, Op::kConjTrans}) {
     EXPECT_EQ(run_gemv(g, trans, rb + 5, 3, 0, 2, -3, alpha, beta), 0);
     EXPECT_EQ(run_gemv(g, trans, 3, rb + 5, 0, -3, 2, alpha, beta), 0);
     EXPECT_EQ(run_gemv(g, trans, rb + 5, 3, 0, 1, 1, alpha, beta), 0);
@@ -598,7 +605,7 @@ TYPED_TEST(Level2Routines, LongVectorsAndNoWorkBuffers) {
     ~Refuse() { l2::g_refuse_work_buffers = false; }
   } refuse;
   const int n = l2::kStackBlock + 44;
-  for (int trans : {l2::kNoTrans, l2::kConjTrans})
+  for (Op trans : {Op::kNone, Op::kConjTrans})
     EXPECT_EQ(run_gemv(g, trans, n, n - 7, 0, 2, -1, alpha, beta), 0) << trans;
   EXPECT_EQ(run_ger(g, n, 5, 0, -2, 1, alpha, false), 0);
   for (bool upper : {true, false}) {
@@ -606,7 +613,7 @@ TYPED_TEST(Level2Routines, LongVectorsAndNoWorkBuffers) {
     EXPECT_EQ(run_syr(g, false, false, upper, n, 0, -2, 1, alpha), 0);
     EXPECT_EQ(run_syr(g, true, kComplex<T>, upper, n, 0, 1, 3, alpha), 0);
     for (bool solve : {false, true})
-      EXPECT_EQ(run_trxv<T>(g, solve, upper, l2::kTrans, false, n, 0, -2), 0);
+      EXPECT_EQ(run_trxv<T>(g, solve, upper, Op::kTrans, false, n, 0, -2), 0);
   }
 }
 

@@ -22,8 +22,9 @@
 
 namespace {
 
-using orb::blas::c16;
-using orb::blas::c8;
+using orb::c16;
+using orb::c8;
+using orb::Op;
 using orb::blas::Triangular;
 
 using orb::test::wide_t;
@@ -190,7 +191,7 @@ int update_case(bool two, bool upper, char trans, bool herm, int n, int k, T alp
     return notrans ? xi * conj_of(yj) : conj_of(xi) * yj;
   };
   Mat<T> c = c0;
-  const int tcode = notrans ? 0 : herm ? 2 : 1;
+  const Op tcode = notrans ? Op::kNone : herm ? Op::kConjTrans : Op::kTrans;
   if (two)
     orb::blas::syr2k_omp<T>(upper, tcode, herm, n, k, alpha, a.p(), a.ld, b.p(), b.ld, beta, c.p(),
                             c.ld);
@@ -264,10 +265,10 @@ int triangular_case(bool solve, const Triangular &tr, int m, int n, T alpha, std
   if (alpha == T(0))
     for (auto &x : b0.v) x = T(kNaN);
   auto op = [&](int i, int j) -> W {  // op(A)(i, j)
-    const int r = tr.trans == 0 ? i : j, c = tr.trans == 0 ? j : i;
+    const int r = tr.trans == Op::kNone ? i : j, c = tr.trans == Op::kNone ? j : i;
     if (r == c && tr.unit) return W(1);
     if (r != c && (r < c) != tr.upper) return W(0);
-    return tr.trans == 2 ? conj_of(W(a(r, c))) : W(a(r, c));
+    return tr.trans == Op::kConjTrans ? conj_of(W(a(r, c))) : W(a(r, c));
   };
   Mat<T> b = b0;
   if (solve)
@@ -313,7 +314,7 @@ int triangular_sweep(bool solve, const std::vector<int> &orders, const std::vect
           for (int order : orders)
             for (int other : others) {
               ++x;
-              const Triangular t{left, upper, *tr == 'N' ? 0 : *tr == 'T' ? 1 : 2, unit};
+              const Triangular t{left, upper, orb::option<Op>(*tr), unit};
               const T alpha = pick<T>(x, {T(1), make<T>(-0.75, 0.5), T(0), T(2)});
               const int m = left ? order : other, n = left ? other : order;
               const int b = triangular_case<T>(solve, t, m, n, alpha, rng);
@@ -378,7 +379,7 @@ TEST(Level3, TriangularMultiplyKeepsAnInfinityToItsOwnSums) {
   for (int order : {40, 300})
     for (bool left : {true, false})
       for (bool upper : {true, false})
-        for (int trans : {0, 1}) {
+        for (Op trans : {Op::kNone, Op::kTrans}) {
           const Triangular tr{left, upper, trans, false};
           const int m = left ? order : 30, n = left ? 30 : order, k0 = order / 2, j0 = 7;
           std::vector<float> a(std::size_t(order) * order, 0.5f), b(std::size_t(m) * n, 1.0f);
@@ -388,14 +389,14 @@ TEST(Level3, TriangularMultiplyKeepsAnInfinityToItsOwnSums) {
           for (int j = 0; j < n; ++j)
             for (int i = 0; i < m; ++i) {
               // op(A)(r, c) lies in the triangle when r <= c for an upper op(A).
-              const bool op_upper = upper != (trans != 0);
+              const bool op_upper = upper != (trans != Op::kNone);
               const int r = left ? i : k0, c = left ? k0 : j;
               const bool uses = (left ? j == j0 : i == j0) && (op_upper ? r <= c : r >= c);
               bad += std::isfinite(b[i + std::size_t(j) * m]) == uses;
             }
           EXPECT_EQ(bad, 0) << "order " << order << " side "
                             << "RL"[left] << " uplo "
-                            << "LU"[upper] << " trans " << trans;
+                            << "LU"[upper] << " trans " << orb::letter(trans);
         }
 }
 
@@ -447,16 +448,17 @@ TEST(Level3, ResultsDoNotDependOnTheThreadCount) {
   using V = std::vector<float>;
   using CV = std::vector<c8>;
   across_threads<float>("trsm LUN", [](auto &rng, V *out) {
-    return triangular_case<float>(true, {true, true, 0, false}, 260, 150, 0.5f, rng, out);
+    return triangular_case<float>(true, {true, true, Op::kNone, false}, 260, 150, 0.5f, rng, out);
   });
   across_threads<float>("trsm RLT", [](auto &rng, V *out) {
-    return triangular_case<float>(true, {false, false, 1, true}, 150, 260, 1.0f, rng, out);
+    return triangular_case<float>(true, {false, false, Op::kTrans, true}, 150, 260, 1.0f, rng, out);
   });
   across_threads<float>("trmm LLT", [](auto &rng, V *out) {
-    return triangular_case<float>(false, {true, false, 1, false}, 260, 150, -1.0f, rng, out);
+    return triangular_case<float>(false, {true, false, Op::kTrans, false}, 260, 150, -1.0f, rng,
+                                  out);
   });
   across_threads<float>("trmm RUN", [](auto &rng, V *out) {
-    return triangular_case<float>(false, {false, true, 0, true}, 150, 260, 2.0f, rng, out);
+    return triangular_case<float>(false, {false, true, Op::kNone, true}, 150, 260, 2.0f, rng, out);
   });
   across_threads<float>("symm LL", [](auto &rng, V *out) {
     return symm_case<float>(true, false, false, 260, 150, 1.0f, 0.5f, rng, out);
@@ -474,7 +476,8 @@ TEST(Level3, ResultsDoNotDependOnTheThreadCount) {
     return update_case<c8>(false, false, 'C', true, 200, 60, c8(2), c8(0.5), rng, out);
   });
   across_threads<c8>("ctrsm RUC", [](auto &rng, CV *out) {
-    return triangular_case<c8>(true, {false, true, 2, false}, 120, 200, c8(1, 1), rng, out);
+    return triangular_case<c8>(true, {false, true, Op::kConjTrans, false}, 120, 200, c8(1, 1), rng,
+                               out);
   });
 }
 
@@ -486,7 +489,8 @@ TEST(Level3, InsideAnApplicationsParallelRegion) {
   {
     const int me = omp_get_thread_num();
     std::mt19937 rng(me);
-    bad[me] = triangular_case<float>(true, {me != 1, true, me, false}, 300, 200, 1.0f, rng) +
+    bad[me] = triangular_case<float>(true, {me != 1, true, static_cast<Op>(me), false}, 300, 200,
+                                     1.0f, rng) +
               update_case<float>(false, me == 0, 'T', false, 300, 100, 1.0f, 0.5f, rng);
   }
   for (int b : bad) EXPECT_EQ(b, 0);

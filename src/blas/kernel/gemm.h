@@ -12,6 +12,9 @@
 
 #include <complex>
 
+#include "common/options.h"
+#include "common/scalar.h"
+
 namespace orb::kernel {
 
 template <class T>
@@ -25,14 +28,11 @@ struct GemmShape {
   GemmUkr<T> ukr;
 };
 
-using c8 = std::complex<float>;
-using c16 = std::complex<double>;
-
 // The direct (unpacked) kernel for small or memory-bound products:
 // C := alpha op(A) op(B) + beta C straight from the caller's arrays.
 // trans: 0 no transpose, 1 transpose, 2 conjugate transpose.
 template <class T>
-using GemmDirect = void (*)(int ta, int tb, int m, int n, int k, T alpha, const T *a, int lda,
+using GemmDirect = void (*)(Op ta, Op tb, int m, int n, int k, T alpha, const T *a, int lda,
                             const T *b, int ldb, T beta, T *c, int ldc);
 
 namespace generic {
@@ -41,16 +41,16 @@ GemmShape<double> dgemm_shape();
 GemmShape<c8> cgemm_shape();
 GemmShape<c16> zgemm_shape();
 template <class T>
-void gemm_direct(int ta, int tb, int m, int n, int k, T alpha, const T *a, int lda, const T *b,
+void gemm_direct(Op ta, Op tb, int m, int n, int k, T alpha, const T *a, int lda, const T *b,
                  int ldb, T beta, T *c, int ldc);
 }  // namespace generic
 
 // 128-bit kernels for the 32- and 64-bit builds, one compilation per level.
-#define ORB_SSE_GEMM_DECLS                                                                     \
-  GemmUkr<float> sgemm_ukr();                                                                  \
-  int sgemm_mr();                                                                              \
-  int sgemm_nr();                                                                              \
-  void sgemm_direct(int ta, int tb, int m, int n, int k, float alpha, const float *a, int lda, \
+#define ORB_SSE_GEMM_DECLS                                                                   \
+  GemmUkr<float> sgemm_ukr();                                                                \
+  int sgemm_mr();                                                                            \
+  int sgemm_nr();                                                                            \
+  void sgemm_direct(Op ta, Op tb, int m, int n, int k, float alpha, const float *a, int lda, \
                     const float *b, int ldb, float beta, float *c, int ldc);
 namespace sse2 {
 ORB_SSE_GEMM_DECLS
@@ -75,7 +75,7 @@ void dgemm_ukr_8x6(int k, const double *a, const double *b, double *c, int ldc, 
 void cgemm_ukr_8x2(int k, const c8 *a, const c8 *b, c8 *c, int ldc, c8 alpha, c8 beta);
 // C := alpha A op(B) + beta C for n <= 8 with the summation order of
 // sgemm_ukr_16x6 over inner blocks of kc <= 256.
-void sgemm_thin(int tb, int m, int n, int k, int kc, float alpha, const float *a, int lda,
+void sgemm_thin(Op tb, int m, int n, int k, int kc, float alpha, const float *a, int lda,
                 const float *b, int ldb, float beta, float *c, int ldc);
 void zgemm_ukr_4x2(int k, const c16 *a, const c16 *b, c16 *c, int ldc, c16 alpha, c16 beta);
 }  // namespace avx2

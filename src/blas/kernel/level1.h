@@ -21,27 +21,9 @@
 
 #include <complex>
 
+#include "common/scalar.h"
+
 namespace orb::kernel {
-
-using c8 = std::complex<float>;
-using c16 = std::complex<double>;
-
-template <class T>
-struct real_of {
-  using type = T;
-};
-template <class R>
-struct real_of<std::complex<R>> {
-  using type = R;
-};
-// The real type under a scalar type: float for std::complex<float>.
-template <class T>
-using real_t = typename real_of<T>::type;
-
-template <class T>
-inline constexpr bool is_complex = false;
-template <class R>
-inline constexpr bool is_complex<std::complex<R>> = true;
 
 // The dense kernels. For the complex types, |x| means |re x| + |im x| as in
 // the published index routines.

@@ -21,10 +21,9 @@
 
 #include <complex>
 
-namespace orb::kernel::level2 {
+#include "common/scalar.h"
 
-using c8 = std::complex<float>;
-using c16 = std::complex<double>;
+namespace orb::kernel::level2 {
 
 template <class T>
 using GemvN = void (*)(int m, int n, T alpha, const T *a, int lda, const T *x, T *y);

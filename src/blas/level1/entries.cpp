@@ -8,8 +8,8 @@
 
 namespace {
 
-using orb::blas::c16;
-using orb::blas::c8;
+using orb::c16;
+using orb::c8;
 using orb::entry::plain;
 namespace blas = orb::blas;
 

@@ -86,7 +86,7 @@ T *first(T *p, int n, int inc) {
 // Whether a scalar is zero (both parts for complex values).
 template <class T>
 bool is_zero(const T &a) {
-  if constexpr (kernel::is_complex<T>)
+  if constexpr (orb::is_complex_v<T>)
     return a.real() == 0 && a.imag() == 0;
   else
     return a == 0;

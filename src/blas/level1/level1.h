@@ -16,12 +16,10 @@
 
 namespace orb::blas {
 
-using c8 = std::complex<float>;
-using c16 = std::complex<double>;
 // Complex values are two consecutive reals, real part first.
 static_assert(sizeof(c8) == 2 * sizeof(float) && sizeof(c16) == 2 * sizeof(double));
 
-using kernel::real_t;
+using orb::real_t;
 
 // ---- vectors ---------------------------------------------------------------------------------
 

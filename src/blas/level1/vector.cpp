@@ -79,7 +79,7 @@ real_t<T> blue_nrm2(int n, const T *x, int incx) {
   };
   std::int64_t ix = 0;
   for (int i = 0; i < n; ++i, ix += incx) {
-    if constexpr (kernel::is_complex<T>) {
+    if constexpr (orb::is_complex_v<T>) {
       take(x[ix].real());
       take(x[ix].imag());
     } else {
@@ -116,7 +116,7 @@ void add_dense_records(std::vector<DispatchRecord> &out) {
     out.push_back(record<T>("rot", k_rot<T>));
     out.push_back(record<T>("iamax", k_iamax<T>));
     out.push_back(record<T>("iamin", k_iamin<T>));
-    if constexpr (kernel::is_complex<T>) {
+    if constexpr (orb::is_complex_v<T>) {
       out.push_back(record<T>("rscal", k_rscal<T>));
       out.push_back(record<T>("crot", k_crot<T>));
     } else {

@@ -5,6 +5,7 @@
 
 #include "blas/complex_abi.h"
 #include "blas/level2/level2.h"
+#include "common/options.h"
 #include "orb.h"
 #include "service/checkers.h"
 #include "service/entry.h"
@@ -13,16 +14,26 @@
 namespace {
 
 namespace l2 = orb::blas::level2;
-using l2::c16;
-using l2::c8;
+using orb::c16;
+using orb::c8;
+using orb::Diag;
+using orb::Op;
+using orb::option;
+using orb::Uplo;
 using orb::blas::cx;
-using orb::blas::level2::is;
+
+bool upper(const char *uplo) {
+  return option<Uplo>(*uplo) == Uplo::kUpper;
+}
+bool unit(const char *diag) {
+  return option<Diag>(*diag) == Diag::kUnit;
+}
 
 // The drivers with the published argument lists, read once the checks passed.
 template <class T>
 void gemv(const char *trans, const int *m, const int *n, const T *alpha, const T *a, const int *lda,
           const T *x, const int *incx, const T *beta, T *y, const int *incy) {
-  l2::gemv(l2::trans_of(*trans), *m, *n, *alpha, a, *lda, x, *incx, *beta, y, *incy);
+  l2::gemv(option<Op>(*trans), *m, *n, *alpha, a, *lda, x, *incx, *beta, y, *incy);
 }
 template <class T, bool kConj>
 void ger(const int *m, const int *n, const T *alpha, const T *x, const int *incx, const T *y,
@@ -32,33 +43,33 @@ void ger(const int *m, const int *n, const T *alpha, const T *x, const int *incx
 template <class T, bool kHerm>
 void symv(const char *uplo, const int *n, const T *alpha, const T *a, const int *lda, const T *x,
           const int *incx, const T *beta, T *y, const int *incy) {
-  l2::symv(is(*uplo, 'U'), *n, *alpha, a, *lda, x, *incx, *beta, y, *incy, kHerm);
+  l2::symv(upper(uplo), *n, *alpha, a, *lda, x, *incx, *beta, y, *incy, kHerm);
 }
 template <class T>
 void syr(const char *uplo, const int *n, const T *alpha, const T *x, const int *incx, T *a,
          const int *lda) {
-  l2::syr(is(*uplo, 'U'), *n, *alpha, x, *incx, a, *lda, false);
+  l2::syr(upper(uplo), *n, *alpha, x, *incx, a, *lda, false);
 }
 // xHER: a real alpha.
 template <class R>
 void her(const char *uplo, const int *n, const R *alpha, const std::complex<R> *x, const int *incx,
          std::complex<R> *a, const int *lda) {
-  l2::syr(is(*uplo, 'U'), *n, std::complex<R>(*alpha), x, *incx, a, *lda, true);
+  l2::syr(upper(uplo), *n, std::complex<R>(*alpha), x, *incx, a, *lda, true);
 }
 template <class T, bool kHerm>
 void syr2(const char *uplo, const int *n, const T *alpha, const T *x, const int *incx, const T *y,
           const int *incy, T *a, const int *lda) {
-  l2::syr2(is(*uplo, 'U'), *n, *alpha, x, *incx, y, *incy, a, *lda, kHerm);
+  l2::syr2(upper(uplo), *n, *alpha, x, *incx, y, *incy, a, *lda, kHerm);
 }
 template <class T>
 void trmv(const char *uplo, const char *trans, const char *diag, const int *n, const T *a,
           const int *lda, T *x, const int *incx) {
-  l2::trmv(is(*uplo, 'U'), l2::trans_of(*trans), is(*diag, 'U'), *n, a, *lda, x, *incx);
+  l2::trmv(upper(uplo), option<Op>(*trans), unit(diag), *n, a, *lda, x, *incx);
 }
 template <class T>
 void trsv(const char *uplo, const char *trans, const char *diag, const int *n, const T *a,
           const int *lda, T *x, const int *incx) {
-  l2::trsv(is(*uplo, 'U'), l2::trans_of(*trans), is(*diag, 'U'), *n, a, *lda, x, *incx);
+  l2::trsv(upper(uplo), option<Op>(*trans), unit(diag), *n, a, *lda, x, *incx);
 }
 
 // ZSYR follows the LAPACK convention: it reports an illegal argument through
@@ -68,7 +79,7 @@ void zsyr(const char *uplo, const int *n, const c16 *alpha, const c16 *x, const 
   const void *args[] = {uplo, n, alpha, x, incx, a, lda};
   const int info = orb::check::first_failure(orb::check::kZsyr, args, 7);
   if (info != 0) return orb::report(orb::check::kZsyr.name, &info, 6);
-  l2::syr(is(*uplo, 'U'), *n, *alpha, x, *incx, a, *lda, false);
+  l2::syr(upper(uplo), *n, *alpha, x, *incx, a, *lda, false);
 }
 
 }  // namespace

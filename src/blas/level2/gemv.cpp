@@ -38,11 +38,11 @@ namespace {
 // in `rs` when strided; the column-side vector in `cs`, once for all when cb
 // covers every column, per block otherwise.
 template <class T>
-void blocks(int trans, int m, int n, T alpha, const T *a, int lda, Vec<const T> x, Vec<T> y, T *rs,
+void blocks(Op trans, int m, int n, T alpha, const T *a, int lda, Vec<const T> x, Vec<T> y, T *rs,
             int rb, T *cs, int cb) {
   Kernels<T> &k = kernels<T>();
-  const bool notrans = trans == kNoTrans;
-  const bool conj = trans == kConjTrans;
+  const bool notrans = trans == Op::kNone;
+  const bool conj = trans == Op::kConjTrans;
   const bool once = cb >= n;
   // Column side: x (read) for op(A) = A, y (updated) otherwise.
   const bool col_strided = notrans ? x.inc != 1 : y.inc != 1;
@@ -85,11 +85,11 @@ void blocks(int trans, int m, int n, T alpha, const T *a, int lda, Vec<const T> 
 }  // namespace
 
 template <class T>
-void gemv_update(int trans, int m, int n, T alpha, const T *a, int lda, Vec<const T> x, Vec<T> y) {
+void gemv_update(Op trans, int m, int n, T alpha, const T *a, int lda, Vec<const T> x, Vec<T> y) {
   if (m <= 0 || n <= 0) return;
   const int rb = std::min(m, row_block<T>());
-  const bool row_strided = trans == kNoTrans ? y.inc != 1 : x.inc != 1;
-  const bool col_strided = trans == kNoTrans ? x.inc != 1 : y.inc != 1;
+  const bool row_strided = trans == Op::kNone ? y.inc != 1 : x.inc != 1;
+  const bool col_strided = trans == Op::kNone ? x.inc != 1 : y.inc != 1;
   if (!row_strided && !col_strided)
     return blocks<T>(trans, m, n, alpha, a, lda, x, y, nullptr, rb, nullptr, n);
   // Long strided vectors are copied to one work buffer: the row block,
@@ -110,20 +110,20 @@ void gemv_update(int trans, int m, int n, T alpha, const T *a, int lda, Vec<cons
 }
 
 template <class T>
-void gemv(int trans, int m, int n, T alpha, const T *a, int lda, const T *x, int incx, T beta, T *y,
+void gemv(Op trans, int m, int n, T alpha, const T *a, int lda, const T *x, int incx, T beta, T *y,
           int incy) {
   if (m == 0 || n == 0 || (alpha == T(0) && beta == T(1))) return;
-  const int lenx = trans == kNoTrans ? n : m;
-  const int leny = trans == kNoTrans ? m : n;
+  const int lenx = trans == Op::kNone ? n : m;
+  const int leny = trans == Op::kNone ? m : n;
   const Vec<T> yv = vec(y, leny, incy);
   scale(leny, beta, yv);
   if (alpha == T(0)) return;
   gemv_update(trans, m, n, alpha, a, lda, vec(x, lenx, incx), yv);
 }
 
-#define ORB_LEVEL2_GEMV(T)                                                              \
-  template void gemv_update<T>(int, int, int, T, const T *, int, Vec<const T>, Vec<T>); \
-  template void gemv<T>(int, int, int, T, const T *, int, const T *, int, T, T *, int);
+#define ORB_LEVEL2_GEMV(T)                                                             \
+  template void gemv_update<T>(Op, int, int, T, const T *, int, Vec<const T>, Vec<T>); \
+  template void gemv<T>(Op, int, int, T, const T *, int, const T *, int, T, T *, int);
 ORB_LEVEL2_GEMV(float)
 ORB_LEVEL2_GEMV(double)
 ORB_LEVEL2_GEMV(c8)

@@ -12,29 +12,16 @@
 #include <cstdint>
 
 #include "blas/kernel/level2.h"
-#include "blas/scalar.h"
+#include "common/options.h"
+#include "common/scalar.h"
 #include "service/dispatch.h"
 #include "service/memory.h"
 
 namespace orb::blas::level2 {
 
-using c8 = std::complex<float>;
-using c16 = std::complex<double>;
-
-// op(A): A, A^T or A^H.
-enum Trans : int { kNoTrans = 0, kTrans = 1, kConjTrans = 2 };
-
-inline int trans_of(char c) {
-  c = static_cast<char>(c >= 'a' && c <= 'z' ? c - 32 : c);
-  return c == 'N' ? kNoTrans : c == 'T' ? kTrans : kConjTrans;
-}
-inline bool is(char c, char upper_case) {
-  return c == upper_case || c == upper_case + 32;
-}
-
 // y := alpha op(A) x + beta y, A m by n.
 template <class T>
-void gemv(int trans, int m, int n, T alpha, const T *a, int lda, const T *x, int incx, T beta, T *y,
+void gemv(Op trans, int m, int n, T alpha, const T *a, int lda, const T *x, int incx, T beta, T *y,
           int incy);
 // A := alpha x y^T + A, or alpha x y^H + A when conj is set.
 template <class T>
@@ -57,9 +44,9 @@ void syr2(bool upper, int n, T alpha, const T *x, int incx, const T *y, int incy
 // x := op(A) x and x := op(A)^-1 x, A triangular (unit: its diagonal is taken
 // as ones and not read).
 template <class T>
-void trmv(bool upper, int trans, bool unit, int n, const T *a, int lda, T *x, int incx);
+void trmv(bool upper, Op trans, bool unit, int n, const T *a, int lda, T *x, int incx);
 template <class T>
-void trsv(bool upper, int trans, bool unit, int n, const T *a, int lda, T *x, int incx);
+void trsv(bool upper, Op trans, bool unit, int n, const T *a, int lda, T *x, int incx);
 
 // ---- pieces shared by the drivers ------------------------------------------------
 
@@ -108,17 +95,6 @@ void scatter(const T *in, std::int64_t n, Vec<T> v) {
   for (std::int64_t i = 0; i < n; ++i) v[i] = in[i];
 }
 
-// Conjugates and real parts for either kind of scalar (mul and conj_if are in
-// blas/scalar.h).
-template <class T>
-T real_part(T x) {
-  return x;
-}
-template <class R>
-std::complex<R> real_part(std::complex<R> x) {
-  return {x.real(), R(0)};
-}
-
 // y := beta y, y set to zero without being read when beta is zero; nothing
 // when beta is one.
 template <class T>
@@ -140,7 +116,7 @@ void scale(int n, T beta, Vec<T> y) {
 // y += alpha op(A) x on strided vectors (the part of gemv after beta), by row
 // blocks that keep the row-side vector in the first-level cache.
 template <class T>
-void gemv_update(int trans, int m, int n, T alpha, const T *a, int lda, Vec<const T> x, Vec<T> y);
+void gemv_update(Op trans, int m, int n, T alpha, const T *a, int lda, Vec<const T> x, Vec<T> y);
 
 // Vector elements copied per block when no work buffer can be had.
 constexpr int kStackBlock = 256;

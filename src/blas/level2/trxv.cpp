@@ -14,16 +14,16 @@ constexpr int kTriBlock = 32;
 
 // x := op(A) x for a diagonal block of nb columns (x contiguous).
 template <class T>
-void multiply_block(bool upper, int trans, bool unit, int nb, const T *a, int lda, T *x) {
-  const bool conj = trans == kConjTrans;
+void multiply_block(bool upper, Op trans, bool unit, int nb, const T *a, int lda, T *x) {
+  const bool conj = trans == Op::kConjTrans;
   auto at = [&](int i, int j) { return conj_if(a[i + std::int64_t{j} * lda], conj); };
-  if (trans == kNoTrans && upper) {
+  if (trans == Op::kNone && upper) {
     for (int j = 0; j < nb; ++j) {
       const T t = x[j];
       for (int i = 0; i < j; ++i) x[i] += mul(t, at(i, j));
       if (!unit) x[j] = mul(x[j], at(j, j));
     }
-  } else if (trans == kNoTrans) {
+  } else if (trans == Op::kNone) {
     for (int j = nb - 1; j >= 0; --j) {
       const T t = x[j];
       for (int i = nb - 1; i > j; --i) x[i] += mul(t, at(i, j));
@@ -46,16 +46,16 @@ void multiply_block(bool upper, int trans, bool unit, int nb, const T *a, int ld
 
 // x := op(A)^-1 x for a diagonal block.
 template <class T>
-void solve_block(bool upper, int trans, bool unit, int nb, const T *a, int lda, T *x) {
-  const bool conj = trans == kConjTrans;
+void solve_block(bool upper, Op trans, bool unit, int nb, const T *a, int lda, T *x) {
+  const bool conj = trans == Op::kConjTrans;
   auto at = [&](int i, int j) { return conj_if(a[i + std::int64_t{j} * lda], conj); };
-  if (trans == kNoTrans && upper) {
+  if (trans == Op::kNone && upper) {
     for (int j = nb - 1; j >= 0; --j) {
       if (!unit) x[j] = x[j] / at(j, j);
       const T t = x[j];
       for (int i = j - 1; i >= 0; --i) x[i] -= mul(t, at(i, j));
     }
-  } else if (trans == kNoTrans) {
+  } else if (trans == Op::kNone) {
     for (int j = 0; j < nb; ++j) {
       if (!unit) x[j] = x[j] / at(j, j);
       const T t = x[j];
@@ -80,8 +80,8 @@ void solve_block(bool upper, int trans, bool unit, int nb, const T *a, int lda, 
 // triangle for upper, below for lower) meets the vector through gemv_update,
 // ordered so that it always reads the values the published loops would.
 template <class T>
-void blocked(bool solve, bool upper, int trans, bool unit, int n, const T *a, int lda, Vec<T> x) {
-  const bool notrans = trans == kNoTrans;
+void blocked(bool solve, bool upper, Op trans, bool unit, int n, const T *a, int lda, Vec<T> x) {
+  const bool notrans = trans == Op::kNone;
   // The multiply runs down the columns for A x with upper and A^T x with
   // lower; the solve the other way.
   const bool ascending = (notrans == upper) != solve;
@@ -111,7 +111,7 @@ void blocked(bool solve, bool upper, int trans, bool unit, int n, const T *a, in
     const bool triangle_first = notrans == solve;
     if (triangle_first) diagonal();
     if (notrans)
-      gemv_update(kNoTrans, rn, nb, coef, rect, lda, cvec(x.sub(j0)), x.sub(r0));
+      gemv_update(Op::kNone, rn, nb, coef, rect, lda, cvec(x.sub(j0)), x.sub(r0));
     else
       gemv_update(trans, rn, nb, coef, rect, lda, cvec(x.sub(r0)), x.sub(j0));
     if (!triangle_first) diagonal();
@@ -119,7 +119,7 @@ void blocked(bool solve, bool upper, int trans, bool unit, int n, const T *a, in
 }
 
 template <class T>
-void triangular(bool solve, bool upper, int trans, bool unit, int n, const T *a, int lda, T *x,
+void triangular(bool solve, bool upper, Op trans, bool unit, int n, const T *a, int lda, T *x,
                 int incx) {
   if (n == 0) return;
   const Vec<T> xv = vec(x, n, incx);
@@ -135,18 +135,18 @@ void triangular(bool solve, bool upper, int trans, bool unit, int n, const T *a,
 }  // namespace
 
 template <class T>
-void trmv(bool upper, int trans, bool unit, int n, const T *a, int lda, T *x, int incx) {
+void trmv(bool upper, Op trans, bool unit, int n, const T *a, int lda, T *x, int incx) {
   triangular(false, upper, trans, unit, n, a, lda, x, incx);
 }
 
 template <class T>
-void trsv(bool upper, int trans, bool unit, int n, const T *a, int lda, T *x, int incx) {
+void trsv(bool upper, Op trans, bool unit, int n, const T *a, int lda, T *x, int incx) {
   triangular(true, upper, trans, unit, n, a, lda, x, incx);
 }
 
-#define ORB_LEVEL2_TRXV(T)                                               \
-  template void trmv<T>(bool, int, bool, int, const T *, int, T *, int); \
-  template void trsv<T>(bool, int, bool, int, const T *, int, T *, int);
+#define ORB_LEVEL2_TRXV(T)                                              \
+  template void trmv<T>(bool, Op, bool, int, const T *, int, T *, int); \
+  template void trsv<T>(bool, Op, bool, int, const T *, int, T *, int);
 ORB_LEVEL2_TRXV(float)
 ORB_LEVEL2_TRXV(double)
 ORB_LEVEL2_TRXV(c8)

@@ -6,11 +6,10 @@
 #include <complex>
 
 #include "blas/kernel/gemm.h"
+#include "common/options.h"
+#include "common/scalar.h"
 
 namespace orb::blas {
-
-using c8 = std::complex<float>;
-using c16 = std::complex<double>;
 
 // ---- the serial kernel ---------------------------------------------------------
 
@@ -40,7 +39,7 @@ void sgemm_wide_params(const int *m, const int *n, const int *k, const int *nt, 
 
 // The other precisions' serial kernels.
 template <class T>
-void gemm_serial(int ta, int tb, int m, int n, int k, T alpha, const T *a, int lda, const T *b,
+void gemm_serial(Op ta, Op tb, int m, int n, int k, T alpha, const T *a, int lda, const T *b,
                  int ldb, T beta, T *c, int ldc);
 
 // The packed kernel and blocking the serial GEMM of T uses for large products

@@ -9,15 +9,9 @@
 #include <cstdint>
 
 #include "blas/kernel/gemm.h"
-#include "blas/scalar.h"
+#include "common/scalar.h"
 
 namespace orb::blas {
-
-// Transpose codes: 0 op(X) = X, 1 op(X) = X^T, 2 op(X) = X^H (real: as 1).
-inline int trans_code(char c) {
-  if (c == 'N' || c == 'n') return 0;
-  return (c == 'C' || c == 'c') ? 2 : 1;
-}
 
 inline int round_up(int x, int to) {
   return (x + to - 1) / to * to;
@@ -39,11 +33,11 @@ void scale_c(int m, int n, T beta, T *c, int ldc) {
 // Packs rows [i0, i0 + mb) and columns [p0, p0 + kb) of op(A) into slivers of
 // mr rows, zero-padded to a whole sliver.
 template <class T>
-void pack_a(int ta, const T *a, int lda, int i0, int p0, int mb, int kb, int mr, T *dst) {
-  const bool conj = ta == 2;
+void pack_a(Op ta, const T *a, int lda, int i0, int p0, int mb, int kb, int mr, T *dst) {
+  const bool conj = ta == Op::kConjTrans;
   for (int is = 0; is < mb; is += mr) {
     const int rows = std::min(mr, mb - is);
-    if (ta == 0) {
+    if (ta == Op::kNone) {
       const T *src = a + (i0 + is) + std::int64_t{p0} * lda;
       for (int p = 0; p < kb; ++p, src += lda, dst += mr) {
         int i = 0;
@@ -65,11 +59,11 @@ void pack_a(int ta, const T *a, int lda, int i0, int p0, int mb, int kb, int mr,
 // Packs rows [p0, p0 + kb) and columns [j0, j0 + nb) of op(B) into slivers of
 // nr columns, zero-padded to a whole sliver.
 template <class T>
-void pack_b(int tb, const T *b, int ldb, int p0, int j0, int kb, int nb, int nr, T *dst) {
-  const bool conj = tb == 2;
+void pack_b(Op tb, const T *b, int ldb, int p0, int j0, int kb, int nb, int nr, T *dst) {
+  const bool conj = tb == Op::kConjTrans;
   for (int js = 0; js < nb; js += nr) {
     const int cols = std::min(nr, nb - js);
-    if (tb == 0) {
+    if (tb == Op::kNone) {
       for (int j = 0; j < cols; ++j) {
         const T *src = b + p0 + std::int64_t{j0 + js + j} * ldb;
         for (int p = 0; p < kb; ++p) dst[p * nr + j] = src[p];
@@ -180,7 +174,7 @@ std::int64_t packed_b_size(const kernel::GemmShape<T> &s) {
 // the elements the mask keeps; blocks of rows it wholly leaves out are
 // neither packed nor multiplied.
 template <class T, class Mask = WholeBlock>
-void gemm_packed(const kernel::GemmShape<T> &s, int ta, int tb, int m, int n, int k, T alpha,
+void gemm_packed(const kernel::GemmShape<T> &s, Op ta, Op tb, int m, int n, int k, T alpha,
                  const T *a, int lda, const T *b, int ldb, T beta, T *c, int ldc, T *abuf, T *bbuf,
                  const Mask &mask = {}) {
   if (m <= 0 || n <= 0) return;
@@ -213,7 +207,7 @@ void gemm_packed(const kernel::GemmShape<T> &s, int ta, int tb, int m, int n, in
 // into the shared buffer together (sliver by sliver), waits for it, and then
 // each member multiplies its rows by it. `barrier` synchronises the team.
 template <class T, class Barrier>
-void gemm_packed_team(const kernel::GemmShape<T> &s, int ta, int tb, int m, int n, int k, T alpha,
+void gemm_packed_team(const kernel::GemmShape<T> &s, Op ta, Op tb, int m, int n, int k, T alpha,
                       const T *a, int lda, const T *b, int ldb, T beta, T *c, int ldc, int row0,
                       int rows, T *abuf, T *shared_b, int member, int team, Barrier barrier) {
   if (m <= 0 || n <= 0) return;

@@ -9,8 +9,8 @@
 
 namespace {
 
-using orb::blas::c16;
-using orb::blas::c8;
+using orb::c16;
+using orb::c8;
 using orb::blas::cx;
 
 }  // namespace

@@ -26,7 +26,7 @@ int blas_threads() {
 }
 
 bool is_n(const char *t) {
-  return *t == 'N' || *t == 'n';
+  return option<Op>(*t) == Op::kNone;
 }
 
 // How each precision runs one piece of the product on the calling thread.
@@ -34,7 +34,7 @@ template <class T>
 struct Serial {
   static void run(const char *ta, const char *tb, int m, int n, int k, const T *alpha, const T *a,
                   int lda, const T *b, int ldb, const T *beta, T *c, int ldc) {
-    gemm_serial<T>(trans_code(*ta), trans_code(*tb), m, n, k, *alpha, a, lda, b, ldb, *beta, c,
+    gemm_serial<T>(option<Op>(*ta), option<Op>(*tb), m, n, k, *alpha, a, lda, b, ldb, *beta, c,
                    ldc);
   }
 };

@@ -58,7 +58,8 @@ constexpr int kBufferAlignment = 128;
 
 // The published argument list, read.
 struct Args {
-  int ta, tb, m, n, k;
+  Op ta, tb;
+  int m, n, k;
   float alpha;
   const float *a;
   int lda;
@@ -72,8 +73,8 @@ struct Args {
 Args read(const char *transa, const char *transb, const int *m, const int *n, const int *k,
           const float *alpha, const float *a, const int *lda, const float *b, const int *ldb,
           const float *beta, float *c, const int *ldc) {
-  return {trans_code(*transa),
-          trans_code(*transb),
+  return {option<Op>(*transa),
+          option<Op>(*transb),
           *m,
           *n,
           *k,
@@ -90,7 +91,7 @@ Args read(const char *transa, const char *transb, const int *m, const int *n, co
 // The blocked kernel with packing buffers from the memory manager; without
 // them the product is still computed, directly.
 template <class T>
-void packed_or_direct(const GemmShape<T> &s, kernel::GemmDirect<T> direct, int ta, int tb, int m,
+void packed_or_direct(const GemmShape<T> &s, kernel::GemmDirect<T> direct, Op ta, Op tb, int m,
                       int n, int k, T alpha, const T *a, int lda, const T *b, int ldb, T beta, T *c,
                       int ldc) {
   mem::Buffer<T> abuf(packed_a_size(s), kBufferAlignment);
@@ -143,7 +144,7 @@ void serial_type23(const SseKernels &kern, const Args &x) {
     scale_c(x.m, x.n, x.beta, x.c, x.ldc);
     return;
   }
-  if (choose_path23(x.ta == 0, x.tb == 0, x.m, x.n, x.k) == Path23::kDirect) {
+  if (choose_path23(x.ta == Op::kNone, x.tb == Op::kNone, x.m, x.n, x.k) == Path23::kDirect) {
     kern.direct(x.ta, x.tb, x.m, x.n, x.k, x.alpha, x.a, x.lda, x.b, x.ldb, x.beta, x.c, x.ldc);
     return;
   }
@@ -191,7 +192,7 @@ GemmShape<float> shape45(const SseKernels &sse, Kernel45 which) {
 // kernel, which forms the same sums as the packed kernel. The rule looks only
 // at op(A) and n, which every slab of a split product shares.
 bool thin(const Args &x) {
-  return wide_fma() && x.ta == 0 && x.n <= 8 && x.alpha != 0.0f;
+  return wide_fma() && x.ta == Op::kNone && x.n <= 8 && x.alpha != 0.0f;
 }
 #endif
 
@@ -273,7 +274,7 @@ void packed45(const PackedArgs &p) {
 #pragma omp barrier
                    });
   if (!own && p.rows > 0) {
-    const float *a_rows = x.ta == 0 ? x.a + p.row0 : x.a + std::int64_t{p.row0} * x.lda;
+    const float *a_rows = x.ta == Op::kNone ? x.a + p.row0 : x.a + std::int64_t{p.row0} * x.lda;
     sse.direct(x.ta, x.tb, p.rows, x.n, x.k, x.alpha, a_rows, x.lda, x.b, x.ldb, 1.0f, x.c + p.row0,
                x.ldc);
   }
@@ -389,7 +390,7 @@ template GemmShape<c8> packed_shape<c8>();
 template GemmShape<c16> packed_shape<c16>();
 
 template <class T>
-void gemm_serial(int ta, int tb, int m, int n, int k, T alpha, const T *a, int lda, const T *b,
+void gemm_serial(Op ta, Op tb, int m, int n, int k, T alpha, const T *a, int lda, const T *b,
                  int ldb, T beta, T *c, int ldc) {
   if (m <= 0 || n <= 0) return;
   if (k <= 0 || alpha == T(0)) {
@@ -400,11 +401,11 @@ void gemm_serial(int ta, int tb, int m, int n, int k, T alpha, const T *a, int l
                       a, lda, b, ldb, beta, c, ldc);
 }
 
-template void gemm_serial<double>(int, int, int, int, int, double, const double *, int,
+template void gemm_serial<double>(Op, Op, int, int, int, double, const double *, int,
                                   const double *, int, double, double *, int);
-template void gemm_serial<c8>(int, int, int, int, int, c8, const c8 *, int, const c8 *, int, c8,
-                              c8 *, int);
-template void gemm_serial<c16>(int, int, int, int, int, c16, const c16 *, int, const c16 *, int,
-                               c16, c16 *, int);
+template void gemm_serial<c8>(Op, Op, int, int, int, c8, const c8 *, int, const c8 *, int, c8, c8 *,
+                              int);
+template void gemm_serial<c16>(Op, Op, int, int, int, c16, const c16 *, int, const c16 *, int, c16,
+                               c16 *, int);
 
 }  // namespace orb::blas

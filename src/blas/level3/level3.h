@@ -12,16 +12,15 @@
 // kernels always pack (types 0, 4 and 5).
 //
 // Arguments are values, already checked (the exported entries run the
-// reference checks first). Transpose codes are those of gemm_serial: 0 none,
-// 1 transpose, 2 conjugate transpose (as 1 for real data).
+// reference checks first), with the options decoded (common/options.h).
 #pragma once
 
 #include <complex>
 
-namespace orb::blas {
+#include "common/options.h"
+#include "common/scalar.h"
 
-using c8 = std::complex<float>;
-using c16 = std::complex<double>;
+namespace orb::blas {
 
 // C := alpha A B + beta C (left) or alpha B A + beta C (right), A symmetric,
 // or Hermitian when `herm` is set (the imaginary parts of its diagonal are
@@ -34,26 +33,26 @@ void symm_serial(bool left, bool upper, bool herm, int m, int n, T alpha, const 
                  const T *b, int ldb, T beta, T *c, int ldc);
 
 // The `upper` or lower triangle of the n-by-n C:
-//   trans 0:  C := alpha A op(A) + beta C            (A n by k)
+//   Op::kNone: C := alpha A op(A) + beta C            (A n by k)
 //   else:     C := alpha op(A) A + beta C            (A k by n)
 // with op the transpose, or the conjugate transpose when `herm` is set (then
 // alpha and beta are real, and the diagonal of C comes out real).
 template <class T>
-void syrk_omp(bool upper, int trans, bool herm, int n, int k, T alpha, const T *a, int lda, T beta,
+void syrk_omp(bool upper, Op trans, bool herm, int n, int k, T alpha, const T *a, int lda, T beta,
               T *c, int ldc);
 template <class T>
-void syrk_serial(bool upper, int trans, bool herm, int n, int k, T alpha, const T *a, int lda,
+void syrk_serial(bool upper, Op trans, bool herm, int n, int k, T alpha, const T *a, int lda,
                  T beta, T *c, int ldc);
 
 // The `upper` or lower triangle of the n-by-n C:
-//   trans 0:  C := alpha A op(B) + alpha' B op(A) + beta C
+//   Op::kNone: C := alpha A op(B) + alpha' B op(A) + beta C
 //   else:     C := alpha op(A) B + alpha' op(B) A + beta C
 // alpha' being alpha, or its conjugate when `herm` is set (then beta is real).
 template <class T>
-void syr2k_omp(bool upper, int trans, bool herm, int n, int k, T alpha, const T *a, int lda,
+void syr2k_omp(bool upper, Op trans, bool herm, int n, int k, T alpha, const T *a, int lda,
                const T *b, int ldb, T beta, T *c, int ldc);
 template <class T>
-void syr2k_serial(bool upper, int trans, bool herm, int n, int k, T alpha, const T *a, int lda,
+void syr2k_serial(bool upper, Op trans, bool herm, int n, int k, T alpha, const T *a, int lda,
                   const T *b, int ldb, T beta, T *c, int ldc);
 
 // A triangular operand: which side it multiplies from, which triangle of A is
@@ -61,7 +60,7 @@ void syr2k_serial(bool upper, int trans, bool herm, int n, int k, T alpha, const
 struct Triangular {
   bool left;
   bool upper;
-  int trans;
+  Op trans;
   bool unit;
 };
 

@@ -16,34 +16,16 @@
 namespace orb::blas {
 
 // C := alpha op(A) op(B) + beta C on the calling thread, in the serial kernel
-// of T's precision (transpose codes 0, 1, 2).
+// of T's precision.
 template <class T>
-inline void gemm_here(int ta, int tb, int m, int n, int k, T alpha, const T *a, int lda, const T *b,
+inline void gemm_here(Op ta, Op tb, int m, int n, int k, T alpha, const T *a, int lda, const T *b,
                       int ldb, T beta, T *c, int ldc) {
   if constexpr (std::is_same_v<T, float>) {
-    static constexpr char kCodes[] = {'N', 'T', 'C'};
-    sgemm_serial(&kCodes[ta], &kCodes[tb], &m, &n, &k, &alpha, a, &lda, b, &ldb, &beta, c, &ldc);
+    const char cta = letter(ta), ctb = letter(tb);
+    sgemm_serial(&cta, &ctb, &m, &n, &k, &alpha, a, &lda, b, &ldb, &beta, c, &ldc);
   } else {
     gemm_serial<T>(ta, tb, m, n, k, alpha, a, lda, b, ldb, beta, c, ldc);
   }
-}
-
-template <class T>
-inline T conj_of(T x) {
-  return x;
-}
-template <class R>
-inline std::complex<R> conj_of(std::complex<R> x) {
-  return std::conj(x);
-}
-
-template <class T>
-inline T real_part(T x) {
-  return x;
-}
-template <class R>
-inline std::complex<R> real_part(std::complex<R> x) {
-  return std::complex<R>(x.real(), R(0));
 }
 
 inline std::int64_t at(int i, int j, int ld) {

@@ -11,13 +11,25 @@
 
 namespace {
 
-using orb::blas::c16;
-using orb::blas::c8;
+using orb::c16;
+using orb::c8;
 using orb::blas::cx;
 using orb::blas::Triangular;
 
-bool is(const char *option, char c) {
-  return orb::check::upper(*option) == c;
+using orb::Diag;
+using orb::Op;
+using orb::option;
+using orb::Side;
+using orb::Uplo;
+
+bool left(const char *side) {
+  return option<Side>(*side) == Side::kLeft;
+}
+bool upper(const char *uplo) {
+  return option<Uplo>(*uplo) == Uplo::kUpper;
+}
+bool unit(const char *diag) {
+  return option<Diag>(*diag) == Diag::kUnit;
 }
 
 // The published argument lists, read and passed on. Herm: the Hermitian form.
@@ -26,8 +38,8 @@ template <class T, bool Herm>
 void symm(const char *side, const char *uplo, const int *m, const int *n, const T *alpha,
           const T *a, const int *lda, const T *b, const int *ldb, const T *beta, T *c,
           const int *ldc) {
-  orb::blas::symm_omp<T>(is(side, 'L'), is(uplo, 'U'), Herm, *m, *n, *alpha, a, *lda, b, *ldb,
-                         *beta, c, *ldc);
+  orb::blas::symm_omp<T>(left(side), upper(uplo), Herm, *m, *n, *alpha, a, *lda, b, *ldb, *beta, c,
+                         *ldc);
 }
 
 // Scalar: the type of alpha (rank-k) and beta (both); real for Hermitian.
@@ -35,8 +47,8 @@ template <class T, class Scalar>
 void syrk(const char *uplo, const char *trans, const int *n, const int *k, const Scalar *alpha,
           const T *a, const int *lda, const Scalar *beta, T *c, const int *ldc) {
   constexpr bool herm = !std::is_same_v<T, Scalar>;
-  orb::blas::syrk_omp<T>(is(uplo, 'U'), orb::blas::trans_code(*trans), herm, *n, *k, T(*alpha), a,
-                         *lda, T(*beta), c, *ldc);
+  orb::blas::syrk_omp<T>(upper(uplo), option<Op>(*trans), herm, *n, *k, T(*alpha), a, *lda,
+                         T(*beta), c, *ldc);
 }
 
 template <class T, class Beta>
@@ -44,12 +56,12 @@ void syr2k(const char *uplo, const char *trans, const int *n, const int *k, cons
            const T *a, const int *lda, const T *b, const int *ldb, const Beta *beta, T *c,
            const int *ldc) {
   constexpr bool herm = !std::is_same_v<T, Beta>;
-  orb::blas::syr2k_omp<T>(is(uplo, 'U'), orb::blas::trans_code(*trans), herm, *n, *k, *alpha, a,
-                          *lda, b, *ldb, T(*beta), c, *ldc);
+  orb::blas::syr2k_omp<T>(upper(uplo), option<Op>(*trans), herm, *n, *k, *alpha, a, *lda, b, *ldb,
+                          T(*beta), c, *ldc);
 }
 
 Triangular triangular(const char *side, const char *uplo, const char *transa, const char *diag) {
-  return Triangular{is(side, 'L'), is(uplo, 'U'), orb::blas::trans_code(*transa), is(diag, 'U')};
+  return Triangular{left(side), upper(uplo), option<Op>(*transa), unit(diag)};
 }
 
 template <class T>

@@ -50,7 +50,7 @@ void expand(const Symm<T> &s, int r0, int rn, int c0, int cn, T *w) {
         wj[i] = s.a[at(row, col, s.lda)];
       } else {
         const T x = s.a[at(col, row, s.lda)];
-        wj[i] = s.herm ? conj_of(x) : x;
+        wj[i] = s.herm ? conj(x) : x;
       }
     }
   }
@@ -67,7 +67,7 @@ void multiply(const Symm<T> &s, int i0, int mi, int j0, int nj, int blk, T *w) {
       for (int p = 0; p < s.m; p += blk) {
         const int pb = std::min(blk, s.m - p);
         expand(s, i0 + ic, ib, p, pb, w);
-        gemm_here(0, 0, ib, nj, pb, s.alpha, w, ib, s.b + at(p, j0, s.ldb), s.ldb,
+        gemm_here(Op::kNone, Op::kNone, ib, nj, pb, s.alpha, w, ib, s.b + at(p, j0, s.ldb), s.ldb,
                   p == 0 ? s.beta : T(1), cb + ic, s.ldc);
       }
     }
@@ -77,7 +77,7 @@ void multiply(const Symm<T> &s, int i0, int mi, int j0, int nj, int blk, T *w) {
       for (int p = 0; p < s.n; p += blk) {
         const int pb = std::min(blk, s.n - p);
         expand(s, p, pb, j0 + jc, jb, w);
-        gemm_here(0, 0, mi, jb, pb, s.alpha, s.b + at(i0, p, s.ldb), s.ldb, w, pb,
+        gemm_here(Op::kNone, Op::kNone, mi, jb, pb, s.alpha, s.b + at(i0, p, s.ldb), s.ldb, w, pb,
                   p == 0 ? s.beta : T(1), cb + at(0, jc, s.ldc), s.ldc);
       }
     }

@@ -21,7 +21,7 @@ constexpr int kBufferAlignment = 128;
 template <class T>
 struct Update {
   bool upper;
-  int trans;
+  Op trans;
   bool herm;
   int n, k;
   T alpha;
@@ -42,20 +42,20 @@ struct Packing {
   mem::Buffer<T> b{packed_b_size(shape), kBufferAlignment};
 };
 
-// Rows [r0, r0 + rn) by columns [c0, c0 + cn) of coef X op(Y) (trans 0) or
+// Rows [r0, r0 + rn) by columns [c0, c0 + cn) of coef X op(Y) (no transpose) or
 // coef op(X) Y with beta, inside the triangle only.
 template <class T>
 void product(const Update<T> &u, Packing<T> &p, T coef, const T *x, int ldx, const T *y, int ldy,
              int r0, int rn, int c0, int cn, T beta) {
-  const int t = u.herm ? 2 : 1;
+  const Op t = u.herm ? Op::kConjTrans : Op::kTrans;
   const TriangleOf mask{u.upper, c0 - r0};
   T *cb = u.c + at(r0, c0, u.ldc);
-  if (u.trans == 0)
-    gemm_packed(p.shape, 0, t, rn, cn, u.k, coef, x + r0, ldx, y + c0, ldy, beta, cb, u.ldc,
+  if (u.trans == Op::kNone)
+    gemm_packed(p.shape, Op::kNone, t, rn, cn, u.k, coef, x + r0, ldx, y + c0, ldy, beta, cb, u.ldc,
                 p.a.get(), p.b.get(), mask);
   else
-    gemm_packed(p.shape, t, 0, rn, cn, u.k, coef, x + at(0, r0, ldx), ldx, y + at(0, c0, ldy), ldy,
-                beta, cb, u.ldc, p.a.get(), p.b.get(), mask);
+    gemm_packed(p.shape, t, Op::kNone, rn, cn, u.k, coef, x + at(0, r0, ldx), ldx,
+                y + at(0, c0, ldy), ldy, beta, cb, u.ldc, p.a.get(), p.b.get(), mask);
 }
 
 // The same update one column at a time through the serial GEMM, for when
@@ -63,15 +63,15 @@ void product(const Update<T> &u, Packing<T> &p, T coef, const T *x, int ldx, con
 template <class T>
 void column_by_column(const Update<T> &u, T coef, const T *x, int ldx, const T *y, int ldy, int c0,
                       int c1, T beta) {
-  const int t = u.herm ? 2 : 1;
+  const Op t = u.herm ? Op::kConjTrans : Op::kTrans;
   for (int j = c0; j < c1; ++j) {
     const int r0 = u.upper ? 0 : j, rn = u.upper ? j + 1 : u.n - j;
     T *cj = u.c + at(r0, j, u.ldc);
-    if (u.trans == 0)
-      gemm_here(0, t, rn, 1, u.k, coef, x + r0, ldx, y + j, ldy, beta, cj, u.ldc);
+    if (u.trans == Op::kNone)
+      gemm_here(Op::kNone, t, rn, 1, u.k, coef, x + r0, ldx, y + j, ldy, beta, cj, u.ldc);
     else
-      gemm_here(t, 0, rn, 1, u.k, coef, x + at(0, r0, ldx), ldx, y + at(0, j, ldy), ldy, beta, cj,
-                u.ldc);
+      gemm_here(t, Op::kNone, rn, 1, u.k, coef, x + at(0, r0, ldx), ldx, y + at(0, j, ldy), ldy,
+                beta, cj, u.ldc);
   }
 }
 
@@ -93,7 +93,7 @@ void update_columns(const Update<T> &u, int c0, int c1) {
   const int r0 = u.upper ? 0 : c0, r1 = u.upper ? c1 : u.n;
   const T *y = u.b ? u.b : u.a;
   const int ldy = u.b ? u.ldb : u.lda;
-  const T alpha2 = u.herm ? conj_of(u.alpha) : u.alpha;
+  const T alpha2 = u.herm ? conj(u.alpha) : u.alpha;
   if (u.herm && u.beta != T(0)) real_diagonal(u, c0, c1);
   Packing<T> p;
   if (p.a && p.b) {
@@ -161,35 +161,35 @@ void update_omp(const Update<T> &u) {
 }  // namespace
 
 template <class T>
-void syrk_serial(bool upper, int trans, bool herm, int n, int k, T alpha, const T *a, int lda,
+void syrk_serial(bool upper, Op trans, bool herm, int n, int k, T alpha, const T *a, int lda,
                  T beta, T *c, int ldc) {
   update_serial(Update<T>{upper, trans, herm, n, k, alpha, a, lda, nullptr, 0, beta, c, ldc});
 }
 
 template <class T>
-void syrk_omp(bool upper, int trans, bool herm, int n, int k, T alpha, const T *a, int lda, T beta,
+void syrk_omp(bool upper, Op trans, bool herm, int n, int k, T alpha, const T *a, int lda, T beta,
               T *c, int ldc) {
   update_omp(Update<T>{upper, trans, herm, n, k, alpha, a, lda, nullptr, 0, beta, c, ldc});
 }
 
 template <class T>
-void syr2k_serial(bool upper, int trans, bool herm, int n, int k, T alpha, const T *a, int lda,
+void syr2k_serial(bool upper, Op trans, bool herm, int n, int k, T alpha, const T *a, int lda,
                   const T *b, int ldb, T beta, T *c, int ldc) {
   update_serial(Update<T>{upper, trans, herm, n, k, alpha, a, lda, b, ldb, beta, c, ldc});
 }
 
 template <class T>
-void syr2k_omp(bool upper, int trans, bool herm, int n, int k, T alpha, const T *a, int lda,
+void syr2k_omp(bool upper, Op trans, bool herm, int n, int k, T alpha, const T *a, int lda,
                const T *b, int ldb, T beta, T *c, int ldc) {
   update_omp(Update<T>{upper, trans, herm, n, k, alpha, a, lda, b, ldb, beta, c, ldc});
 }
 
-#define ORB_SYRK(T)                                                                                \
-  template void syrk_serial<T>(bool, int, bool, int, int, T, const T *, int, T, T *, int);         \
-  template void syrk_omp<T>(bool, int, bool, int, int, T, const T *, int, T, T *, int);            \
-  template void syr2k_serial<T>(bool, int, bool, int, int, T, const T *, int, const T *, int, T,   \
-                                T *, int);                                                         \
-  template void syr2k_omp<T>(bool, int, bool, int, int, T, const T *, int, const T *, int, T, T *, \
+#define ORB_SYRK(T)                                                                               \
+  template void syrk_serial<T>(bool, Op, bool, int, int, T, const T *, int, T, T *, int);         \
+  template void syrk_omp<T>(bool, Op, bool, int, int, T, const T *, int, T, T *, int);            \
+  template void syr2k_serial<T>(bool, Op, bool, int, int, T, const T *, int, const T *, int, T,   \
+                                T *, int);                                                        \
+  template void syr2k_omp<T>(bool, Op, bool, int, int, T, const T *, int, const T *, int, T, T *, \
                              int);
 ORB_SYRK(float)
 ORB_SYRK(c8)

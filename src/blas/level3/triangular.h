@@ -31,19 +31,19 @@ template <class T>
 struct OpA {
   const T *a;
   int lda;
-  int trans;
+  Op trans;
   bool upper;  // op(A) is upper triangular
   bool unit;
 
   // op(A)(i, j), for (i, j) inside the triangle.
   T operator()(int i, int j) const {
-    if (trans == 0) return a[at(i, j, lda)];
+    if (trans == Op::kNone) return a[at(i, j, lda)];
     const T x = a[at(j, i, lda)];
-    return trans == 2 ? conj_of(x) : x;
+    return trans == Op::kConjTrans ? conj(x) : x;
   }
   // op(A)(i0.., j0..) as a GEMM operand with transpose code `trans`.
   const T *block(int i0, int j0) const {
-    return trans == 0 ? a + at(i0, j0, lda) : a + at(j0, i0, lda);
+    return trans == Op::kNone ? a + at(i0, j0, lda) : a + at(j0, i0, lda);
   }
   // The diagonal block starting at (p, p).
   OpA diagonal(int p) const {
@@ -55,7 +55,7 @@ struct OpA {
 
 template <class T>
 OpA<T> op_of(const Triangular &t, const T *a, int lda) {
-  return OpA<T>{a, lda, t.trans, t.upper != (t.trans != 0), t.unit};
+  return OpA<T>{a, lda, t.trans, t.upper != (t.trans != Op::kNone), t.unit};
 }
 
 // op(A) of a diagonal block of order m <= kSmall, copied densely (column

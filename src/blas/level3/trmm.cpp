@@ -77,7 +77,8 @@ void left(const OpA<T> &t, int m, int n, T alpha, T *b, int ldb) {
     const int p = (t.upper ? s : blocks - 1 - s) * nb, pb = std::min(nb, m - p);
     const int r = t.upper ? 0 : p + pb, rn = t.upper ? p : m - p - pb;
     if (rn > 0)
-      gemm_here(t.trans, 0, rn, n, pb, alpha, t.block(r, p), t.lda, b + p, ldb, T(1), b + r, ldb);
+      gemm_here(t.trans, Op::kNone, rn, n, pb, alpha, t.block(r, p), t.lda, b + p, ldb, T(1), b + r,
+                ldb);
     left(t.diagonal(p), pb, n, alpha, b + p, ldb);
   }
 }
@@ -97,7 +98,7 @@ void right(const OpA<T> &t, int m, int n, T alpha, T *b, int ldb) {
     const int r = t.upper ? p + pb : 0, rn = t.upper ? n - p - pb : p;
     T *bp = b + at(0, p, ldb);
     if (rn > 0)
-      gemm_here(0, t.trans, m, rn, pb, alpha, bp, ldb, t.block(p, r), t.lda, T(1),
+      gemm_here(Op::kNone, t.trans, m, rn, pb, alpha, bp, ldb, t.block(p, r), t.lda, T(1),
                 b + at(0, r, ldb), ldb);
     right(t.diagonal(p), m, pb, alpha, bp, ldb);
   }

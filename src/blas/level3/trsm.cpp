@@ -162,7 +162,8 @@ void left(const OpA<T> &t, int m, int n, T alpha, T *b, int ldb) {
     left(t.diagonal(p), pb, n, scale, b + p, ldb);
     const int r = t.upper ? 0 : p + pb, rn = t.upper ? p : m - p - pb;
     if (rn > 0)
-      gemm_here(t.trans, 0, rn, n, pb, T(-1), t.block(r, p), t.lda, b + p, ldb, scale, b + r, ldb);
+      gemm_here(t.trans, Op::kNone, rn, n, pb, T(-1), t.block(r, p), t.lda, b + p, ldb, scale,
+                b + r, ldb);
   }
 }
 
@@ -182,7 +183,7 @@ void right(const OpA<T> &t, int m, int n, T alpha, T *b, int ldb) {
     right(t.diagonal(p), m, pb, scale, bp, ldb);
     const int r = t.upper ? p + pb : 0, rn = t.upper ? n - p - pb : p;
     if (rn > 0)
-      gemm_here(0, t.trans, m, rn, pb, T(-1), bp, ldb, t.block(p, r), t.lda, scale,
+      gemm_here(Op::kNone, t.trans, m, rn, pb, T(-1), bp, ldb, t.block(p, r), t.lda, scale,
                 b + at(0, r, ldb), ldb);
   }
 }

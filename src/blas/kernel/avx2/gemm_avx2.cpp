@@ -277,16 +277,16 @@ void thin_rows(int kb, int m, const float *a, int lda, const float *bp, float *c
 
 // C := alpha A op(B) + beta C for n <= 8 columns, straight from A: the sums
 // of the packed kernel with inner blocks of kc (at most 256), without packing.
-void sgemm_thin(int tb, int m, int n, int k, int kc, float alpha, const float *a, int lda,
+void sgemm_thin(Op tb, int m, int n, int k, int kc, float alpha, const float *a, int lda,
                 const float *b, int ldb, float beta, float *c, int ldc) {
   alignas(32) float bpack[256 * 8];
   for (int pc = 0; pc < k; pc += kc) {
     const int kb = k - pc < kc ? k - pc : kc;
     for (int p = 0; p < kb; ++p)
       for (int j = 0; j < 8; ++j)
-        bpack[p * 8 + j] = j >= n    ? 0.0f
-                           : tb == 0 ? b[pc + p + std::int64_t{j} * ldb]
-                                     : b[j + std::int64_t{pc + p} * ldb];
+        bpack[p * 8 + j] = j >= n            ? 0.0f
+                           : tb == Op::kNone ? b[pc + p + std::int64_t{j} * ldb]
+                                             : b[j + std::int64_t{pc + p} * ldb];
     const float beta_here = pc == 0 ? beta : 1.0f;
     const float *ablock = a + std::int64_t{pc} * lda;
     if (n == 1)

@@ -90,7 +90,7 @@ std::complex<R> rmul(R a, std::complex<R> b) {
 // |x| of the index routines: |re| + |im| for the complex types.
 template <class T>
 real_t<T> abs1(T v) {
-  if constexpr (is_complex<T>)
+  if constexpr (is_complex_v<T>)
     return rounded(fabs_(v.real()) + fabs_(v.imag()));
   else
     return fabs_(v);
@@ -147,7 +147,7 @@ real_t<T> asum(int n, const T *x, int incx) {
   real_t<T> sum(0);
   int64_t ix = 0;
   for (int i = 0; i < n; ++i, ix += incx) {
-    if constexpr (is_complex<T>)
+    if constexpr (is_complex_v<T>)
       sum = sum + fabs_(x[ix].real()) + fabs_(x[ix].imag());
     else
       sum += fabs_(x[ix]);
@@ -235,7 +235,7 @@ double sumsq(int n, const T *x, int incx) {
   int64_t ix = 0;
   for (int i = 0; i < n; ++i, ix += incx) {
     const double r = re(x[ix]);
-    if constexpr (is_complex<T>) {
+    if constexpr (is_complex_v<T>) {
       const double j = x[ix].imag();
       sum += r * r + j * j;
     } else {

@@ -5,13 +5,13 @@
 #include <cstdint>
 
 #include "blas/kernel/level2.h"
-#include "blas/scalar.h"
+#include "common/scalar.h"
 
 namespace orb::kernel::level2::generic {
 namespace {
 
-using orb::blas::conj_if;
-using orb::blas::mul;
+using orb::conj_if;
+using orb::mul;
 
 template <class T>
 void gemv_n_impl(int m, int n, T alpha, const T *a, int lda, const T *x, T *y) {
