@@ -14,6 +14,10 @@ built library against them, and reports progress.
       Reads the real export list of the binary and checks it against the table.
   exports.py report --table T --target linux|win32 --binary B [--nm NM] [--objdump OD]
       Prints "N of 398 names exported".
+  exports.py kinds --table T --expected LIST --src DIR
+      Checks that the entry of every exported row goes through the helper of
+      its kind: orb::entry::checked or orb::entry::lapack; a plain entry
+      through orb::entry::plain or none.
 """
 import argparse
 import collections
@@ -272,6 +276,61 @@ def report(args):
     return 0
 
 
+KIND_CALL = {"checked": "checked", "lapack": "lapack", "plain": "plain"}
+
+
+def entry_bodies(src):
+    """{name: body} of every ORB_API function defined under src."""
+    bodies = {}
+    head = re.compile(r"ORB_API\s+[\w\s\*]*?\b(\w+)\s*\(")
+    for root, _, files in os.walk(src):
+        for fn in files:
+            if not fn.endswith(".cpp"):
+                continue
+            with open(os.path.join(root, fn)) as f:
+                text = f.read()
+            for m in head.finditer(text):
+                depth, i = 1, m.end()
+                while depth and i < len(text):  # the parameter list
+                    depth += {"(": 1, ")": -1}.get(text[i], 0)
+                    i += 1
+                j = i
+                while j < len(text) and text[j] not in "{;":
+                    j += 1
+                if j == len(text) or text[j] == ";":
+                    continue  # a declaration
+                depth, k = 1, j + 1
+                while depth and k < len(text):
+                    depth += {"{": 1, "}": -1}.get(text[k], 0)
+                    k += 1
+                bodies[m.group(1)] = text[j:k]
+    return bodies
+
+
+def kinds(args):
+    rows = read_table(args.table)
+    with open(args.expected) as f:
+        exported = {line.split("\t")[0] for line in f if line.strip()}
+    bodies = entry_bodies(args.src)
+    problems = []
+    for r in rows:
+        if r.name != r.entry or r.name not in exported:
+            continue
+        body = bodies.get(r.name)
+        if body is None:
+            problems.append(f"{r.name}: no ORB_API definition found")
+            continue
+        calls = {k for k, c in KIND_CALL.items() if re.search(rf"\b{c}\s*\(", body)}
+        if calls != {r.kind} and not (r.kind == "plain" and not calls):
+            found = ", ".join(sorted(calls)) or "none"
+            problems.append(f"{r.name}: a {r.kind} entry, but it calls the helpers of: {found}")
+    for p in problems:
+        print("FAIL:", p)
+    print(f"{sum(1 for r in rows if r.name == r.entry and r.name in exported)} exported entries, "
+          f"{len(problems)} of another kind than the table says")
+    return 1 if problems else 0
+
+
 def main():
     ap = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter)
     sub = ap.add_subparsers(dest="cmd", required=True)
@@ -294,9 +353,13 @@ def main():
         c.add_argument("--objdump")
         if name == "check":
             c.add_argument("--expected", required=True)
+    k = sub.add_parser("kinds")
+    k.add_argument("--table", required=True)
+    k.add_argument("--expected", required=True)
+    k.add_argument("--src", required=True)
     args = ap.parse_args()
     return {"generate": generate, "header-names": header_names, "check": check,
-            "report": report}[args.cmd](args)
+            "report": report, "kinds": kinds}[args.cmd](args)
 
 
 if __name__ == "__main__":

@@ -7,32 +7,32 @@
 namespace orb::check {
 namespace {
 
-int int_arg(const void *const *args, int pos) {
-  return *static_cast<const int *>(args[pos - 1]);
-}
-char char_arg(const void *const *args, int pos) {
-  return upper(*static_cast<const char *>(args[pos - 1]));
-}
-
-int dim_value(const Dim &d, const void *const *args) {
+int dim_value(const Dim &d, Args args) {
   if (d.if_pos == 0) return int_arg(args, d.then_pos);
-  return char_arg(args, d.if_pos) == d.ch ? int_arg(args, d.then_pos) : int_arg(args, d.else_pos);
+  const int pos = char_arg(args, d.if_pos) == d.ch ? d.then_pos : d.else_pos;
+  return pos == 0 ? 0 : int_arg(args, pos);
 }
 
 bool passes(const Test &t, const void *const *args) {
-  switch (t.op) {
-    case Op::kOption: {
+  switch (t.kind) {
+    case Kind::kOption: {
       char c = char_arg(args, t.pos);
       return c != '\0' && std::strchr(t.options, c) != nullptr;
     }
-    case Op::kNonNegative:
+    case Kind::kNonNegative:
       return int_arg(args, t.pos) >= 0;
-    case Op::kNonZero:
+    case Kind::kNonZero:
       return int_arg(args, t.pos) != 0;
-    case Op::kLeadingDim: {
+    case Kind::kLeadingDim: {
       int rows = dim_value(t.dim, args);
       return int_arg(args, t.pos) >= (rows > 1 ? rows : 1);
     }
+    case Kind::kWork: {
+      const int lwork = int_arg(args, t.pos);
+      return lwork == -1 || lwork >= t.min(args);
+    }
+    case Kind::kHolds:
+      return t.pred(args);
   }
   return false;
 }
@@ -54,6 +54,14 @@ int run(const Checker &checker, std::initializer_list<const void *> args) {
     xerbla_forwarder(checker.name, &code, 6);
   }
   return code;
+}
+
+bool run_lapack(const Checker &checker, int *info, Args args, std::size_t nargs) {
+  const int code = first_failure(checker, args, nargs);
+  if (code == 0) return true;
+  if (info) *info = -code;
+  report(checker.name, &code, 6);
+  return false;
 }
 
 }  // namespace orb::check

@@ -1,10 +1,11 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <cstdint>
 #include <string>
 #include <vector>
 
-#include "service/checkers.h"
+#include "blas/level3/checkers.h"
 #include "service/entry.h"
 
 namespace {
@@ -142,11 +143,58 @@ int twice(const int *x) {
   return 2 * *x;
 }
 
-TEST(Entries, LapackEntrySetsTheHookAndForwards) {
+TEST(Entries, PlainEntryForwards) {
   int x = 21;
-  EXPECT_EQ(orb::entry::lapack(twice, &x), 42);
-  EXPECT_EQ(orb::error_hook(), &orb::xerbla_forwarder);
   EXPECT_EQ(orb::entry::plain(twice, &x), 42);
+}
+
+// A LAPACK-style routine FAKE(N, A, LDA, WORK, LWORK, INFO): N >= 0,
+// LDA >= max(1, N), LWORK >= max(1, 2 N) unless -1; its optimal workspace is
+// 64 N; it sets A(1) := N and INFO := 7 when it runs.
+int min_work(orb::check::Args args) {
+  const int n = orb::check::int_arg(args, 1);
+  return n > 0 ? 2 * n : 1;
+}
+constexpr orb::check::Test kFakeTests[] = {
+    orb::check::nonneg(1), orb::check::ld(3, orb::check::dim(1)), orb::check::lwork(5, min_work)};
+constexpr orb::entry::LapackChecker kFake = orb::entry::lapack_checker("FAKE  ", kFakeTests, 4, 5);
+int g_runs = 0;
+void fake(const int *n, float *a, const int *, float *, const int *, int *info) {
+  ++g_runs;
+  a[0] = static_cast<float>(*n);
+  *info = 7;
+}
+std::int64_t fake_worksize(const int *n, float *, const int *, float *, const int *, int *) {
+  return 64 * std::int64_t{*n};
+}
+
+TEST(Entries, LapackEntryChecksAnswersQueriesAndComputes) {
+  struct Call {
+    int n, lda, lwork;
+    int info;            // expected
+    const char *output;  // expected on standard output
+    float a, work;       // A(1) and WORK(1) afterwards
+  } calls[] = {
+      {-1, 1, 1, -1, "ORB ERROR: Parameter 1 was incorrect on entry to FAKE  \n", -5, -5},
+      {4, 3, 8, -3, "ORB ERROR: Parameter 3 was incorrect on entry to FAKE  \n", -5, -5},
+      {4, 4, 7, -5, "ORB ERROR: Parameter 5 was incorrect on entry to FAKE  \n", -5, -5},
+      {4, 4, -1, 0, "", -5, 256},  // a query: WORK(1) only
+      {4, 4, 8, 7, "", 4, -5},     // computes
+      {0, 1, 1, 7, "", 0, -5},
+  };
+  for (const Call &c : calls) {
+    g_runs = 0;
+    int info = 99;
+    float a = -5, work = -5;
+    CaptureStdout();
+    orb::entry::lapack(kFake, fake_worksize, fake, &c.n, &a, &c.lda, &work, &c.lwork, &info);
+    EXPECT_EQ(GetCapturedStdout(), c.output) << c.n << " " << c.lda << " " << c.lwork;
+    EXPECT_EQ(info, c.info);
+    EXPECT_EQ(a, c.a);
+    EXPECT_EQ(work, c.work);
+    EXPECT_EQ(g_runs, c.info == 7 ? 1 : 0);
+    EXPECT_EQ(orb::error_hook(), &orb::xerbla_forwarder);
+  }
 }
 
 }  // namespace

@@ -116,5 +116,48 @@ class Table(unittest.TestCase):
         self.assertEqual(kinds["checked"], 41)
 
 
+class Kinds(unittest.TestCase):
+    """An exported entry must go through the helper its table row names."""
+
+    def kinds(self, source):
+        src = tempfile.mkdtemp()
+        with open(os.path.join(src, "entries.cpp"), "w") as f:
+            f.write(source)
+        listed = os.path.join(src, "exported.txt")
+        with open(listed, "w") as f:
+            f.write("spotrf\tspotrf\nsgemm\tsgemm\nXERBLA\tXERBLA\n")
+        return subprocess.run([sys.executable, TOOL, "kinds", "--table", TABLE, "--expected",
+                               listed, "--src", src], capture_output=True, text=True)
+
+    GOOD = """
+ORB_API void spotrf(const char *uplo, const int *n, float *a, const int *lda, int *info,
+                    int uplo_len) {
+  orb::entry::lapack(kSpotrf, NoWorkspace{}, potrf<float>, uplo, n, a, lda, info);
+}
+ORB_API void sgemm(const char *ta, const char *tb, const int *m, const int *n, const int *k,
+                   const float *alpha, const float *a, const int *lda, const float *b,
+                   const int *ldb, const float *beta, float *c, const int *ldc, int, int) {
+  if (*m) { orb::entry::checked(kSgemm, gemm<float>, ta, tb, m, n, k, alpha, a, lda, b, ldb,
+                                beta, c, ldc); }
+}
+ORB_API void XERBLA(const char *name, const int *info, int len) { orb::xerbla(name, info, len); }
+"""
+
+    def test_each_kind_through_its_helper(self):
+        r = self.kinds(self.GOOD)
+        self.assertEqual(r.returncode, 0, r.stdout)
+
+    def test_a_lapack_entry_that_forwards_fails(self):
+        bad = self.GOOD.replace("orb::entry::lapack(kSpotrf, NoWorkspace{}, potrf<float>,",
+                                "potrf<float>(")
+        r = self.kinds(bad)
+        self.assertEqual(r.returncode, 1)
+        self.assertIn("FAIL: spotrf: a lapack entry, but it calls the helpers of: none", r.stdout)
+
+    def test_a_checked_entry_without_its_checker_fails(self):
+        r = self.kinds(self.GOOD.replace("orb::entry::checked(kSgemm, ", "orb::entry::plain("))
+        self.assertIn("FAIL: sgemm: a checked entry, but it calls the helpers of: plain", r.stdout)
+
+
 if __name__ == "__main__":
     unittest.main()

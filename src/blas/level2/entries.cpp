@@ -4,12 +4,11 @@
 #include <complex>
 
 #include "blas/complex_abi.h"
+#include "blas/level2/checkers.h"
 #include "blas/level2/level2.h"
 #include "common/options.h"
 #include "orb.h"
-#include "service/checkers.h"
 #include "service/entry.h"
-#include "service/report.h"
 
 namespace {
 
@@ -77,8 +76,7 @@ void trsv(const char *uplo, const char *trans, const char *diag, const int *n, c
 void zsyr(const char *uplo, const int *n, const c16 *alpha, const c16 *x, const int *incx, c16 *a,
           const int *lda) {
   const void *args[] = {uplo, n, alpha, x, incx, a, lda};
-  const int info = orb::check::first_failure(orb::check::kZsyr, args, 7);
-  if (info != 0) return orb::report(orb::check::kZsyr.name, &info, 6);
+  if (!orb::check::run_lapack(orb::check::kZsyr, nullptr, args, 7)) return;
   l2::syr(upper(uplo), *n, *alpha, x, *incx, a, *lda, false);
 }
 

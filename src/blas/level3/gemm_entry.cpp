@@ -4,7 +4,7 @@
 #include "blas/complex_abi.h"
 #include "blas/level3/gemm.h"
 #include "orb.h"
-#include "service/checkers.h"
+#include "blas/level3/checkers.h"
 #include "service/entry.h"
 
 namespace {

@@ -6,7 +6,7 @@
 #include "blas/level3/gemm_blocked.h"
 #include "blas/level3/level3.h"
 #include "orb.h"
-#include "service/checkers_level3.h"
+#include "blas/level3/checkers.h"
 #include "service/entry.h"
 
 namespace {

@@ -1,14 +1,11 @@
-// The argument checkers of the checked BLAS entries, one per routine.
+// The argument checkers of the level-2 entries, one per routine, each with
+// its reference routine's tests and codes.
 #pragma once
 
 #include "service/check.h"
 
 namespace orb::check {
 
-// Level 3.
-extern const Checker kSgemm, kDgemm, kCgemm, kZgemm;
-
-// Level 2.
 extern const Checker kSgemv, kDgemv, kCgemv, kZgemv;
 extern const Checker kSger, kDger, kCgerc, kCgeru, kZgerc, kZgeru;
 extern const Checker kSsymv, kChemv;
