@@ -5,11 +5,9 @@ orb_test(level2_check_test SOURCES ${CMAKE_CURRENT_SOURCE_DIR}/level2_check_test
 orb_test(level2_abi_test SOURCES ${CMAKE_CURRENT_SOURCE_DIR}/level2_abi_test.cpp LABELS abi)
 
 # Debian's level-2 reference test programs with their input files, through
-# tools/run-reference-blas.sh (Linux). orb_reference_blas comes from
-# conformance.cmake, which is read after this file, hence the deferred calls.
-if(NOT WIN32 AND EXISTS ${CMAKE_CURRENT_LIST_DIR}/conformance.cmake)
-  cmake_language(DEFER CALL orb_reference_blas reference_blas2_s xblat2s sblat2.in)
-  cmake_language(DEFER CALL orb_reference_blas reference_blas2_c xblat2c cblat2.in)
-  cmake_language(DEFER CALL orb_reference_blas reference_blas2_d xblat2d dblat2.in)
-  cmake_language(DEFER CALL orb_reference_blas reference_blas2_z xblat2z zblat2.in)
+# tools/run-reference-blas.sh (Linux; conformance.cmake).
+if(COMMAND orb_reference_blas)
+  foreach(_p s c d z)
+    orb_reference_blas(reference_blas2_${_p} xblat2${_p} ${_p}blat2.in)
+  endforeach()
 endif()

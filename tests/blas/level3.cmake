@@ -6,12 +6,8 @@ orb_test(level3_abi_test SOURCES ${CMAKE_CURRENT_SOURCE_DIR}/level3_abi_test.cpp
 
 # Debian's level-3 reference test programs (conformance.cmake), run once with
 # their own input and once with orders that cross this library's block sizes
-# (16 and 32; 65 is the programs' limit). Registered once conformance.cmake,
-# included after this file, has defined orb_reference_blas.
-function(orb_level3_reference_blas)
-  if(NOT COMMAND orb_reference_blas)
-    return()
-  endif()
+# (16 and 32; 65 is the programs' limit).
+if(COMMAND orb_reference_blas)
   foreach(_p s c d z)
     set(_in ${ORB_REFERENCE_BLAS_DIR}/${_p}blat3.in)
     orb_reference_blas(reference_blas3_${_p} xblat3${_p} ${_in})
@@ -24,5 +20,4 @@ function(orb_level3_reference_blas)
       orb_reference_blas(reference_blas3_${_p}_orders xblat3${_p} ${_orders})
     endif()
   endforeach()
-endfunction()
-cmake_language(DEFER CALL orb_level3_reference_blas)
+endif()

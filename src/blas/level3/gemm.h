@@ -1,6 +1,8 @@
 // General matrix multiply: the single-precision serial kernel with its
 // processor paths, the threaded driver (module gemm_omp) and its siblings in
-// the other precisions. All take the published argument list by reference.
+// the other precisions. The single-precision kernel and the threaded driver
+// take the published argument list by reference, the other serial kernels
+// take values.
 #pragma once
 
 #include <complex>
