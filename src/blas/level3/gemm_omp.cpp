@@ -11,6 +11,7 @@
 
 #include "blas/level3/gemm.h"
 #include "blas/level3/gemm_blocked.h"
+#include "blas/level3/level3_common.h"
 #include "service/cpu.h"
 #include "service/memory.h"
 #include "service/threading.h"
@@ -58,31 +59,20 @@ Piece piece(int i, int nt, int chunk, int total) {
   return {std::min(i * chunk, total - 1), length};
 }
 
-// Runs `body(i)` for the pieces 0 .. nt-1 in one region of nt threads, one
-// piece each; inside a running region the caller works through them all.
-template <class Body>
-void for_pieces(int nt, Body body) {
-#pragma omp parallel num_threads(nt)
-  {
-#pragma omp for schedule(static)
-    for (int i = 0; i < nt; ++i) body(i);
-  }
-}
-
 template <class T>
 void general_path(const char *ta, const char *tb, int m, int n, int k, const T *alpha, const T *a,
                   int lda, const T *b, int ldb, const T *beta, T *c, int ldc, int nt, int bound) {
   const bool nota = is_n(ta), notb = is_n(tb);
   if (m > bound) {
     const int chunk = m / nt;
-    for_pieces(nt, [&](int i) {
+    per_thread(nt, [&](int i) {
       const Piece p = piece(i, nt, chunk, m);
       const T *ai = nota ? a + p.start : a + std::int64_t{p.start} * lda;
       Serial<T>::run(ta, tb, p.length, n, k, alpha, ai, lda, b, ldb, beta, c + p.start, ldc);
     });
   } else {
     const int chunk = n / nt;
-    for_pieces(nt, [&](int i) {
+    per_thread(nt, [&](int i) {
       const Piece p = piece(i, nt, chunk, n);
       const T *bi = notb ? b + std::int64_t{p.start} * ldb : b + p.start;
       Serial<T>::run(ta, tb, m, p.length, k, alpha, a, lda, bi, ldb, beta,
@@ -101,7 +91,7 @@ void rows_acc(const char *ta, const char *tb, int m, int n, int k, const float *
               const float *a, int lda, const float *b, int ldb, const float *beta, float *c,
               int ldc, int nt, int chunk) {
   const bool nota = is_n(ta);
-  for_pieces(nt, [&](int i) {
+  per_thread(nt, [&](int i) {
     const Piece p = piece(i, nt, chunk, m);
     const float *ai = nota ? a + p.start : a + std::int64_t{p.start} * lda;
     sgemm_serial_acc(ta, tb, &p.length, &n, &k, alpha, ai, &lda, b, &ldb, beta, c + p.start, &ldc);
@@ -113,7 +103,7 @@ void cols_acc(const char *ta, const char *tb, int m, int n, int k, const float *
               int ldc, int nt) {
   const bool notb = is_n(tb);
   const int chunk = n / nt;
-  for_pieces(nt, [&](int i) {
+  per_thread(nt, [&](int i) {
     const Piece p = piece(i, nt, chunk, n);
     const float *bi = notb ? b + std::int64_t{p.start} * ldb : b + p.start;
     sgemm_serial_acc(ta, tb, &m, &p.length, &k, alpha, a, &lda, bi, &ldb, beta,
@@ -154,7 +144,7 @@ void wide_path(const char *ta, const char *tb, int m, int n, int k, const float 
   // C := beta C first, by column slabs; the join comes before any product.
   if (*beta != 1.0f) {
     const int chunk = n / nt;
-    for_pieces(nt, [&](int i) {
+    per_thread(nt, [&](int i) {
       const Piece p = piece(i, nt, chunk, n);
       scale_c(m, p.length, *beta, c + std::int64_t{p.start} * ldc, ldc);
     });

@@ -38,20 +38,27 @@ constexpr double madd_cost() {
   return std::is_floating_point_v<T> ? 1.0 : 4.0;
 }
 
-// Runs body(first, count) for the nt slabs of [0, total) (boundaries from
-// level3_boundary) in one region of nt threads, one slab per thread; inside
-// a running region the caller works through them all.
+// Runs body(i) for i = 0 .. nt-1 in one region of nt threads, one each;
+// inside a running region the caller works through them all. Every threaded
+// driver splits its work through this.
 template <class Body>
-void for_slabs(int nt, int total, int grain, int shape, Body body) {
+void per_thread(int nt, Body body) {
 #pragma omp parallel num_threads(nt)
   {
 #pragma omp for schedule(static)
-    for (int i = 0; i < nt; ++i) {
-      const int first = level3_boundary(total, i, nt, grain, shape);
-      const int last = level3_boundary(total, i + 1, nt, grain, shape);
-      if (last > first) body(first, last - first);
-    }
+    for (int i = 0; i < nt; ++i) body(i);
   }
+}
+
+// Runs body(first, count) for the nt slabs of [0, total) (boundaries from
+// level3_boundary), one slab per thread.
+template <class Body>
+void for_slabs(int nt, int total, int grain, int shape, Body body) {
+  per_thread(nt, [&](int i) {
+    const int first = level3_boundary(total, i, nt, grain, shape);
+    const int last = level3_boundary(total, i + 1, nt, grain, shape);
+    if (last > first) body(first, last - first);
+  });
 }
 
 }  // namespace orb::blas
