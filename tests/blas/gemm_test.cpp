@@ -8,7 +8,6 @@
 #include <complex>
 #include <cstdio>
 #include <limits>
-#include <random>
 #include <string>
 #include <vector>
 
@@ -16,78 +15,49 @@
 #include "orb.h"
 #include "service/cpu.h"
 #include "support/child.h"
-#include "support/reference.h"
+#include "support/matrix.h"
 
 namespace {
 
 using orb::c16;
 using orb::c8;
 
-using orb::test::conj_of;
+using orb::test::make;
+using orb::test::Matrix;
+using orb::test::Random;
+using orb::test::random_matrix;
 using orb::test::wide_t;
 
-// A column-major matrix with a leading dimension above its rows.
-template <class T>
-struct Mat {
-  int rows, cols, ld;
-  std::vector<T> v;
-  Mat(int r, int c, int pad, std::mt19937 &rng) : rows(r), cols(c), ld(std::max(1, r + pad)) {
-    v.resize(static_cast<size_t>(ld) * std::max(c, 1));
-    std::uniform_real_distribution<double> d(-1, 1);
-    for (auto &x : v) x = make(d(rng), d(rng));
-  }
-  static T make(double re, double im) {
-    if constexpr (std::is_floating_point_v<T>)
-      return T(re);
-    else
-      return T(re, im);
-  }
-  T &operator()(int i, int j) { return v[i + static_cast<size_t>(j) * ld]; }
-};
-
-template <class T>
-T op_elem(Mat<T> &x, char t, int i, int j) {
-  if (t == 'N') return x(i, j);
-  return t == 'C' ? conj_of(x(j, i)) : x(j, i);
-}
-
 // Checks C = alpha op(A) op(B) + beta C0 elementwise against a bound that
-// grows with k; returns the number of elements outside it.
+// grows with k, and that nothing outside C was written; returns the number
+// of elements that fail.
 template <class T>
-int check(char ta, char tb, int m, int n, int k, T alpha, Mat<T> &a, Mat<T> &b, T beta, Mat<T> &c0,
-          Mat<T> &c) {
+int check(char ta, char tb, int m, int n, int k, T alpha, const Matrix<T> &a, const Matrix<T> &b,
+          T beta, const Matrix<T> &c0, const Matrix<T> &c) {
   using W = wide_t<T>;
-  using R = decltype(std::abs(T()));
+  using R = orb::test::real_t<T>;
   const double eps = std::numeric_limits<R>::epsilon();
+  Matrix<double> mag;
+  const Matrix<W> ab = orb::test::multiply(ta, a, tb, b, &mag);
   int bad = 0;
   for (int j = 0; j < n; ++j)
     for (int i = 0; i < m; ++i) {
-      W s = 0;
-      double mag = 0;
-      for (int p = 0; p < k; ++p) {
-        W x = W(op_elem(a, ta, i, p)) * W(op_elem(b, tb, p, j));
-        s += x;
-        mag += std::abs(x);
-      }
-      W expect = W(alpha) * s;
-      mag *= std::abs(W(alpha));
+      W expect = W(alpha) * ab(i, j);
+      double scale = std::abs(W(alpha)) * mag(i, j);
       if (beta != T(0)) {
         expect += W(beta) * W(c0(i, j));
-        mag += std::abs(W(beta) * W(c0(i, j)));
+        scale += std::abs(W(beta) * W(c0(i, j)));
       }
       const double err = std::abs(W(c(i, j)) - expect);
-      if (!(err <= 8 * (k + 2) * eps * (mag + 1e-30))) {
+      if (!(err <= 8 * (k + 2) * eps * (scale + 1e-30))) {
         if (bad < 3)
           std::printf("  %c%c m=%d n=%d k=%d (%d,%d): err %g bound %g\n", ta, tb, m, n, k, i, j,
-                      err, 8 * (k + 2) * eps * mag);
+                      err, 8 * (k + 2) * eps * scale);
         ++bad;
       }
     }
-  // Rows between m and ld are never written.
-  for (int j = 0; j < n; ++j)
-    for (int i = m; i < c.ld; ++i)
-      if (!(c(i, j) == c0(i, j))) ++bad;
-  return bad;
+  // Rows between m and ldc, and the storage around C, are never written.
+  return bad + c.padding_changed();
 }
 
 template <class T>
@@ -103,26 +73,32 @@ void call(char ta, char tb, int m, int n, int k, T alpha, const T *a, int lda, c
     orb::blas::orb_blas_zgemm(&ta, &tb, &m, &n, &k, &alpha, a, &lda, b, &ldb, &beta, c, &ldc);
 }
 
+// A random rows by cols matrix at leading dimension rows + pad.
 template <class T>
-int run_case(char ta, char tb, int m, int n, int k, T alpha, T beta, std::mt19937 &rng,
+Matrix<T> operand(int rows, int cols, int pad, Random &rng) {
+  return random_matrix<T>(rows, cols, rng, std::max(1, rows + pad));
+}
+
+template <class T>
+int run_case(char ta, char tb, int m, int n, int k, T alpha, T beta, Random &rng,
              bool nan_c = false) {
-  Mat<T> a(ta == 'N' ? m : k, ta == 'N' ? k : m, 3, rng);
-  Mat<T> b(tb == 'N' ? k : n, tb == 'N' ? n : k, 1, rng);
-  Mat<T> c0(m, n, 2, rng);
+  const Matrix<T> a = operand<T>(ta == 'N' ? m : k, ta == 'N' ? k : m, 3, rng);
+  const Matrix<T> b = operand<T>(tb == 'N' ? k : n, tb == 'N' ? n : k, 1, rng);
+  Matrix<T> c0 = operand<T>(m, n, 2, rng);
   if (nan_c)
     for (int j = 0; j < n; ++j)
       for (int i = 0; i < m; ++i) c0(i, j) = T(std::numeric_limits<double>::quiet_NaN());
-  Mat<T> c = c0;
-  call<T>(ta, tb, m, n, k, alpha, a.v.data(), a.ld, b.v.data(), b.ld, beta, c.v.data(), c.ld);
+  Matrix<T> c = c0;
+  call<T>(ta, tb, m, n, k, alpha, a.data(), a.ld, b.data(), b.ld, beta, c.data(), c.ld);
   return check(ta, tb, m, n, k, alpha, a, b, beta, c0, c);
 }
 
 template <class T>
 int sweep(const std::vector<int> &sizes, const char *transposes) {
-  std::mt19937 rng(42);
+  Random rng(42);
   int bad = 0;
-  const T alphas[] = {T(1), Mat<T>::make(-0.75, 0.5)};
-  const T betas[] = {T(0), T(1), Mat<T>::make(0.5, -0.25)};
+  const T alphas[] = {T(1), make<T>(-0.75, 0.5)};
+  const T betas[] = {T(0), T(1), make<T>(0.5, -0.25)};
   int ab = 0;
   for (const char *ta = transposes; *ta; ++ta)
     for (const char *tb = transposes; *tb; ++tb)
@@ -138,7 +114,7 @@ int sweep(const std::vector<int> &sizes, const char *transposes) {
 // The block boundaries of every path: types 2/3 (inner 64, blocks 240/480),
 // types 4/5 (inner 256, rows 120/144, columns 2040..6144), type 0 (64, 16, 200).
 int boundary_sweep() {
-  std::mt19937 rng(7);
+  Random rng(7);
   int bad = 0;
   const int cases[][3] = {{241, 9, 65},   {145, 13, 257}, {17, 201, 63},   {121, 7, 129},
                           {481, 5, 64},   {8, 8, 8},      {50, 50, 50},    {7, 300, 11},
@@ -159,19 +135,21 @@ int boundary_sweep() {
 // alpha = 0: C := beta C and neither A nor B is read.
 int alpha_zero() {
   int bad = 0;
-  std::mt19937 rng(3);
+  Random rng(3);
   for (int s : {5, 40, 300}) {
-    Mat<float> c(s, s, 1, rng);
-    Mat<float> c0 = c;
+    const Matrix<float> c0 = operand<float>(s, s, 1, rng);
+    Matrix<float> c = c0;
     const float nan = std::numeric_limits<float>::quiet_NaN();
-    for (auto &x : c.v) x = nan;
-    call<float>('N', 'T', s, s, s, 0.0f, nullptr, s, nullptr, s, 0.0f, c.v.data(), c.ld);
+    for (int j = 0; j < s; ++j)
+      for (int i = 0; i < s; ++i) c(i, j) = nan;
+    call<float>('N', 'T', s, s, s, 0.0f, nullptr, s, nullptr, s, 0.0f, c.data(), c.ld);
     for (int j = 0; j < s; ++j)
       for (int i = 0; i < s; ++i) bad += c(i, j) != 0.0f;
     c = c0;
-    call<float>('T', 'N', s, s, s, 0.0f, nullptr, s, nullptr, s, 2.0f, c.v.data(), c.ld);
+    call<float>('T', 'N', s, s, s, 0.0f, nullptr, s, nullptr, s, 2.0f, c.data(), c.ld);
     for (int j = 0; j < s; ++j)
       for (int i = 0; i < s; ++i) bad += c(i, j) != 2.0f * c0(i, j);
+    bad += c.padding_changed();
   }
   return bad;
 }
@@ -248,7 +226,7 @@ TEST(Gemm, ThreadDecision) {
 }
 
 TEST(Gemm, TinyProductsNeverAskForAThreadCount) {
-  std::mt19937 rng(1);
+  Random rng(1);
   const long before = orb::blas::gemm_thread_queries();
   run_case<float>('N', 'N', 16, 16, 16, 1.0f, 0.0f, rng);
   EXPECT_EQ(orb::blas::gemm_thread_queries(), before);
@@ -265,20 +243,22 @@ TEST(Gemm, ResultsDoNotDependOnTheThreadCount) {
                            {60, 900, 300}, {257, 257, 257}, {90, 90, 90}};
   for (auto &s : shapes)
     for (char ta : {'N', 'T'}) {
-      std::mt19937 rng(11);
-      Mat<float> a(ta == 'N' ? s[0] : s[2], ta == 'N' ? s[2] : s[0], 0, rng);
-      Mat<float> b(s[2], s[1], 0, rng);
-      Mat<float> c0(s[0], s[1], 0, rng);
+      Random rng(11);
+      const Matrix<float> a =
+          operand<float>(ta == 'N' ? s[0] : s[2], ta == 'N' ? s[2] : s[0], 0, rng);
+      const Matrix<float> b = operand<float>(s[2], s[1], 0, rng);
+      const Matrix<float> c0 = operand<float>(s[0], s[1], 0, rng);
       std::vector<float> first;
       for (int nt : {1, 2, 3, 7}) {
         ORB_Set_Num_Threads(nt);
-        Mat<float> c = c0;
-        call<float>(ta, 'N', s[0], s[1], s[2], 1.25f, a.v.data(), a.ld, b.v.data(), b.ld, 0.5f,
-                    c.v.data(), c.ld);
+        Matrix<float> c = c0;
+        call<float>(ta, 'N', s[0], s[1], s[2], 1.25f, a.data(), a.ld, b.data(), b.ld, 0.5f,
+                    c.data(), c.ld);
         if (first.empty())
-          first = c.v;
+          first = c.mem;
         else
-          EXPECT_EQ(c.v, first) << ta << " " << s[0] << "x" << s[1] << "x" << s[2] << " nt " << nt;
+          EXPECT_EQ(c.mem, first) << ta << " " << s[0] << "x" << s[1] << "x" << s[2] << " nt "
+                                  << nt;
       }
     }
   ORB_Set_Num_Threads(2);
@@ -290,7 +270,7 @@ TEST(Gemm, InsideAnApplicationsParallelRegion) {
   int bad[4] = {0, 0, 0, 0};
 #pragma omp parallel num_threads(4)
   {
-    std::mt19937 rng(omp_get_thread_num());
+    Random rng(omp_get_thread_num());
     bad[omp_get_thread_num()] = run_case<float>('N', 'T', 300, 200, 150, 1.0f, 0.5f, rng);
   }
   for (int b : bad) EXPECT_EQ(b, 0);
