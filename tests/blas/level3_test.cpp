@@ -11,14 +11,13 @@
 #include <cstring>
 #include <functional>
 #include <limits>
-#include <random>
 #include <vector>
 
 #include "blas/level3/level3.h"
 #include "orb.h"
 #include "service/cpu.h"
 #include "support/child.h"
-#include "support/reference.h"
+#include "support/matrix.h"
 
 namespace {
 
@@ -27,52 +26,36 @@ using orb::c8;
 using orb::Op;
 using orb::blas::Triangular;
 
+using orb::test::conj_of;
+using orb::test::make;
+using orb::test::Matrix;
+using orb::test::multiply;
+using orb::test::Random;
+using orb::test::Triangle;
 using orb::test::wide_t;
 
 template <class T>
-constexpr bool kComplex = !std::is_floating_point_v<T>;
-
-template <class T>
-T make(double re, double im) {
-  if constexpr (kComplex<T>)
-    return T(re, im);
-  else
-    return T(re);
-}
-// |re| + |im|: a bound on |x| that is cheaper than std::abs.
-inline double l1(double x) {
-  return std::fabs(x);
-}
-inline double l1(std::complex<double> x) {
-  return std::fabs(x.real()) + std::fabs(x.imag());
-}
-
-using orb::test::conj_of;
+constexpr bool kComplex = orb::test::kIsComplex<T>;
 
 const double kNaN = std::numeric_limits<double>::quiet_NaN();
 const double kMark = 7.25;  // what elements that must stay untouched hold
 
-// A column-major matrix with a leading dimension above its rows.
+// A random rows by cols matrix at leading dimension rows + pad, entries
+// scaled by `scale`.
 template <class T>
-struct Mat {
-  int rows, cols, ld;
-  std::vector<T> v;
-  Mat(int r, int c, int pad, std::mt19937 &rng, double scale = 1)
-      : rows(r), cols(c), ld(std::max(1, r + pad)) {
-    v.resize(static_cast<size_t>(ld) * std::max(c, 1));
-    auto d = [&] { return scale * (rng() * (2.0 / 4294967296.0) - 1.0); };
-    for (auto &x : v) {
-      const double re = d();
-      x = make<T>(re, kComplex<T> ? d() : 0.0);
-    }
-  }
-  T &operator()(int i, int j) { return v[i + static_cast<size_t>(j) * ld]; }
-  T *p() { return v.data(); }
-  const T &operator()(int i, int j) const { return v[i + static_cast<size_t>(j) * ld]; }
-  bool same(const Mat &o, int i, int j) const {  // bitwise, NaN included
-    return std::memcmp(&(*this)(i, j), &o(i, j), sizeof(T)) == 0;
-  }
-};
+Matrix<T> operand(int r, int c, int pad, Random &rng, double scale = 1) {
+  Matrix<T> m = orb::test::random_matrix<T>(r, c, rng, std::max(1, r + pad));
+  if (scale != 1)
+    for (int j = 0; j < c; ++j)
+      for (int i = 0; i < r; ++i) m(i, j) = T(wide_t<T>(m(i, j)) * scale);
+  return m;
+}
+
+// Bitwise, NaN included.
+template <class T>
+bool same(const Matrix<T> &a, const Matrix<T> &b, int i, int j) {
+  return std::memcmp(&a(i, j), &b(i, j), sizeof(T)) == 0;
+}
 
 // Counts elements outside a bound that grows with the inner dimension.
 template <class T>
@@ -88,6 +71,13 @@ struct Tally {
   void fail(int i, int j, double err = 0) {
     if (bad++ < 3) std::printf("  %s: (%d,%d) err %g\n", what, i, j, err);
   }
+  // Nothing outside the matrix was written.
+  void padding(const Matrix<T> &c) {
+    if (const int n = c.padding_changed()) {
+      if (bad < 3) std::printf("  %s: %d elements outside the matrix written\n", what, n);
+      bad += n;
+    }
+  }
 };
 
 template <class T>
@@ -98,55 +88,42 @@ T pick(int i, std::initializer_list<T> xs) {
 // ---- symmetric and Hermitian multiply -----------------------------------------------
 
 template <class T>
-int symm_case(bool left, bool upper, bool herm, int m, int n, T alpha, T beta, std::mt19937 &rng,
+int symm_case(bool left, bool upper, bool herm, int m, int n, T alpha, T beta, Random &rng,
               std::vector<T> *out = nullptr) {
   using W = wide_t<T>;
   const int na = left ? m : n;
-  Mat<T> a(na, na, 2, rng), b(m, n, 1, rng), c0(m, n, 3, rng);
-  for (int j = 0; j < na; ++j)  // the other triangle is never read
-    for (int i = 0; i < na; ++i)
-      if (i != j && (i < j) != upper) a(i, j) = T(kNaN);
+  const Triangle stored = upper ? Triangle::kUpper : Triangle::kLower;
+  // The other triangle holds NaN: it is never read.
+  Matrix<T> a = orb::test::symmetric_matrix<T>(na, herm, rng, na + 2, stored);
+  const Matrix<T> b = operand<T>(m, n, 1, rng);
+  Matrix<T> c0 = operand<T>(m, n, 3, rng);
   if (herm)
     for (int j = 0; j < na; ++j) a(j, j) = make<T>(std::real(a(j, j)), kNaN);
   if (beta == T(0))
     for (int j = 0; j < n; ++j)
       for (int i = 0; i < m; ++i) c0(i, j) = T(kNaN);
-  std::vector<W> full(static_cast<size_t>(na) * na);  // the whole of A
-  for (int j = 0; j < na; ++j)
-    for (int i = 0; i < na; ++i) {
-      W x = (i == j || (i < j) == upper) ? W(a(i, j)) : W(a(j, i));
-      if (herm) x = i == j ? W(std::real(x)) : (i < j) == upper ? x : conj_of(x);
-      full[i + static_cast<size_t>(j) * na] = x;
-    }
-  Mat<T> c = c0;
-  orb::blas::symm_omp<T>(left, upper, herm, m, n, alpha, a.p(), a.ld, b.p(), b.ld, beta, c.p(),
-                         c.ld);
+  const Matrix<T> full = orb::test::full_from_triangle(a, stored, herm);
+  Matrix<double> mag;
+  const Matrix<W> ab = left ? multiply('N', full, 'N', b, &mag) : multiply('N', b, 'N', full, &mag);
+  Matrix<T> c = c0;
+  orb::blas::symm_omp<T>(left, upper, herm, m, n, alpha, a.data(), a.ld, b.data(), b.ld, beta,
+                         c.data(), c.ld);
   Tally<T> t{0, "symm"};
-  for (int j = 0; j < n; ++j) {
+  for (int j = 0; j < n; ++j)
     for (int i = 0; i < m; ++i) {
-      W s = 0;
-      double mag = 0;
-      for (int p = 0; p < na; ++p) {
-        const W x =
-            left ? full[i + size_t(p) * na] * W(b(p, j)) : W(b(i, p)) * full[p + size_t(j) * na];
-        s += x;
-        mag += l1(x);
-      }
-      W e = W(alpha) * s;
-      mag *= std::abs(W(alpha));
-      if (beta != T(0)) e += W(beta) * W(c0(i, j)), mag += l1(W(beta) * W(c0(i, j)));
-      t.near(c(i, j), e, mag, na, i, j);
+      W e = W(alpha) * ab(i, j);
+      double scale = std::abs(W(alpha)) * mag(i, j);
+      if (beta != T(0)) e += W(beta) * W(c0(i, j)), scale += std::abs(W(beta) * W(c0(i, j)));
+      t.near(c(i, j), e, scale, na, i, j);
     }
-    for (int i = m; i < c.ld; ++i)
-      if (!c.same(c0, i, j)) t.fail(i, j);
-  }
-  if (out) *out = c.v;
+  t.padding(c);
+  if (out) *out = c.mem;
   return t.bad;
 }
 
 template <class T>
 int symm_sweep(const std::vector<int> &orders, const std::vector<int> &others, bool herm) {
-  std::mt19937 rng(5);
+  Random rng(5);
   int bad = 0, x = 0;
   for (bool left : {true, false})
     for (bool upper : {true, false})
@@ -167,70 +144,68 @@ int symm_sweep(const std::vector<int> &orders, const std::vector<int> &others, b
 
 template <class T>
 int update_case(bool two, bool upper, char trans, bool herm, int n, int k, T alpha, T beta,
-                std::mt19937 &rng, std::vector<T> *out = nullptr) {
+                Random &rng, std::vector<T> *out = nullptr) {
   using W = wide_t<T>;
   const bool notrans = trans == 'N';
-  Mat<T> a(notrans ? n : k, notrans ? k : n, 1, rng), b(notrans ? n : k, notrans ? k : n, 2, rng);
-  Mat<T> c0(n, n, 3, rng);
+  const Matrix<T> a = operand<T>(notrans ? n : k, notrans ? k : n, 1, rng);
+  const Matrix<T> b = operand<T>(notrans ? n : k, notrans ? k : n, 2, rng);
+  Matrix<T> c0 = operand<T>(n, n, 3, rng);
   // beta = 1 with nothing to add: C is not touched at all.
   const bool quick = beta == T(1) && (k == 0 || alpha == T(0));
+  auto inside = [&](int i, int j) { return i == j || (i < j) == upper; };
   for (int j = 0; j < n; ++j)
-    for (int i = 0; i < c0.ld; ++i) {
-      const bool inside = i < n && (i == j || (i < j) == upper);
-      if (!inside)
+    for (int i = 0; i < n; ++i) {
+      if (!inside(i, j))
         c0(i, j) = T(kMark);
       else if (beta == T(0))
         c0(i, j) = T(kNaN);
       else if (herm && i == j && !quick)
         c0(i, j) = make<T>(std::real(c0(i, j)), kNaN);  // the imaginary part is not read
     }
-  // Term p of element (i, j) of X op(Y) (trans N) or op(X) Y.
-  auto term = [&](Mat<T> &x, int i, Mat<T> &y, int j, int p) -> W {
-    const W xi = notrans ? W(x(i, p)) : W(x(p, i)), yj = notrans ? W(y(j, p)) : W(y(p, j));
-    if (!herm) return xi * yj;
-    return notrans ? xi * conj_of(yj) : conj_of(xi) * yj;
+  // X op(Y)^T (trans N) or op(X)^T Y, with the conjugate transpose when herm.
+  const char h = herm ? 'C' : 'T';
+  auto product = [&](const Matrix<T> &x, const Matrix<T> &y, Matrix<double> *mag) {
+    return notrans ? multiply('N', x, h, y, mag) : multiply(h, x, 'N', y, mag);
   };
-  Mat<T> c = c0;
+  Matrix<double> mag1, mag2;
+  const Matrix<W> p1 = product(a, two ? b : a, &mag1);
+  const Matrix<W> p2 = two ? product(b, a, &mag2) : Matrix<W>();
+  Matrix<T> c = c0;
   const Op tcode = notrans ? Op::kNone : herm ? Op::kConjTrans : Op::kTrans;
   if (two)
-    orb::blas::syr2k_omp<T>(upper, tcode, herm, n, k, alpha, a.p(), a.ld, b.p(), b.ld, beta, c.p(),
-                            c.ld);
+    orb::blas::syr2k_omp<T>(upper, tcode, herm, n, k, alpha, a.data(), a.ld, b.data(), b.ld, beta,
+                            c.data(), c.ld);
   else
-    orb::blas::syrk_omp<T>(upper, tcode, herm, n, k, alpha, a.p(), a.ld, beta, c.p(), c.ld);
+    orb::blas::syrk_omp<T>(upper, tcode, herm, n, k, alpha, a.data(), a.ld, beta, c.data(), c.ld);
   Tally<T> t{0, two ? "syr2k" : "syrk"};
   const W alpha2 = herm ? conj_of(W(alpha)) : W(alpha);
   for (int j = 0; j < n; ++j)
-    for (int i = 0; i < c.ld; ++i) {
-      const bool inside = i < n && (i == j || (i < j) == upper);
-      if (!inside || quick) {
-        if (!c.same(c0, i, j)) t.fail(i, j);
+    for (int i = 0; i < n; ++i) {
+      if (!inside(i, j) || quick) {
+        if (!same(c, c0, i, j)) t.fail(i, j);
         continue;
       }
-      W s = 0;
-      double mag = 0;
-      for (int p = 0; p < k; ++p) {
-        const W x = W(alpha) * term(a, i, two ? b : a, j, p);
-        const W y = two ? alpha2 * term(b, i, a, j, p) : W(0);
-        s += x + y;
-        mag += l1(x) + l1(y);
-      }
+      W s = W(alpha) * p1(i, j);
+      double mag = std::abs(W(alpha)) * mag1(i, j);
+      if (two) s += alpha2 * p2(i, j), mag += std::abs(alpha2) * mag2(i, j);
       W old = W(c0(i, j));
       if (herm && i == j) old = std::real(old);
-      if (beta != T(0)) s += W(beta) * old, mag += l1(W(beta) * old);
+      if (beta != T(0)) s += W(beta) * old, mag += std::abs(W(beta) * old);
       if (herm && i == j) {
         s = std::real(s);
         if (std::imag(c(i, j)) != 0) t.fail(i, j);
       }
       t.near(c(i, j), s, mag, 2 * k, i, j);
     }
-  if (out) *out = c.v;
+  t.padding(c);
+  if (out) *out = c.mem;
   return t.bad;
 }
 
 template <class T>
 int update_sweep(const std::vector<int> &ns, const std::vector<int> &ks, bool herm,
                  const char *transposes) {
-  std::mt19937 rng(9);
+  Random rng(9);
   int bad = 0, x = 0;
   for (bool two : {false, true})
     for (bool upper : {true, false})
@@ -251,61 +226,52 @@ int update_sweep(const std::vector<int> &ns, const std::vector<int> &ks, bool he
 // ---- triangular multiply and solve ----------------------------------------------
 
 template <class T>
-int triangular_case(bool solve, const Triangular &tr, int m, int n, T alpha, std::mt19937 &rng,
+int triangular_case(bool solve, const Triangular &tr, int m, int n, T alpha, Random &rng,
                     std::vector<T> *out = nullptr) {
   using W = wide_t<T>;
   const int na = tr.left ? m : n;
   // Off the diagonal small enough that the solves stay well conditioned.
-  Mat<T> a(na, na, 1, rng, 1.0 / std::max(1, na)), b0(m, n, 2, rng);
-  for (int j = 0; j < na; ++j) {
-    for (int i = 0; i < na; ++i)
-      if (i != j && (i < j) != tr.upper) a(i, j) = T(kNaN);  // never read
+  Matrix<T> a = operand<T>(na, na, 1, rng, 1.0 / std::max(1, na));
+  Matrix<T> b0 = operand<T>(m, n, 2, rng);
+  const Triangle stored = tr.upper ? Triangle::kUpper : Triangle::kLower;
+  orb::test::keep_triangle(a, stored);  // the other one is never read
+  for (int j = 0; j < na; ++j)
     a(j, j) = tr.unit ? T(kNaN) : make<T>(1 + 0.5 * (j % 3), 0.25 * (j % 2));
-  }
   if (alpha == T(0))
-    for (auto &x : b0.v) x = T(kNaN);
-  auto op = [&](int i, int j) -> W {  // op(A)(i, j)
-    const int r = tr.trans == Op::kNone ? i : j, c = tr.trans == Op::kNone ? j : i;
-    if (r == c && tr.unit) return W(1);
-    if (r != c && (r < c) != tr.upper) return W(0);
-    return tr.trans == Op::kConjTrans ? conj_of(W(a(r, c))) : W(a(r, c));
-  };
-  Mat<T> b = b0;
+    for (int j = 0; j < n; ++j)
+      for (int i = 0; i < m; ++i) b0(i, j) = T(kNaN);
+  const Matrix<T> tri = orb::test::triangular_part(a, stored, tr.unit);
+  const char op = orb::letter(tr.trans);
+  Matrix<T> b = b0;
   if (solve)
-    orb::blas::trsm_omp<T>(tr, m, n, alpha, a.p(), a.ld, b.p(), b.ld);
+    orb::blas::trsm_omp<T>(tr, m, n, alpha, a.data(), a.ld, b.data(), b.ld);
   else
-    orb::blas::trmm_omp<T>(tr, m, n, alpha, a.p(), a.ld, b.p(), b.ld);
+    orb::blas::trmm_omp<T>(tr, m, n, alpha, a.data(), a.ld, b.data(), b.ld);
   Tally<T> t{0, solve ? "trsm" : "trmm"};
   // trmm: B = alpha op(A) B0 (B0 op(A)); trsm, as a residual: op(A) X = alpha B0.
-  Mat<T> &x = solve ? b : b0;
-  for (int j = 0; j < n; ++j) {
+  const Matrix<T> &x = solve ? b : b0;
+  Matrix<double> mag;
+  const Matrix<W> ax = tr.left ? multiply(op, tri, 'N', x, &mag) : multiply('N', x, op, tri, &mag);
+  for (int j = 0; j < n; ++j)
     for (int i = 0; i < m; ++i) {
-      W s = 0;
-      double mag = 0;
-      for (int p = 0; p < na; ++p) {
-        const W y = tr.left ? op(i, p) * W(x(p, j)) : W(x(i, p)) * op(p, j);
-        s += y;
-        mag += l1(y);
-      }
       if (alpha == T(0)) {
         if (b(i, j) != T(0)) t.fail(i, j);
       } else if (solve) {
-        t.near(T(0), s - W(alpha) * W(b0(i, j)), mag + std::abs(W(alpha) * W(b0(i, j))), na, i, j);
+        const W rhs = W(alpha) * W(b0(i, j));
+        t.near(T(0), ax(i, j) - rhs, mag(i, j) + std::abs(rhs), na, i, j);
       } else {
-        t.near(b(i, j), W(alpha) * s, std::abs(W(alpha)) * mag, na, i, j);
+        t.near(b(i, j), W(alpha) * ax(i, j), std::abs(W(alpha)) * mag(i, j), na, i, j);
       }
     }
-    for (int i = m; i < b.ld; ++i)
-      if (!b.same(b0, i, j)) t.fail(i, j);
-  }
-  if (out) *out = b.v;
+  t.padding(b);
+  if (out) *out = b.mem;
   return t.bad;
 }
 
 template <class T>
 int triangular_sweep(bool solve, const std::vector<int> &orders, const std::vector<int> &others,
                      const char *transposes) {
-  std::mt19937 rng(13);
+  Random rng(13);
   int bad = 0, x = 0;
   for (bool left : {true, false})
     for (bool upper : {true, false})
@@ -432,7 +398,7 @@ void across_threads(const char *name, Case run) {
   std::vector<T> first;
   for (int nt : {1, 2, 3}) {
     ORB_Set_Num_Threads(nt);
-    std::mt19937 rng(21);
+    Random rng(21);
     std::vector<T> out;
     EXPECT_EQ(run(rng, &out), 0) << name << " nt " << nt;
     if (nt == 1) first = out;
@@ -488,7 +454,7 @@ TEST(Level3, InsideAnApplicationsParallelRegion) {
 #pragma omp parallel num_threads(3)
   {
     const int me = omp_get_thread_num();
-    std::mt19937 rng(me);
+    Random rng(me);
     bad[me] = triangular_case<float>(true, {me != 1, true, static_cast<Op>(me), false}, 300, 200,
                                      1.0f, rng) +
               update_case<float>(false, me == 0, 'T', false, 300, 100, 1.0f, 0.5f, rng);
