@@ -18,6 +18,7 @@
 #include "blas/level2/level2.h"
 #include "service/cpu.h"
 #include "support/child.h"
+#include "support/matrix.h"
 
 namespace orb {
 std::ostream &operator<<(std::ostream &out, Op op) {
@@ -33,109 +34,68 @@ using orb::Op;
 using c8 = std::complex<float>;
 using c16 = std::complex<double>;
 
-template <class T>
-struct Of {
-  using D = double;  // the reference's type
-  using Real = T;
-  static constexpr bool kComplex = false;
-};
-template <class R>
-struct Of<std::complex<R>> {
-  using D = c16;
-  using Real = R;
-  static constexpr bool kComplex = true;
-};
-template <class T>
-using D = typename Of<T>::D;
-template <class T>
-constexpr bool kComplex = Of<T>::kComplex;
+using orb::test::conj_of;
+using orb::test::make;
+using orb::test::Matrix;
+using orb::test::multiply;
+using orb::test::Random;
+using orb::test::Triangle;
 
 template <class T>
-T make(double re, double im = 0) {
-  if constexpr (kComplex<T>)
-    return T(static_cast<typename Of<T>::Real>(re), static_cast<typename Of<T>::Real>(im));
-  else
-    return static_cast<T>(re);
-}
+using D = orb::test::wide_t<T>;  // the reference's type
+template <class T>
+constexpr bool kComplex = orb::test::kIsComplex<T>;
+
 double mag(double v) {
   return std::fabs(v);
 }
 double mag(c16 v) {
   return std::fabs(v.real()) + std::fabs(v.imag());
 }
-double conj(double v) {
-  return v;
-}
-c16 conj(c16 v) {
-  return std::conj(v);
-}
 template <class T>
 bool is_nan(T v) {
   return std::isnan(mag(D<T>(v)));
 }
 
-// Deterministic values in [-1, 1].
-struct Gen {
-  std::uint32_t s = 2463534242u;
-  double next() {
-    s ^= s << 13, s ^= s >> 17, s ^= s << 5;
-    return static_cast<double>(s) / 2147483648.0 - 1.0;
-  }
-  template <class T>
-  T get() {
-    const double re = next();
-    return make<T>(re, kComplex<T> ? next() : 0.0);
-  }
-};
-
-template <class T>
-T sentinel() {
-  return make<T>(1234.5, -543.25);
-}
-
-// A vector of n elements at increment inc, in storage whose gaps hold a
-// sentinel; element i is where the published routines look for it.
+// A vector of n elements at increment inc: one row of n columns at leading
+// dimension |inc|, so that the gaps are padding; element i is where the
+// published routines look for it.
 template <class T>
 struct Vector {
   int n, inc;
-  std::vector<T> mem;
-  Vector(int n_, int inc_, Gen &g)
-      : n(n_), inc(inc_), mem(1 + (n_ > 0 ? n_ - 1 : 0) * std::abs(inc_), sentinel<T>()) {
-    for (int i = 0; i < n; ++i) (*this)[i] = g.get<T>();
-  }
-  T &operator[](int i) { return mem[inc > 0 ? i * inc : (n - 1 - i) * -inc]; }
-  int gaps_changed() const {
-    int changed = 0;
-    for (std::size_t p = 0; p < mem.size(); ++p)
-      if (p % std::abs(inc) != 0 && mem[p] != sentinel<T>()) ++changed;
-    return changed;
-  }
+  Matrix<T> store;
+  Vector(int n_, int inc_, Random &g)
+      : n(n_), inc(inc_), store(orb::test::random_matrix<T>(1, n_, g, std::abs(inc_))) {}
+  T &operator[](int i) { return store(0, inc > 0 ? i : n - 1 - i); }
+  T *data() { return store.data(); }
+  int gaps_changed() const { return store.padding_changed(); }
 };
 
-// A rows-by-cols matrix at leading dimension ld, starting `offset` elements
-// into its storage (an odd offset misaligns it); padding holds the sentinel.
+// The elements of a vector as an n by 1 matrix, for the reference products.
 template <class T>
-struct Matrix {
-  int rows, cols, ld, offset;
-  std::vector<T> mem;
-  Matrix(int r, int c, int pad, int off, Gen &g)
-      : rows(r),
-        cols(c),
-        ld(std::max(1, r + pad)),
-        offset(off),
-        mem(off + static_cast<std::size_t>(ld) * c + 1, sentinel<T>()) {
-    for (int j = 0; j < c; ++j)
-      for (int i = 0; i < r; ++i) (*this)(i, j) = g.get<T>();
-  }
-  T &operator()(int i, int j) { return mem[offset + i + static_cast<std::size_t>(j) * ld]; }
-  T *data() { return mem.data() + offset; }
-  D<T> at(int i, int j) { return D<T>((*this)(i, j)); }
-};
+Matrix<T> column(const std::vector<T> &v) {
+  Matrix<T> c(static_cast<int>(v.size()), 1);
+  for (int i = 0; i < c.rows; ++i) c(i, 0) = v[i];
+  return c;
+}
+
+// A random rows by cols matrix at leading dimension rows + pad, starting
+// `offset` elements into its storage (an odd offset misaligns it).
+template <class T>
+Matrix<T> operand(int r, int c, int pad, int offset, Random &g) {
+  const int ld = std::max(1, r + pad);
+  return orb::test::random_matrix<T>(r, c, g, ld).placed(ld, offset);
+}
+
+template <class T>
+D<T> at(const Matrix<T> &a, int i, int j) {
+  return D<T>(a(i, j));
+}
 
 // |got - want| within a bound that grows with the number of terms summed.
 template <class T>
 bool near(T got, D<T> want, double scale, int terms) {
-  const double eps = std::numeric_limits<typename Of<T>::Real>::epsilon();
+  const double eps = std::numeric_limits<orb::test::real_t<T>>::epsilon();
   return mag(D<T>(got) - want) <= 2.0 * (terms + 8) * eps * scale;
 }
 
@@ -177,46 +137,36 @@ TYPED_TEST_SUITE(Level2Kernels, Types);
 TYPED_TEST(Level2Kernels, MatrixVectorProducts) {
   using T = TypeParam;
   const T alpha = make<T>(0.75, -0.5);
-  Gen g;
+  Random g;
   for (const Variant<T> &v : variants<T>())
     for (int m = 0; m <= 67; ++m)
       for (int n : {1, 2, 3, 4, 5, 6, 9})
         for (int pad : {0, 3})
           for (int off : {0, 1}) {
-            Matrix<T> a(m, n, pad, off, g);
+            const Matrix<T> a = operand<T>(m, n, pad, off, g);
             // y(0:m) += alpha A x
             std::vector<T> x(n), y(m);
-            for (T &e : x) e = g.get<T>();
-            for (T &e : y) e = g.get<T>();
+            for (T &e : x) e = g.value<T>();
+            for (T &e : y) e = g.value<T>();
             std::vector<T> y0 = y;
             v.gemv_n(m, n, alpha, a.data(), a.ld, x.data(), y.data());
+            Matrix<double> bound;
+            const Matrix<D<T>> ax = multiply('N', a, 'N', column(x), &bound);
             int bad = 0;
-            for (int i = 0; i < m; ++i) {
-              D<T> s = D<T>(y0[i]);
-              double scale = mag(D<T>(y0[i]));
-              for (int j = 0; j < n; ++j) {
-                s += D<T>(alpha) * a.at(i, j) * D<T>(x[j]);
-                scale += mag(D<T>(alpha)) * mag(a.at(i, j)) * mag(D<T>(x[j]));
-              }
-              bad += !near(y[i], s, scale, n);
-            }
+            for (int i = 0; i < m; ++i)
+              bad += !near(y[i], D<T>(y0[i]) + D<T>(alpha) * ax(i, 0),
+                           mag(D<T>(y0[i])) + mag(D<T>(alpha)) * bound(i, 0), n);
             // y(0:n) += alpha op(A)^T x
             for (bool cj : {false, true}) {
               std::vector<T> xt(m), yt(n);
-              for (T &e : xt) e = g.get<T>();
-              for (T &e : yt) e = g.get<T>();
+              for (T &e : xt) e = g.value<T>();
+              for (T &e : yt) e = g.value<T>();
               std::vector<T> yt0 = yt;
               v.gemv_t(m, n, alpha, a.data(), a.ld, xt.data(), yt.data(), cj);
-              for (int j = 0; j < n; ++j) {
-                D<T> s = 0;
-                double scale = 0;
-                for (int i = 0; i < m; ++i) {
-                  s += (cj ? conj(a.at(i, j)) : a.at(i, j)) * D<T>(xt[i]);
-                  scale += mag(a.at(i, j)) * mag(D<T>(xt[i]));
-                }
-                bad += !near(yt[j], D<T>(yt0[j]) + D<T>(alpha) * s,
-                             mag(D<T>(yt0[j])) + mag(D<T>(alpha)) * scale, m);
-              }
+              const Matrix<D<T>> atx = multiply(cj ? 'C' : 'T', a, 'N', column(xt), &bound);
+              for (int j = 0; j < n; ++j)
+                bad += !near(yt[j], D<T>(yt0[j]) + D<T>(alpha) * atx(j, 0),
+                             mag(D<T>(yt0[j])) + mag(D<T>(alpha)) * bound(j, 0), m);
             }
             ASSERT_EQ(bad, 0) << v.name << " m=" << m << " n=" << n << " pad=" << pad
                               << " offset=" << off;
@@ -226,13 +176,13 @@ TYPED_TEST(Level2Kernels, MatrixVectorProducts) {
 TYPED_TEST(Level2Kernels, VectorUpdates) {
   using T = TypeParam;
   const D<T> a1 = D<T>(make<T>(-0.5, 0.25)), a2 = D<T>(make<T>(1.5, -0.75));
-  Gen g;
+  Random g;
   for (const Variant<T> &v : variants<T>())
     for (int n = 0; n <= 67; ++n)
       for (int off : {0, 1}) {  // x and w misaligned one way, y the other
         std::vector<T> x(n + 1), w(n + 1), y0(n + 1);
         for (auto *vec : {&x, &w, &y0})
-          for (T &e : *vec) e = g.get<T>();
+          for (T &e : *vec) e = g.value<T>();
         const T *xp = x.data() + off, *wp = w.data() + off;
         // axpy, axpy2, axpy_dot, axpy_dot with conj(x)
         for (int k = 0; k < 4; ++k) {
@@ -248,7 +198,7 @@ TYPED_TEST(Level2Kernels, VectorUpdates) {
             const D<T> xi(xp[i]), wi(wp[i]), yi(y0[i + 1 - off]);
             const D<T> want = yi + a1 * xi + (k == 1 ? a2 * wi : D<T>(0));
             bad += !near(yp[i], want, mag(yi) + mag(a1) * mag(xi) + mag(a2) * mag(wi), 4);
-            s += (k == 3 ? conj(xi) : xi) * wi;
+            s += (k == 3 ? conj_of(xi) : xi) * wi;
             scale += mag(xi) * mag(wi);
           }
           if (k >= 2) bad += !near(dot, s, scale, n);
@@ -281,28 +231,19 @@ std::vector<T> copy_of(Vector<T> &v) {
   return c;
 }
 
+// y := alpha op x + beta y against the reference product p = op x (with its
+// error scale), over `terms` terms.
 template <class T>
-using Full = std::vector<std::vector<D<T>>>;  // a dense op(A), [row][column]
-using Scale = std::vector<std::vector<double>>;
-
-// y := alpha op x + beta y against the reference, op given densely as rows by cols.
-template <class T>
-int check_product(const Full<T> &op, int rows, int cols, bool quick, T alpha, T beta, Vector<T> &x,
-                  Vector<T> &y, const std::vector<T> &y0) {
-  std::vector<D<T>> want(rows);
-  std::vector<double> scale(rows);
-  for (int i = 0; i < rows; ++i) {
-    D<T> s = 0;
-    double sc = 0;
-    for (int k = 0; k < cols; ++k) {
-      s += op[i][k] * D<T>(x[k]);
-      sc += mag(op[i][k]) * mag(D<T>(x[k]));
-    }
-    const bool b0 = beta == T(0);
-    want[i] = D<T>(alpha) * s + (b0 ? D<T>(0) : D<T>(beta) * D<T>(y0[i]));
-    scale[i] = mag(D<T>(alpha)) * sc + (b0 ? 0.0 : mag(D<T>(beta)) * mag(D<T>(y0[i])));
+int check_product(const Matrix<D<T>> &p, const Matrix<double> &bound, int terms, bool quick,
+                  T alpha, T beta, Vector<T> &y, const std::vector<T> &y0) {
+  std::vector<D<T>> want(y.n);
+  std::vector<double> scale(y.n);
+  const bool b0 = beta == T(0);
+  for (int i = 0; i < y.n; ++i) {
+    want[i] = D<T>(alpha) * p(i, 0) + (b0 ? D<T>(0) : D<T>(beta) * D<T>(y0[i]));
+    scale[i] = mag(D<T>(alpha)) * bound(i, 0) + (b0 ? 0.0 : mag(D<T>(beta)) * mag(D<T>(y0[i])));
   }
-  return compare(y, y0, want, scale, cols, quick);
+  return compare(y, y0, want, scale, terms, quick);
 }
 
 template <class T>
@@ -313,54 +254,46 @@ std::vector<std::pair<T, T>> alpha_beta() {
 constexpr int kIncs[][2] = {{1, 1}, {2, -1}, {-1, 2}, {-3, -3}, {1, -3}};
 
 template <class T>
-int run_gemv(Gen &g, Op trans, int m, int n, int pad, int incx, int incy, T alpha, T beta) {
-  Matrix<T> a(m, n, pad, 1, g);
+int run_gemv(Random &g, Op trans, int m, int n, int pad, int incx, int incy, T alpha, T beta) {
+  const Matrix<T> a = operand<T>(m, n, pad, 1, g);
   const bool nt = trans == Op::kNone;
   Vector<T> x(nt ? n : m, incx, g), y(nt ? m : n, incy, g);
   if (beta == T(0))
     for (int i = 0; i < y.n; ++i) y[i] = nan_value<T>();  // not to be read
   const std::vector<T> y0 = copy_of(y);
-  Full<T> op(y.n, std::vector<D<T>>(x.n));
-  for (int i = 0; i < y.n; ++i)
-    for (int k = 0; k < x.n; ++k)
-      op[i][k] = nt ? a.at(i, k) : trans == Op::kConjTrans ? conj(a.at(k, i)) : a.at(k, i);
-  l2::gemv(trans, m, n, alpha, a.data(), a.ld, x.mem.data(), incx, beta, y.mem.data(), incy);
+  Matrix<double> bound;
+  const Matrix<D<T>> p = multiply(orb::letter(trans), a, 'N', column(copy_of(x)), &bound);
+  l2::gemv(trans, m, n, alpha, a.data(), a.ld, x.data(), incx, beta, y.data(), incy);
   const bool quick = m == 0 || n == 0 || (alpha == T(0) && beta == T(1));
-  return check_product(op, y.n, x.n, quick, alpha, beta, x, y, y0);
+  return check_product(p, bound, x.n, quick, alpha, beta, y, y0);
 }
 
 template <class T>
-int run_symv(Gen &g, bool upper, int n, int pad, int incx, int incy, T alpha, T beta) {
+int run_symv(Random &g, bool upper, int n, int pad, int incx, int incy, T alpha, T beta) {
   const bool herm = kComplex<T>;
-  Matrix<T> a(n, n, pad, 1, g);
-  Full<T> op(n, std::vector<D<T>>(n));
-  for (int j = 0; j < n; ++j)
-    for (int i = 0; i < n; ++i) {
-      if (i == j) {
-        // A Hermitian diagonal's imaginary parts are not read.
-        if (herm) a(i, i) = make<T>(std::real(a.at(i, i)), std::nan(""));
-        op[i][i] = herm ? D<T>(std::real(a.at(i, i))) : a.at(i, i);
-      } else if ((i < j) == upper) {
-        op[i][j] = a.at(i, j);
-        op[j][i] = herm ? conj(a.at(i, j)) : a.at(i, j);
-      } else {
-        a(i, j) = nan_value<T>();  // the other triangle is not read
-      }
-    }
+  const Triangle stored = upper ? Triangle::kUpper : Triangle::kLower;
+  Matrix<T> a = operand<T>(n, n, pad, 1, g);
+  orb::test::keep_triangle(a, stored);  // the other triangle is not read
+  // A Hermitian diagonal's imaginary parts are not read.
+  if (herm)
+    for (int i = 0; i < n; ++i) a(i, i) = make<T>(std::real(at(a, i, i)), std::nan(""));
   Vector<T> x(n, incx, g), y(n, incy, g);
   if (beta == T(0))
     for (int i = 0; i < n; ++i) y[i] = nan_value<T>();
   const std::vector<T> y0 = copy_of(y);
-  l2::symv(upper, n, alpha, a.data(), a.ld, x.mem.data(), incx, beta, y.mem.data(), incy, herm);
-  return check_product(op, n, n, n == 0 || (alpha == T(0) && beta == T(1)), alpha, beta, x, y, y0);
+  Matrix<double> bound;
+  const Matrix<D<T>> p = multiply('N', orb::test::full_from_triangle(a, stored, herm), 'N',
+                                  column(copy_of(x)), &bound);
+  l2::symv(upper, n, alpha, a.data(), a.ld, x.data(), incx, beta, y.data(), incy, herm);
+  return check_product(p, bound, n, n == 0 || (alpha == T(0) && beta == T(1)), alpha, beta, y, y0);
 }
 
 // Rank updates: a.mem after the call against `want` on the stored part,
 // everything else untouched.
 template <class T>
-int check_update(Matrix<T> &a, const std::vector<T> &before, const Full<T> &want,
-                 const Scale &scale, int terms, bool quick, bool upper_only, bool lower_only,
-                 bool herm) {
+int check_update(Matrix<T> &a, const std::vector<T> &before, const Matrix<D<T>> &want,
+                 const Matrix<double> &scale, int terms, bool quick, bool upper_only,
+                 bool lower_only, bool herm) {
   int bad = 0;
   for (std::size_t p = 0; p < a.mem.size(); ++p) {
     const std::ptrdiff_t q = static_cast<std::ptrdiff_t>(p) - a.offset;
@@ -371,7 +304,7 @@ int check_update(Matrix<T> &a, const std::vector<T> &before, const Full<T> &want
     if (!stored || quick) {
       bad += !same(a.mem[p], before[p]);
     } else {
-      bad += !near(a.mem[p], want[i][j], scale[i][j], terms);
+      bad += !near(a.mem[p], want(i, j), scale(i, j), terms);
       if (herm && i == j) bad += std::imag(D<T>(a.mem[p])) != 0;
     }
   }
@@ -379,100 +312,93 @@ int check_update(Matrix<T> &a, const std::vector<T> &before, const Full<T> &want
 }
 
 template <class T>
-int run_ger(Gen &g, int m, int n, int pad, int incx, int incy, T alpha, bool cj) {
-  Matrix<T> a(m, n, pad, 1, g);
+int run_ger(Random &g, int m, int n, int pad, int incx, int incy, T alpha, bool cj) {
+  Matrix<T> a = operand<T>(m, n, pad, 1, g);
   Vector<T> x(m, incx, g), y(n, incy, g);
   if (n > 1) y[1] = T(0);
   const std::vector<T> before = a.mem;
-  Full<T> want(m, std::vector<D<T>>(n));
-  Scale scale(m, std::vector<double>(n));
-  for (int i = 0; i < m; ++i)
-    for (int j = 0; j < n; ++j) {
-      const D<T> yj = cj ? conj(D<T>(y[j])) : D<T>(y[j]);
-      want[i][j] = a.at(i, j) + D<T>(alpha) * D<T>(x[i]) * yj;
-      scale[i][j] = mag(a.at(i, j)) + mag(D<T>(alpha)) * mag(D<T>(x[i])) * mag(yj);
+  // A + alpha x y^T (or y^H)
+  Matrix<double> scale;
+  Matrix<D<T>> want = multiply('N', column(copy_of(x)), cj ? 'C' : 'T', column(copy_of(y)), &scale);
+  for (int j = 0; j < n; ++j)
+    for (int i = 0; i < m; ++i) {
+      want(i, j) = at(a, i, j) + D<T>(alpha) * want(i, j);
+      scale(i, j) = mag(at(a, i, j)) + mag(D<T>(alpha)) * scale(i, j);
     }
-  l2::ger(m, n, alpha, x.mem.data(), incx, y.mem.data(), incy, a.data(), a.ld, cj);
+  l2::ger(m, n, alpha, x.data(), incx, y.data(), incy, a.data(), a.ld, cj);
   const bool quick = m == 0 || n == 0 || alpha == T(0);
   return check_update(a, before, want, scale, 2, quick, false, false, false);
 }
 
 // xSYR / xHER (second vector absent) and xSYR2 / xHER2.
 template <class T>
-int run_syr(Gen &g, bool two, bool herm, bool upper, int n, int pad, int incx, int incy, T alpha) {
-  Matrix<T> a(n, n, pad, 1, g);
+int run_syr(Random &g, bool two, bool herm, bool upper, int n, int pad, int incx, int incy,
+            T alpha) {
+  Matrix<T> a = operand<T>(n, n, pad, 1, g);
   Vector<T> x(n, incx, g), y(two ? n : 0, incy, g);
   if (n > 1) x[1] = T(0);
   if (n > 1 && two) y[1] = T(0);
   const std::vector<T> before = a.mem;
-  Full<T> want(n, std::vector<D<T>>(n));
-  Scale scale(n, std::vector<double>(n));
-  auto op = [&](D<T> v) { return herm ? conj(v) : v; };
-  for (int i = 0; i < n; ++i)
-    for (int j = 0; j < n; ++j) {
-      const D<T> al(alpha), xi(x[i]), xj(x[j]);
-      D<T> v = i == j && herm ? D<T>(std::real(a.at(i, i))) : a.at(i, j);
-      double sc = mag(a.at(i, j));
-      if (two) {
-        const D<T> yi(y[i]), yj(y[j]);
-        v += al * xi * op(yj) + op(al) * yi * op(xj);
-        sc += mag(al) * (mag(xi) * mag(yj) + mag(yi) * mag(xj));
-      } else {
-        v += al * xi * op(xj);
-        sc += mag(al) * mag(xi) * mag(xj);
-      }
-      want[i][j] = v, scale[i][j] = sc;
+  // alpha x op(y)^T + op(alpha) y op(x)^T, or alpha x op(x)^T; op conjugates
+  // when herm.
+  const char h = herm ? 'C' : 'T';
+  const Matrix<T> xc = column(copy_of(x)), yc = column(copy_of(y));
+  Matrix<double> b1, b2;
+  const Matrix<D<T>> p1 = multiply('N', xc, h, two ? yc : xc, &b1);
+  const Matrix<D<T>> p2 = two ? multiply('N', yc, h, xc, &b2) : Matrix<D<T>>();
+  const D<T> al(alpha), al2 = herm ? conj_of(al) : al;
+  Matrix<D<T>> want(n, n);
+  Matrix<double> scale(n, n);
+  for (int j = 0; j < n; ++j)
+    for (int i = 0; i < n; ++i) {
+      want(i, j) = (i == j && herm ? D<T>(std::real(at(a, i, i))) : at(a, i, j)) + al * p1(i, j);
+      scale(i, j) = mag(at(a, i, j)) + mag(al) * b1(i, j);
+      if (two) want(i, j) += al2 * p2(i, j), scale(i, j) += mag(al) * b2(i, j);
     }
   if (two)
-    l2::syr2(upper, n, alpha, x.mem.data(), incx, y.mem.data(), incy, a.data(), a.ld, herm);
+    l2::syr2(upper, n, alpha, x.data(), incx, y.data(), incy, a.data(), a.ld, herm);
   else
-    l2::syr(upper, n, alpha, x.mem.data(), incx, a.data(), a.ld, herm);
+    l2::syr(upper, n, alpha, x.data(), incx, a.data(), a.ld, herm);
   return check_update(a, before, want, scale, 3, n == 0 || alpha == T(0), upper, !upper, herm);
 }
 
 // xTRMV and xTRSV: the product against the reference, the solve by its
 // residual.
 template <class T>
-int run_trxv(Gen &g, bool solve, bool upper, Op trans, bool unit, int n, int pad, int incx) {
-  Matrix<T> a(n, n, pad, 1, g);
-  Full<T> op(n, std::vector<D<T>>(n, D<T>(0)));
+int run_trxv(Random &g, bool solve, bool upper, Op trans, bool unit, int n, int pad, int incx) {
+  const Triangle stored = upper ? Triangle::kUpper : Triangle::kLower;
+  Matrix<T> a = operand<T>(n, n, pad, 1, g);
+  orb::test::keep_triangle(a, stored);  // the other triangle is not read
   for (int j = 0; j < n; ++j)
     for (int i = 0; i < n; ++i) {
       if (i == j) {
         if (unit)
           a(i, i) = nan_value<T>();  // not read
         else
-          a(i, i) = a(i, i) + make<T>(std::real(a.at(i, i)) < 0 ? -2 : 2);
+          a(i, i) = a(i, i) + make<T>(std::real(at(a, i, i)) < 0 ? -2 : 2);
       } else if ((i < j) == upper) {
         a(i, j) = a(i, j) * make<T>(0.5 / n);
-      } else {
-        a(i, j) = nan_value<T>();
-        continue;
       }
-      const D<T> v = i == j && unit ? D<T>(1) : a.at(i, j);
-      const int r = trans == Op::kNone ? i : j, c = trans == Op::kNone ? j : i;
-      op[r][c] = trans == Op::kConjTrans ? conj(v) : v;
     }
+  const Matrix<T> tri = orb::test::triangular_part(a, stored, unit);
   Vector<T> x(n, incx, g);
   const std::vector<T> x0 = copy_of(x);
   if (solve)
-    l2::trsv(upper, trans, unit, n, a.data(), a.ld, x.mem.data(), incx);
+    l2::trsv(upper, trans, unit, n, a.data(), a.ld, x.data(), incx);
   else
-    l2::trmv(upper, trans, unit, n, a.data(), a.ld, x.mem.data(), incx);
+    l2::trmv(upper, trans, unit, n, a.data(), a.ld, x.data(), incx);
   int bad = x.gaps_changed();
-  const double eps = std::numeric_limits<typename Of<T>::Real>::epsilon();
+  // op(A) x0 against x, or op(A) x against x0.
+  Matrix<double> bound;
+  const Matrix<D<T>> p =
+      multiply(orb::letter(trans), tri, 'N', column(solve ? copy_of(x) : x0), &bound);
+  const double eps = std::numeric_limits<orb::test::real_t<T>>::epsilon();
   for (int i = 0; i < n; ++i) {
-    D<T> s = 0;
-    double sc = 0;
-    for (int k = 0; k < n; ++k) {
-      const D<T> v = solve ? D<T>(x[k]) : D<T>(x0[k]);
-      s += op[i][k] * v;
-      sc += mag(op[i][k]) * mag(v);
-    }
     if (solve)
-      bad += !(mag(s - D<T>(x0[i])) <= 2.0 * (n + 8) * eps * (sc + mag(D<T>(x0[i]))));
+      bad +=
+          !(mag(p(i, 0) - D<T>(x0[i])) <= 2.0 * (n + 8) * eps * (bound(i, 0) + mag(D<T>(x0[i]))));
     else
-      bad += !near(x[i], s, sc, n);
+      bad += !near(x[i], p(i, 0), bound(i, 0), n);
   }
   return bad;
 }
@@ -487,7 +413,7 @@ constexpr int kOrders[] = {0, 1, 2, 3, 5, 17, 31, 32, 33, 65, 70};
 
 TYPED_TEST(Level2Routines, Gemv) {
   using T = TypeParam;
-  Gen g;
+  Random g;
   for (Op trans : {Op::kNone, Op::kTrans, Op::kConjTrans})
     for (const auto &mn : kShapes)
       for (int pad : {0, 2})
@@ -514,7 +440,7 @@ TYPED_TEST(Level2Routines, GemvUsesEveryColumn) {
 
 TYPED_TEST(Level2Routines, Symv) {
   using T = TypeParam;
-  Gen g;
+  Random g;
   for (bool upper : {true, false})
     for (int n : kOrders)
       for (int pad : {0, 2})
@@ -527,7 +453,7 @@ TYPED_TEST(Level2Routines, Symv) {
 
 TYPED_TEST(Level2Routines, Ger) {
   using T = TypeParam;
-  Gen g;
+  Random g;
   for (bool cj : {false, kComplex<T>})
     for (const auto &mn : kShapes)
       for (const auto &inc : kIncs)
@@ -539,7 +465,7 @@ TYPED_TEST(Level2Routines, Ger) {
 
 TYPED_TEST(Level2Routines, SymmetricAndHermitianUpdates) {
   using T = TypeParam;
-  Gen g;
+  Random g;
   for (bool two : {false, true})
     for (bool herm : {false, kComplex<T>})
       for (bool upper : {true, false})
@@ -553,7 +479,7 @@ TYPED_TEST(Level2Routines, SymmetricAndHermitianUpdates) {
 
 TYPED_TEST(Level2Routines, TriangularProductAndSolve) {
   using T = TypeParam;
-  Gen g;
+  Random g;
   for (bool solve : {false, true})
     for (bool upper : {true, false})
       for (Op trans : {Op::kNone, Op::kTrans, Op::kConjTrans})
@@ -591,7 +517,7 @@ TYPED_TEST(Level2Routines, ZeroScaleLeavesColumnsAlone) {
 // made in small stack chunks as when no work buffer can be had.
 TYPED_TEST(Level2Routines, LongVectorsAndNoWorkBuffers) {
   using T = TypeParam;
-  Gen g;
+  Random g;
   const T alpha = make<T>(0.7, -0.3), beta = make<T>(-1.25, 0.5);
   const int rb = l2::row_block<T>();
   for (Op trans : {Op::kNone, Op::kConjTrans}) {
