@@ -69,7 +69,8 @@ constexpr char kLetter = std::is_same_v<T, float>    ? 's'
 template <class T, class Fn>
 DispatchRecord record(const char *name, Kernel<Fn> &k) {
   DispatchRecord r{std::string(name) + '/' + kLetter<T>, {}, nullptr};
-  for (int t = 0; t < 7; ++t) r.variants[t] = reinterpret_cast<const void *>(k.variants[t]);
+  for (int s = 0; s < cpu::kKernelSets; ++s)
+    r.variants[s] = reinterpret_cast<const void *>(k.variants[s]);
   r.picked = reinterpret_cast<const void *>(k.slot.get());
   return r;
 }
