@@ -104,37 +104,37 @@ void packed_or_direct(const GemmShape<T> &s, kernel::GemmDirect<T> direct, int t
 
 // ---- type 0: the generic path ---------------------------------------------------
 
-// Two buffers of 4096 + 16 and 51,200 + 16 bytes; block parameter 64.
-constexpr int kGenericABytes = 4096 + 16;
-constexpr int kGenericBBytes = 51200 + 16;
+// The packing buffers of the generic kernel's blocks, each with 16 bytes to
+// spare: 4096 + 16 and 51,200 + 16 bytes.
+constexpr int kGenericSpare = 16;
 
 void serial_type0(const Args &x) {
   if (x.m <= 0 || x.n <= 0) return;
-  mem::Buffer<char> abuf(kGenericABytes, kBufferAlignment);
-  mem::Buffer<char> bbuf(kGenericBBytes, kBufferAlignment);
+  const GemmShape<float> &s = kernel::generic::sgemm_shape;
+  mem::Buffer<char> abuf(packed_a_size(s) * sizeof(float) + kGenericSpare, kBufferAlignment);
+  mem::Buffer<char> bbuf(packed_b_size(s) * sizeof(float) + kGenericSpare, kBufferAlignment);
   if (!abuf || !bbuf) {
     kernel::generic::gemm_direct<float>(x.ta, x.tb, x.m, x.n, x.k, x.alpha, x.a, x.lda, x.b, x.ldb,
                                         x.beta, x.c, x.ldc);
     return;
   }
-  gemm_packed(kernel::generic::sgemm_shape, x.ta, x.tb, x.m, x.n, x.k, x.alpha, x.a, x.lda, x.b,
-              x.ldb, x.beta, x.c, x.ldc, reinterpret_cast<float *>(abuf.get()),
-              reinterpret_cast<float *>(bbuf.get()));
+  gemm_packed(s, x.ta, x.tb, x.m, x.n, x.k, x.alpha, x.a, x.lda, x.b, x.ldb, x.beta, x.c, x.ldc,
+              reinterpret_cast<float *>(abuf.get()), reinterpret_cast<float *>(bbuf.get()));
 }
 
 // ---- types 2 and 3: direct or packed ----------------------------------------------
 
 struct SseKernels {
-  kernel::GemmUkr<float> (*ukr)();
-  int (*mr)();
+  const GemmShape<float> *shape;
   kernel::GemmDirect<float> direct;
 };
 
-constexpr int kInnerBlock23 = 64;  // whole blocks of 64, then the k mod 64 edge block
-
+// The kernel's tile and inner blocks (whole blocks, then the edge block),
+// with square blocks of C by the cache class.
 GemmShape<float> shape23(const SseKernels &kern) {
-  const int block = packed_block23(cpu::cache_class());
-  return {kern.mr(), 6, block, kInnerBlock23, block, kern.ukr()};
+  GemmShape<float> s = *kern.shape;
+  s.mc = s.nc = packed_block23(cpu::cache_class());
+  return s;
 }
 
 void serial_type23(const SseKernels &kern, const Args &x) {
@@ -151,21 +151,16 @@ void serial_type23(const SseKernels &kern, const Args &x) {
                           x.lda, x.b, x.ldb, x.beta, x.c, x.ldc);
 }
 
-const SseKernels kSse2{&kernel::sse2::sgemm_ukr, &kernel::sse2::sgemm_mr,
-                       &kernel::sse2::sgemm_direct};
-const SseKernels kSse3{&kernel::sse3::sgemm_ukr, &kernel::sse3::sgemm_mr,
-                       &kernel::sse3::sgemm_direct};
-const SseKernels kSsse3{&kernel::ssse3::sgemm_ukr, &kernel::ssse3::sgemm_mr,
-                        &kernel::ssse3::sgemm_direct};
-const SseKernels kSse42{&kernel::sse42::sgemm_ukr, &kernel::sse42::sgemm_mr,
-                        &kernel::sse42::sgemm_direct};
+const SseKernels kSse2{&kernel::sse2::sgemm_shape, &kernel::sse2::sgemm_direct};
+const SseKernels kSse3{&kernel::sse3::sgemm_shape, &kernel::sse3::sgemm_direct};
+const SseKernels kSsse3{&kernel::ssse3::sgemm_shape, &kernel::ssse3::sgemm_direct};
+const SseKernels kSse42{&kernel::sse42::sgemm_shape, &kernel::sse42::sgemm_direct};
 
 // ---- types 4 and 5: three kernels each ----------------------------------------------
 
-// Every kernel of a type sums the inner dimension in the same blocks of 256,
+// Every kernel of a type sums the inner dimension in the same blocks (256),
 // so the choice between them (which depends on the slab a thread gets) never
-// changes a result.
-constexpr int kInnerBlock45 = 256;
+// changes a result. The large-panel kernel takes panels of B twice as wide.
 
 bool wide_fma() {
 #if defined(__x86_64__)
@@ -176,22 +171,24 @@ bool wide_fma() {
 }
 
 GemmShape<float> shape45(const SseKernels &sse, Kernel45 which) {
+  GemmShape<float> s = *sse.shape;
 #if defined(__x86_64__)
-  if (which != Kernel45::kPreSse41 && wide_fma()) {
-    const int nc = which == Kernel45::kLargePanel ? 6144 : 3072;
-    return {16, 6, 144, kInnerBlock45, nc, &kernel::avx2::sgemm_ukr_16x6};
-  }
+  if (which != Kernel45::kPreSse41 && wide_fma()) s = kernel::avx2::sgemm_shape;
 #endif
-  const int nc = which == Kernel45::kLargePanel ? 4080 : 2040;
-  return {sse.mr(), 6, 120, kInnerBlock45, nc, sse.ukr()};
+  if (which == Kernel45::kLargePanel) s.nc *= 2;
+  return s;
 }
 
 #if defined(__x86_64__)
-// Products of at most 8 columns with op(A) = A go straight through the thin
+// Products of few columns with op(A) = A go straight through the thin
 // kernel, which forms the same sums as the packed kernel. The rule looks only
 // at op(A) and n, which every slab of a split product shares.
 bool thin(const Args &x) {
-  return wide_fma() && x.ta == 0 && x.n <= 8 && x.alpha != 0.0f;
+  return wide_fma() && x.ta == 0 && x.n <= kernel::avx2::sgemm_thin_kernel.max_n && x.alpha != 0.0f;
+}
+void run_thin(int m, const float *a, float beta, float *c, const Args &x) {
+  kernel::avx2::sgemm_thin_kernel.run(x.tb, m, x.n, x.k, kernel::avx2::sgemm_shape.kc, x.alpha, a,
+                                      x.lda, x.b, x.ldb, beta, c, x.ldc);
 }
 #endif
 
@@ -199,8 +196,7 @@ void serial_type45(int type, const SseKernels &sse, const Args &x, bool accumula
   if (x.m <= 0 || x.n <= 0) return;
 #if defined(__x86_64__)
   if (thin(x) && x.k > 0) {
-    kernel::avx2::sgemm_thin(x.tb, x.m, x.n, x.k, kInnerBlock45, x.alpha, x.a, x.lda, x.b, x.ldb,
-                             accumulate ? 1.0f : x.beta, x.c, x.ldc);
+    run_thin(x.m, x.a, accumulate ? 1.0f : x.beta, x.c, x);
     return;
   }
 #endif
@@ -250,9 +246,7 @@ void packed45(const PackedArgs &p) {
 #if defined(__x86_64__)
   // Every member sees the same n, so either all take this branch or none.
   if (thin(x) && x.k > 0) {
-    if (p.rows > 0)
-      kernel::avx2::sgemm_thin(x.tb, p.rows, x.n, x.k, kInnerBlock45, x.alpha, x.a + p.row0, x.lda,
-                               x.b, x.ldb, 1.0f, x.c + p.row0, x.ldc);
+    if (p.rows > 0) run_thin(p.rows, x.a + p.row0, 1.0f, x.c + p.row0, x);
     return;
   }
 #endif
@@ -283,12 +277,14 @@ Slot<PackedFn> g_packed{three<PackedFn>(packed_none, packed45<4>, packed45<5>)};
 
 using ParamsFn = void (*)(int *params);
 void params_none(int *) {}
+template <int Type>
 void params45(int *params) {
-  params[0] = kInnerBlock45;
-  params[1] = wide_fma() ? 144 : 120;
-  params[2] = 6;  // columns of a packed sliver
+  const GemmShape<float> s = shape45(Type == 5 ? kSse42 : kSsse3, Kernel45::kNormal);
+  params[0] = s.kc;
+  params[1] = s.mc;
+  params[2] = s.nr;  // columns of a packed sliver
 }
-Slot<ParamsFn> g_params{three<ParamsFn>(params_none, params45, params45)};
+Slot<ParamsFn> g_params{three<ParamsFn>(params_none, params45<4>, params45<5>)};
 
 using ShapeFn = GemmShape<float> (*)();
 GemmShape<float> shape0() {
@@ -347,30 +343,27 @@ template <>
 struct Kernels<double> {
   static GemmShape<double> shape() {
 #if defined(__x86_64__)
-    if (cpu::blas_type() >= 4 && wide_fma())
-      return {8, 6, 96, 256, 2048, &kernel::avx2::dgemm_ukr_8x6};
+    if (cpu::blas_type() >= 4 && wide_fma()) return kernel::avx2::dgemm_shape;
 #endif
-    return kernel::generic::dgemm_shape();
+    return kernel::generic::dgemm_shape;
   }
 };
 template <>
 struct Kernels<c8> {
   static GemmShape<c8> shape() {
 #if defined(__x86_64__)
-    if (cpu::blas_type() >= 4 && wide_fma())
-      return {8, 2, 96, 256, 2048, &kernel::avx2::cgemm_ukr_8x2};
+    if (cpu::blas_type() >= 4 && wide_fma()) return kernel::avx2::cgemm_shape;
 #endif
-    return kernel::generic::cgemm_shape();
+    return kernel::generic::cgemm_shape;
   }
 };
 template <>
 struct Kernels<c16> {
   static GemmShape<c16> shape() {
 #if defined(__x86_64__)
-    if (cpu::blas_type() >= 4 && wide_fma())
-      return {4, 2, 64, 256, 1024, &kernel::avx2::zgemm_ukr_4x2};
+    if (cpu::blas_type() >= 4 && wide_fma()) return kernel::avx2::zgemm_shape;
 #endif
-    return kernel::generic::zgemm_shape();
+    return kernel::generic::zgemm_shape;
   }
 };
 
