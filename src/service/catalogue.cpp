@@ -26,12 +26,11 @@ struct Entry {
   const char *text;
 };
 
-// The built-in texts, by subsystem.
+// The built-in texts: every subsystem's message table, as the build lists
+// them (each subsystem declares its own with orb_message_table).
 constexpr Entry kBuiltin[] = {
 #define ORB_MESSAGE(number, cls, text) {number, cls, text},
-#include "service/messages.def"
-#include "iterative/messages_rci.def"
-#include "iterative/messages_ilu.def"
+#include "orb_messages.inc"
 #undef ORB_MESSAGE
 };
 

@@ -8,6 +8,7 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "service/kernel_set.h"
 #include "service/platform/platform.h"
 
 namespace orb::cpu {
@@ -254,7 +255,40 @@ bool once(std::atomic<int> &flag, bool (*determine)()) {
   return v != 0;
 }
 
+// ---- kernel set -------------------------------------------------------------------
+
+std::atomic<int> g_kernel_set{-1};
+
+// The widest path with kernels in this build (the build defines
+// ORB_KERNELS_<ISA> for each instruction-set folder it compiles) that the
+// processor and the system support.
+Wide widest_path() {
+#if defined(ORB_KERNELS_AVX512)
+  if (avx512_usable()) return Wide::kAvx512;
+#endif
+#if defined(ORB_KERNELS_AVX2)
+  if (avx2_fma_usable()) return Wide::kAvx2;
+#endif
+  return Wide::kNone;
+}
+
+KernelSet determine_kernel_set() {
+  const int type = blas_type();
+  const bool sse41 = type == 4 && has_sse41();
+  const Wide wide = type == 5 || sse41 ? widest_path() : Wide::kNone;
+  return resolve_kernel_set(type, sse41, wide);
+}
+
 }  // namespace
+
+KernelSet kernel_set() {
+  int s = g_kernel_set.load(std::memory_order_relaxed);
+  if (s < 0) {
+    s = determine_kernel_set();
+    g_kernel_set.store(s, std::memory_order_relaxed);
+  }
+  return static_cast<KernelSet>(s);
+}
 
 bool avx2_fma_usable() {
   return once(g_avx2, determine_avx2);
@@ -356,6 +390,7 @@ int cache_class() {
 
 void reset_for_testing() {
   g_blas_type.store(kUndetermined);
+  g_kernel_set.store(-1);
   g_vml_type.store(kVmlUndetermined);
   g_cache_unqueried.store(true);
   g_cache_class.store(-1);

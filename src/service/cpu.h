@@ -34,9 +34,10 @@ bool has_ssse3();
 bool has_sse41();
 bool has_sse42();
 
-// Wider paths inside the type-4 and type-5 kernels (x86-64): the processor has
-// the instructions and the operating system saves their registers. Each is
-// determined once.
+// The wider paths of the type-4 and type-5 kernel sets (service/kernel_set.h):
+// the processor has the instructions and the operating system saves their
+// registers. Each is determined once; the library asks them only when it
+// decides the kernel set.
 bool avx2_fma_usable();  // AVX2 and FMA, YMM state enabled
 bool avx512_usable();    // AVX-512 F, DQ, BW, VL, ZMM and mask state enabled
 
@@ -62,9 +63,9 @@ void cache_query(CacheRecord *out);
 // 2 from 1 MiB to below 4 MiB, 3 from 4 MiB. Determined once.
 int cache_class();
 
-// For tests only: forget every determined value (types, cache record, class,
-// wider paths)
-// so that the next query determines it again from the current source.
+// For tests only: forget every determined value (types, kernel set, cache
+// record, class, wider paths) so that the next query determines it again from
+// the current source.
 void reset_for_testing();
 
 }  // namespace orb::cpu

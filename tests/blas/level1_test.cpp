@@ -21,6 +21,7 @@
 #include "blas/kernel/level1.h"
 #include "blas/level1/level1.h"
 #include "service/cpu.h"
+#include "service/kernel_set.h"
 #include "support/child.h"
 
 namespace {
@@ -810,14 +811,19 @@ TYPED_TEST(Level1Rotg, ModifiedRotation) {
 // ---- dispatch
 // ---------------------------------------------------------------------------------------
 
-// In a process whose processor type is forced: every slot takes that type's
-// variant, and the variants taken agree with the reference.
+// In a process whose processor type is forced: every slot takes the variant
+// of that type's kernel set, and the variants taken agree with the reference.
 ORB_CHILD(level1_dispatch) {
   const int type = orb::cpu::blas_type();
+  const orb::cpu::KernelSet set = orb::cpu::kernel_set();
   std::printf("type=%d\n", type);
   int bad = 0;
+  if (orb::cpu::type_of(set) != type) {
+    std::printf("kernel set %d is not of type %d\n", set, type);
+    ++bad;
+  }
   for (const auto &r : blas::level1_dispatch_for_testing())
-    if (r.variants[type] == nullptr || r.picked != r.variants[type]) {
+    if (r.variants[set] == nullptr || r.picked != r.variants[set]) {
       std::printf("%s: wrong variant\n", r.name.c_str());
       ++bad;
     }
@@ -852,7 +858,8 @@ TEST(Level1Dispatch, TypeZeroIsGeneric) {
     if (it != generic.end()) {
       EXPECT_EQ(r.variants[0], it->second) << r.name;
     }
-    for (int t : {0, 2, 3, 4, 5}) EXPECT_NE(r.variants[t], nullptr) << r.name << " " << t;
+    for (int s = 0; s < orb::cpu::kKernelSets; ++s)
+      EXPECT_NE(r.variants[s], nullptr) << r.name << " " << s;
   }
 }
 

@@ -546,17 +546,23 @@ TYPED_TEST(Level2Routines, LongVectorsAndNoWorkBuffers) {
 // ---- dispatch ---------------------------------------------------------------------
 
 // In a process forced to a processor type: the slots take that type's
-// variants, and the drivers pass their tests with them.
+// variants (the 256-bit ones where types 4 and 5 can take the wider path: a
+// processor with AVX2 and FMA, and SSE4.1 for type 4), and the drivers pass
+// their tests with them.
 ORB_CHILD(level2_forced_type) {
   const int type = orb::cpu::blas_type();
   using F = k2::GemvN<float>;
   using Z = k2::AxpyDot<c16>;
-  const F f[] = {&k2::generic::gemv_n,       nullptr,
-                 &k2::sse2::gemv_n,          &k2::sse3::gemv_n,
-                 &k2::ssse3_or_avx2::gemv_n, &k2::sse42_or_avx2::gemv_n};
-  const Z z[] = {&k2::generic::axpy_dot,       nullptr,
-                 &k2::sse2::axpy_dot,          &k2::sse3::axpy_dot,
-                 &k2::ssse3_or_avx2::axpy_dot, &k2::sse42_or_avx2::axpy_dot};
+  F f[] = {&k2::generic::gemv_n, nullptr,           &k2::sse2::gemv_n, &k2::sse3::gemv_n,
+           &k2::ssse3::gemv_n,   &k2::sse42::gemv_n};
+  Z z[] = {&k2::generic::axpy_dot, nullptr,
+           &k2::sse2::axpy_dot,    &k2::sse3::axpy_dot,
+           &k2::ssse3::axpy_dot,   &k2::sse42::axpy_dot};
+#if defined(__x86_64__)
+  namespace cpu = orb::cpu;
+  if (cpu::avx2_fma_usable() && (type == 5 || (type == 4 && cpu::has_sse41())))
+    f[type] = &k2::avx2::gemv_n, z[type] = &k2::avx2::axpy_dot;
+#endif
   if (l2::kernels<float>().gemv_n.get() != f[type] ||
       l2::kernels<c16>().axpy_dot.get() != z[type]) {
     std::printf("type %d: a slot holds another variant\n", type);

@@ -8,6 +8,7 @@
 
 #include "service/cpu.h"
 #include "service/dispatch.h"
+#include "service/kernel_set.h"
 #include "support/child.h"
 
 #ifdef _WIN32
@@ -109,32 +110,46 @@ FakeCpu other(std::uint32_t ecx, std::uint32_t edx = SSE2) {
 }
 
 TEST_F(Detection, TypesByExtension) {
+  using namespace orb::cpu;
+  // The recorded processors have no leaf 7, hence no wider path.
   struct Case {
     FakeCpu cpu;
     int blas, vml;
+    KernelSet set;
   } cases[] = {
-      {quintara(SSE3 | SSSE3 | SSE41 | SSE42), 5, 6},
-      {quintara(SSE3 | SSSE3 | SSE41), 4, 5},  // SSE4.1 alone does not reach type 5
-      {quintara(SSE3 | SSSE3), 4, 4},
-      {quintara(SSE3), 3, 3},
-      {quintara(0), 2, 2},
-      {quintara(0, 0), 0, 0},
-      {other(SSE3 | SSSE3 | SSE41 | SSE42), 5, 1},  // another vendor: vector math type 1
-      {other(SSE3 | SSSE3 | SSE41), 4, 1},
-      {other(SSE3), 3, 1},
-      {other(0, 0), 0, 0},
-      {quintara(SSE42, 0), 5, 6},  // no requirement that the lower levels be present
+      {quintara(SSE3 | SSSE3 | SSE41 | SSE42), 5, 6, kSetType5},
+      {quintara(SSE3 | SSSE3 | SSE41), 4, 5, kSetType4Sse41},  // SSE4.1 alone does not reach type 5
+      {quintara(SSE3 | SSSE3), 4, 4, kSetType4},
+      {quintara(SSE3), 3, 3, kSetType3},
+      {quintara(0), 2, 2, kSetType2},
+      {quintara(0, 0), 0, 0, kSetType0},
+      {other(SSE3 | SSSE3 | SSE41 | SSE42), 5, 1, kSetType5},  // another vendor: vector math type 1
+      {other(SSE3 | SSSE3 | SSE41), 4, 1, kSetType4Sse41},
+      {other(SSE3), 3, 1, kSetType3},
+      {other(0, 0), 0, 0, kSetType0},
+      {quintara(SSE42, 0), 5, 6, kSetType5},  // no requirement that the lower levels be present
   };
   for (const Case &c : cases) {
     use(c.cpu);
-    EXPECT_EQ(orb::cpu::blas_type(), c.blas) << c.cpu.vendor << " " << c.cpu.leaf1_ecx;
-    EXPECT_EQ(orb::cpu::vml_type(), c.vml) << c.cpu.vendor << " " << c.cpu.leaf1_ecx;
+    EXPECT_EQ(blas_type(), c.blas) << c.cpu.vendor << " " << c.cpu.leaf1_ecx;
+    EXPECT_EQ(vml_type(), c.vml) << c.cpu.vendor << " " << c.cpu.leaf1_ecx;
+    EXPECT_EQ(kernel_set(), c.set) << c.cpu.vendor << " " << c.cpu.leaf1_ecx;
   }
   FakeCpu none = quintara(SSE3 | SSSE3 | SSE41 | SSE42);
   none.available = false;
   use(none);
-  EXPECT_EQ(orb::cpu::blas_type(), 0);
-  EXPECT_EQ(orb::cpu::vml_type(), 0);
+  EXPECT_EQ(blas_type(), 0);
+  EXPECT_EQ(vml_type(), 0);
+  EXPECT_EQ(kernel_set(), kSetType0);
+}
+
+// Only types 4 and 5 take a wider path, type 4 only with SSE4.1.
+TEST(KernelSet, WiderPathsByType) {
+  using namespace orb::cpu;
+  EXPECT_EQ(resolve_kernel_set(3, true, Wide::kAvx512), kSetType3);
+  EXPECT_EQ(resolve_kernel_set(4, false, Wide::kAvx2), kSetType4);
+  EXPECT_EQ(resolve_kernel_set(4, true, Wide::kAvx2), kSetType4Avx2);
+  EXPECT_EQ(resolve_kernel_set(5, false, Wide::kAvx512), kSetType5Avx512);
 }
 
 TEST_F(Detection, TypeIsFixedOnceDetermined) {
@@ -307,52 +322,58 @@ int v6() {
 }
 using Fn = int (*)();
 
-int g_type = 0;
-int test_type() {
-  return g_type;
+int g_key = 0;
+int test_key() {
+  return g_key;
 }
 
-TEST(Dispatch, MappingsChooseByType) {
+TEST(Dispatch, MappingsChooseByKernelSet) {
+  using orb::cpu::kSetType4Sse41;
+  const orb::Variants<Fn> by_type = orb::each<Fn>(v0, v2, v3, v4, v5);
   struct Case {
     orb::Variants<Fn> variants;
-    int expect[6];  // by type 0..5 (1 never occurs)
+    // By kernel set: types 0, 2, 3, 4, 4 with SSE4.1, 5, then types 4 and 5
+    // on the 256-bit and on the 512-bit path.
+    int expect[orb::cpu::kKernelSets];
   } cases[] = {
-      {orb::each<Fn>(v0, v2, v3, v4, v5), {0, 0, 2, 3, 4, 5}},
-      {orb::split<Fn>(v0, v4), {0, 0, 0, 0, 4, 4}},
-      {orb::three<Fn>(v0, v4, v5), {0, 0, 0, 0, 4, 5}},
-      {orb::single<Fn>(v3), {3, 3, 3, 3, 3, 3}},
+      {by_type, {0, 2, 3, 4, 4, 5, 4, 5, 4, 5}},
+      {orb::split<Fn>(v0, v4), {0, 0, 0, 4, 4, 4, 4, 4, 4, 4}},
+      {orb::three<Fn>(v0, v4, v5), {0, 0, 0, 4, 4, 5, 4, 5, 4, 5}},
+      {orb::single<Fn>(v3), {3, 3, 3, 3, 3, 3, 3, 3, 3, 3}},
+      {orb::wider<Fn>(by_type, v6), {0, 2, 3, 4, 4, 5, 6, 6, 6, 6}},
+      {orb::wider<Fn>(orb::single<Fn>(v0), v4, v5), {0, 0, 0, 0, 0, 0, 4, 5, 4, 5}},
+      {orb::with<Fn>(by_type, kSetType4Sse41, v1), {0, 2, 3, 4, 1, 5, 4, 5, 4, 5}},
   };
   for (const Case &c : cases)
-    for (int type : {0, 2, 3, 4, 5}) {
-      orb::Slot<Fn, test_type> slot(c.variants);
-      g_type = type;
-      EXPECT_EQ(slot(), c.expect[type]) << type;
+    for (int set = 0; set < orb::cpu::kKernelSets; ++set) {
+      orb::Slot<Fn, test_key> slot(c.variants);
+      g_key = set;
+      EXPECT_EQ(slot(), c.expect[set]) << set;
     }
-  orb::Slot<Fn, test_type> vml(orb::per_vml_type<Fn>(v0, v1, v2, v3, v4, v5, v6));
-  g_type = 1;
+  orb::Slot<Fn, test_key, orb::kVmlTypes> vml(orb::per_vml_type<Fn>(v0, v1, v2, v3, v4, v5, v6));
+  g_key = 1;
   EXPECT_EQ(vml(), 1);
 }
 
 TEST(Dispatch, FilledOnFirstCallThenFixed) {
-  orb::Slot<Fn, test_type> slot(orb::each<Fn>(v0, v2, v3, v4, v5));
+  using namespace orb::cpu;
+  orb::Slot<Fn, test_key> slot(orb::each<Fn>(v0, v2, v3, v4, v5));
   EXPECT_FALSE(slot.filled());
-  g_type = 4;
+  g_key = kSetType4;
   EXPECT_EQ(slot(), 4);
   EXPECT_TRUE(slot.filled());
-  g_type = 2;
+  g_key = kSetType2;
   EXPECT_EQ(slot(), 4);
-  // Types 1 and 6 are outside the BLAS mappings: the type-0 variant serves and
-  // the slot stays empty. Values outside 0..6 count as type 0.
-  orb::Slot<Fn, test_type> odd(orb::each<Fn>(v0, v2, v3, v4, v5));
-  for (int t : {1, 6}) {
-    g_type = t;
-    EXPECT_EQ(odd(), 0) << t;
-  }
-  EXPECT_FALSE(odd.filled());
-  for (int t : {7, -48}) {
-    orb::Slot<Fn, test_type> out_of_range(orb::each<Fn>(v0, v2, v3, v4, v5));
-    g_type = t;
-    EXPECT_EQ(out_of_range(), 0) << t;
+  // A key outside the mapping: the first variant serves and the slot stays
+  // empty. Keys outside 0..N-1 count as 0.
+  orb::Slot<Fn, test_key> gap(orb::with<Fn>(orb::each<Fn>(v0, v2, v3, v4, v5), kSetType3, nullptr));
+  g_key = kSetType3;
+  EXPECT_EQ(gap(), 0);
+  EXPECT_FALSE(gap.filled());
+  for (int key : {int{kKernelSets}, -48}) {
+    orb::Slot<Fn, test_key> out_of_range(orb::each<Fn>(v0, v2, v3, v4, v5));
+    g_key = key;
+    EXPECT_EQ(out_of_range(), 0) << key;
     EXPECT_TRUE(out_of_range.filled());
   }
 }

@@ -63,21 +63,11 @@ ORB_LEVEL2_KERNELS
 namespace sse42 {
 ORB_LEVEL2_KERNELS
 }
-// The variants of types 4 and 5: on x86-64 they switch to the 256-bit FMA
-// kernels when the processor and the system support them (decided on first
-// use), otherwise they are that level's 128-bit kernels.
-namespace ssse3_or_avx2 {
-ORB_LEVEL2_KERNELS
-}
-namespace sse42_or_avx2 {
-ORB_LEVEL2_KERNELS
-}
-#if defined(__x86_64__)
-// 256-bit kernels with fused multiply-add (x86-64 only).
+// 256-bit kernels with fused multiply-add (x86-64 only), the wider path of
+// types 4 and 5.
 namespace avx2 {
 ORB_LEVEL2_KERNELS
 }
-#endif
 
 #undef ORB_LEVEL2_KERNELS
 #undef ORB_LEVEL2_KERNELS_OF

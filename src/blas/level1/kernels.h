@@ -1,6 +1,6 @@
 // How the level-1 operations reach their kernels: one dispatch slot per kernel
-// and scalar type, with its mapping kept beside it for the tests, and the
-// wider path of processor types 4 and 5. Private to src/blas/level1.
+// and scalar type, with its mapping kept beside it for the tests. Private to
+// src/blas/level1.
 #pragma once
 
 #include <cstdint>
@@ -10,7 +10,6 @@
 
 #include "blas/kernel/level1.h"
 #include "blas/level1/level1.h"
-#include "service/cpu.h"
 #include "service/dispatch.h"
 
 namespace orb::blas::l1 {
@@ -27,35 +26,24 @@ struct Kernel {
   Slot<Fn> slot;
 };
 
-// Processor types 4 and 5 on x86-64 run the 256-bit kernels when the processor
-// and the system support AVX2 and FMA, decided on the first call.
-inline bool wide_path() {
-  static const bool wide = cpu::avx2_fma_usable();
-  return wide;
-}
-
-template <class Fn, Fn Narrow, Fn Wide>
-struct Wider;
-template <class R, class... A, R (*Narrow)(A...), R (*Wide)(A...)>
-struct Wider<R (*)(A...), Narrow, Wide> {
-  static R call(A... a) { return (wide_path() ? Wide : Narrow)(a...); }
-};
-
 #define ORB_L1_FN(k, T) decltype(&::orb::kernel::generic::k<T>)
-#if defined(__x86_64__)
-#define ORB_L1_WIDE(level, k, T)                                        \
-  &::orb::blas::l1::Wider<ORB_L1_FN(k, T), &::orb::kernel::level::k<T>, \
-                          &::orb::kernel::avx2::k<T>>::call
+
+// A mapping with the 256-bit kernel on the wider path of types 4 and 5,
+// where the build has it.
+#if defined(ORB_KERNELS_AVX2)
+#define ORB_L1_WIDER(narrow, k, T) ::orb::wider<ORB_L1_FN(k, T)>(narrow, &::orb::kernel::avx2::k<T>)
 #else
-#define ORB_L1_WIDE(level, k, T) &::orb::kernel::level::k<T>
+#define ORB_L1_WIDER(narrow, k, T) narrow
 #endif
 
 // The dense kernels: generic for type 0, SSE2 for 2, SSE3 for 3 and 4 (SSSE3
-// adds nothing to them), SSE4.2 for 5.
-#define ORB_L1_DENSE(k, T)                                                                \
-  ::orb::each<ORB_L1_FN(k, T)>(&::orb::kernel::generic::k<T>, &::orb::kernel::sse2::k<T>, \
-                               &::orb::kernel::sse3::k<T>, ORB_L1_WIDE(sse3, k, T),       \
-                               ORB_L1_WIDE(sse42, k, T))
+// adds nothing to them), SSE4.2 for 5, the 256-bit kernels on the wider path.
+#define ORB_L1_DENSE(k, T)                                                                    \
+  ORB_L1_WIDER(                                                                               \
+      ::orb::each<ORB_L1_FN(k, T)>(&::orb::kernel::generic::k<T>, &::orb::kernel::sse2::k<T>, \
+                                   &::orb::kernel::sse3::k<T>, &::orb::kernel::sse3::k<T>,    \
+                                   &::orb::kernel::sse42::k<T>),                              \
+      k, T)
 // Kernels without a vector path: the generic one for every type.
 #define ORB_L1_SINGLE(k, T) ::orb::single<ORB_L1_FN(k, T)>(&::orb::kernel::generic::k<T>)
 
@@ -69,7 +57,8 @@ constexpr char kLetter = std::is_same_v<T, float>    ? 's'
 template <class T, class Fn>
 DispatchRecord record(const char *name, Kernel<Fn> &k) {
   DispatchRecord r{std::string(name) + '/' + kLetter<T>, {}, nullptr};
-  for (int t = 0; t < 7; ++t) r.variants[t] = reinterpret_cast<const void *>(k.variants[t]);
+  for (int s = 0; s < cpu::kKernelSets; ++s)
+    r.variants[s] = reinterpret_cast<const void *>(k.variants[s]);
   r.picked = reinterpret_cast<const void *>(k.slot.get());
   return r;
 }

@@ -13,6 +13,7 @@
 #include <vector>
 
 #include "blas/kernel/level1.h"
+#include "service/kernel_set.h"
 
 namespace orb::blas {
 
@@ -102,11 +103,10 @@ void sctr(int nz, const T *x, const int *indx, T *y);
 // ---- for tests ---------------------------------------------------------------------------------
 
 // A dispatched kernel ("axpy/c" is axpy on std::complex<float>): the variant
-// of its mapping for each processor type (index 0 to 6, null outside the
-// mapping) and the variant its slot holds.
+// of its mapping for each kernel set and the variant its slot holds.
 struct DispatchRecord {
   std::string name;
-  std::array<const void *, 7> variants;
+  std::array<const void *, cpu::kKernelSets> variants;
   const void *picked;
 };
 // Every level-1 kernel, its slot filled first if it was empty.

@@ -9,12 +9,7 @@ namespace orb::blas {
 namespace l1 {
 namespace {
 
-#if defined(__x86_64__)
-#define ORB_L1_SPARSE_DOT(k, T) \
-  ::orb::split<ORB_L1_FN(k, T)>(&::orb::kernel::generic::k<T>, ORB_L1_WIDE(generic, k, T))
-#else
-#define ORB_L1_SPARSE_DOT(k, T) ORB_L1_SINGLE(k, T)
-#endif
+#define ORB_L1_SPARSE_DOT(k, T) ORB_L1_WIDER(ORB_L1_SINGLE(k, T), k, T)
 
 template <class T>
 Kernel<ORB_L1_FN(dotui, T)> k_dotui{ORB_L1_SPARSE_DOT(dotui, T)};

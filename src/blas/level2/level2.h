@@ -50,14 +50,23 @@ void trsv(bool upper, Op trans, bool unit, int n, const T *a, int lda, T *x, int
 
 // ---- pieces shared by the drivers ------------------------------------------------
 
-// The dispatched kernels of one scalar type.
+// The dispatched kernels of one scalar type: a level's own for each type, the
+// 256-bit ones on the wider path of types 4 and 5 where the build has them.
+#if defined(ORB_KERNELS_AVX2)
+#define ORB_LEVEL2_WIDER(variants, Fn, name) \
+  wider<kernel::level2::Fn<T>>(variants, &kernel::level2::avx2::name)
+#else
+#define ORB_LEVEL2_WIDER(variants, Fn, name) variants
+#endif
 template <class T>
 struct Kernels {
-#define ORB_LEVEL2_SLOT(name, Fn)                                                                  \
-  Slot<kernel::level2::Fn<T>> name {                                                               \
-    each<kernel::level2::Fn<T>>(&kernel::level2::generic::name, &kernel::level2::sse2::name,       \
-                                &kernel::level2::sse3::name, &kernel::level2::ssse3_or_avx2::name, \
-                                &kernel::level2::sse42_or_avx2::name)                              \
+#define ORB_LEVEL2_SLOT(name, Fn)                                                                \
+  Slot<kernel::level2::Fn<T>> name {                                                             \
+    ORB_LEVEL2_WIDER(                                                                            \
+        each<kernel::level2::Fn<T>>(&kernel::level2::generic::name, &kernel::level2::sse2::name, \
+                                    &kernel::level2::sse3::name, &kernel::level2::ssse3::name,   \
+                                    &kernel::level2::sse42::name),                               \
+        Fn, name)                                                                                \
   }
   ORB_LEVEL2_SLOT(gemv_n, GemvN);
   ORB_LEVEL2_SLOT(gemv_t, GemvT);
@@ -66,6 +75,7 @@ struct Kernels {
   ORB_LEVEL2_SLOT(axpy_dot, AxpyDot);
 #undef ORB_LEVEL2_SLOT
 };
+#undef ORB_LEVEL2_WIDER
 template <class T>
 Kernels<T> &kernels();
 

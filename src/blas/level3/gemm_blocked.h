@@ -128,7 +128,7 @@ template <class T, class Mask = WholeBlock>
 void macro_kernel(const kernel::GemmShape<T> &s, int mb, int nb, int kb, T alpha, const T *pa,
                   const T *pb, T beta, T *c, int ldc, const Mask &mask = {}, int i0 = 0,
                   int j0 = 0) {
-  alignas(64) T tile[16 * 8];  // the largest tile of any micro-kernel
+  alignas(64) T tile[kernel::kGemmMaxTile];
   for (int jr = 0; jr < nb; jr += s.nr) {
     const int cols = std::min(s.nr, nb - jr);
     const T *b = pb + std::int64_t{jr} * kb;

@@ -13,6 +13,8 @@
 #include "blas/level3/gemm_blocked.h"
 #include "blas/level3/level3_common.h"
 #include "service/cpu.h"
+#include "service/dispatch.h"
+#include "service/kernel_set.h"
 #include "service/memory.h"
 #include "service/threading.h"
 
@@ -138,9 +140,10 @@ bool rows_packed(const char *ta, const char *tb, int m, int n, int k, const floa
   return true;
 }
 
+template <int Type>
 void wide_path(const char *ta, const char *tb, int m, int n, int k, const float *alpha,
                const float *a, int lda, const float *b, int ldb, const float *beta, float *c,
-               int ldc, int nt, int bound, int type) {
+               int ldc, int nt, int bound) {
   // C := beta C first, by column slabs; the join comes before any product.
   if (*beta != 1.0f) {
     const int chunk = n / nt;
@@ -157,7 +160,7 @@ void wide_path(const char *ta, const char *tb, int m, int n, int k, const float 
       cols_acc(ta, tb, m, n, k, alpha, a, lda, b, ldb, &one, c, ldc, nt);
       return;
     }
-    if (!rows_packed(ta, tb, m, n, k, alpha, a, lda, b, ldb, &one, c, ldc, nt, type))
+    if (!rows_packed(ta, tb, m, n, k, alpha, a, lda, b, ldb, &one, c, ldc, nt, Type))
       rows_acc(ta, tb, m, n, k, alpha, a, lda, b, ldb, &one, c, ldc, nt, (m / nt) & ~3);
     return;
   }
@@ -165,9 +168,18 @@ void wide_path(const char *ta, const char *tb, int m, int n, int k, const float 
   const bool small = m <= 100 && n <= 100 && k <= 100;
   const std::int64_t panel = std::int64_t{std::min(k, 256)} * std::min(chunk, 2000) * 4;
   if (small || panel > kPanelLimit ||
-      !rows_packed(ta, tb, m, n, k, alpha, a, lda, b, ldb, &one, c, ldc, nt, type))
+      !rows_packed(ta, tb, m, n, k, alpha, a, lda, b, ldb, &one, c, ldc, nt, Type))
     rows_acc(ta, tb, m, n, k, alpha, a, lda, b, ldb, &one, c, ldc, nt, chunk);
 }
+
+// How a single-precision product is split: the wide-kernel path on types 5
+// and 4 with SSE4.1 (whatever vector width their kernels have), slabs of the
+// serial kernel otherwise.
+using SplitFn = void (*)(const char *ta, const char *tb, int m, int n, int k, const float *alpha,
+                         const float *a, int lda, const float *b, int ldb, const float *beta,
+                         float *c, int ldc, int nt, int bound);
+Slot<SplitFn> g_split{with<SplitFn>(three<SplitFn>(general_path<float>, wide_path<4>, wide_path<5>),
+                                    cpu::kSetType4, general_path<float>)};
 
 template <class T>
 void gemm_omp(const char *ta, const char *tb, const int *pm, const int *pn, const int *pk,
@@ -184,19 +196,15 @@ void gemm_omp(const char *ta, const char *tb, const int *pm, const int *pn, cons
     Serial<T>::run(ta, tb, m, n, k, alpha, a, lda, b, ldb, beta, c, ldc);
     return;
   }
-  const int type = cpu::blas_type();
   const SplitDecision d = decide_split(m, n, k, nt);
   if (!d.parallel) {
     Serial<T>::run(ta, tb, m, n, k, alpha, a, lda, b, ldb, beta, c, ldc);
     return;
   }
-  if constexpr (std::is_same_v<T, float>) {
-    if (type == 5 || (type == 4 && cpu::has_sse41())) {
-      wide_path(ta, tb, m, n, k, alpha, a, lda, b, ldb, beta, c, ldc, nt, d.bound, type);
-      return;
-    }
-  }
-  general_path(ta, tb, m, n, k, alpha, a, lda, b, ldb, beta, c, ldc, nt, d.bound);
+  if constexpr (std::is_same_v<T, float>)
+    g_split(ta, tb, m, n, k, alpha, a, lda, b, ldb, beta, c, ldc, nt, d.bound);
+  else
+    general_path(ta, tb, m, n, k, alpha, a, lda, b, ldb, beta, c, ldc, nt, d.bound);
 }
 
 }  // namespace

@@ -1,5 +1,7 @@
-// The serial GEMM kernels: sgemm_serial's five processor paths, the pieces of
-// the threaded driver's wide-kernel path, and the other precisions.
+// The serial GEMM kernels: sgemm_serial's processor paths, the pieces of the
+// threaded driver's wide-kernel path, and the other precisions. Which kernels
+// run comes from the kernel set alone: one record of single-precision kernels
+// per set, one packed kernel per set for each other precision.
 #include <omp.h>
 
 #include <algorithm>
@@ -10,6 +12,7 @@
 #include "blas/level3/gemm_blocked.h"
 #include "service/cpu.h"
 #include "service/dispatch.h"
+#include "service/kernel_set.h"
 #include "service/memory.h"
 
 namespace orb::blas {
@@ -103,42 +106,77 @@ void packed_or_direct(const GemmShape<T> &s, kernel::GemmDirect<T> direct, Op ta
   gemm_packed(s, ta, tb, m, n, k, alpha, a, lda, b, ldb, beta, c, ldc, abuf.get(), bbuf.get());
 }
 
+// ---- the single-precision kernels of each kernel set --------------------------------
+
+// A set's kernels, and the processor type whose rules sgemm_serial follows
+// with them: type 0 the generic path, types 2 and 3 direct or packed, types 4
+// and 5 three kernels and the pieces of the threaded driver's wide-kernel path.
+struct Sgemm {
+  int type;
+  bool sse41;                           // the large-panel kernel may run
+  const GemmShape<float> *packed;       // the packed kernel and its blocking
+  kernel::GemmDirect<float> direct;     // the unpacked kernel
+  const kernel::GemmThin<float> *thin;  // products of few columns, or null
+};
+
+constexpr Sgemm kType0{0, false, &kernel::generic::sgemm_shape,
+                       &kernel::generic::gemm_direct<float>, nullptr};
+constexpr Sgemm kType2{2, false, &kernel::sse2::sgemm_shape, &kernel::sse2::sgemm_direct, nullptr};
+constexpr Sgemm kType3{3, false, &kernel::sse3::sgemm_shape, &kernel::sse3::sgemm_direct, nullptr};
+constexpr Sgemm kType4{4, false, &kernel::ssse3::sgemm_shape, &kernel::ssse3::sgemm_direct,
+                       nullptr};
+constexpr Sgemm kType4Sse41{4, true, &kernel::ssse3::sgemm_shape, &kernel::ssse3::sgemm_direct,
+                            nullptr};
+constexpr Sgemm kType5{5, true, &kernel::sse42::sgemm_shape, &kernel::sse42::sgemm_direct, nullptr};
+constexpr Variants<const Sgemm *> kNarrow =
+    with(each(&kType0, &kType2, &kType3, &kType4, &kType5), cpu::kSetType4Sse41, &kType4Sse41);
+
+// The wider path: the 256-bit packed and thin kernels; a product without its
+// packing buffers still goes through the type's own unpacked kernel.
+#if defined(ORB_KERNELS_AVX2)
+constexpr Sgemm kType4Avx2{4, true, &kernel::avx2::sgemm_shape, &kernel::ssse3::sgemm_direct,
+                           &kernel::avx2::sgemm_thin_kernel};
+constexpr Sgemm kType5Avx2{5, true, &kernel::avx2::sgemm_shape, &kernel::sse42::sgemm_direct,
+                           &kernel::avx2::sgemm_thin_kernel};
+Slot<const Sgemm *> g_sgemm{wider(kNarrow, &kType4Avx2, &kType5Avx2)};
+#else
+Slot<const Sgemm *> g_sgemm{kNarrow};
+#endif
+
+const Sgemm &sgemm_kernels() {
+  return *g_sgemm.get();
+}
+
 // ---- type 0: the generic path ---------------------------------------------------
 
-// Two buffers of 4096 + 16 and 51,200 + 16 bytes; block parameter 64.
-constexpr int kGenericABytes = 4096 + 16;
-constexpr int kGenericBBytes = 51200 + 16;
+// The packing buffers of the generic kernel's blocks, each with 16 bytes to
+// spare: 4096 + 16 and 51,200 + 16 bytes.
+constexpr int kGenericSpare = 16;
 
-void serial_type0(const Args &x) {
+void serial_type0(const Sgemm &kern, const Args &x) {
   if (x.m <= 0 || x.n <= 0) return;
-  mem::Buffer<char> abuf(kGenericABytes, kBufferAlignment);
-  mem::Buffer<char> bbuf(kGenericBBytes, kBufferAlignment);
+  const GemmShape<float> &s = *kern.packed;
+  mem::Buffer<char> abuf(packed_a_size(s) * sizeof(float) + kGenericSpare, kBufferAlignment);
+  mem::Buffer<char> bbuf(packed_b_size(s) * sizeof(float) + kGenericSpare, kBufferAlignment);
   if (!abuf || !bbuf) {
-    kernel::generic::gemm_direct<float>(x.ta, x.tb, x.m, x.n, x.k, x.alpha, x.a, x.lda, x.b, x.ldb,
-                                        x.beta, x.c, x.ldc);
+    kern.direct(x.ta, x.tb, x.m, x.n, x.k, x.alpha, x.a, x.lda, x.b, x.ldb, x.beta, x.c, x.ldc);
     return;
   }
-  gemm_packed(kernel::generic::sgemm_shape, x.ta, x.tb, x.m, x.n, x.k, x.alpha, x.a, x.lda, x.b,
-              x.ldb, x.beta, x.c, x.ldc, reinterpret_cast<float *>(abuf.get()),
-              reinterpret_cast<float *>(bbuf.get()));
+  gemm_packed(s, x.ta, x.tb, x.m, x.n, x.k, x.alpha, x.a, x.lda, x.b, x.ldb, x.beta, x.c, x.ldc,
+              reinterpret_cast<float *>(abuf.get()), reinterpret_cast<float *>(bbuf.get()));
 }
 
 // ---- types 2 and 3: direct or packed ----------------------------------------------
 
-struct SseKernels {
-  kernel::GemmUkr<float> (*ukr)();
-  int (*mr)();
-  kernel::GemmDirect<float> direct;
-};
-
-constexpr int kInnerBlock23 = 64;  // whole blocks of 64, then the k mod 64 edge block
-
-GemmShape<float> shape23(const SseKernels &kern) {
-  const int block = packed_block23(cpu::cache_class());
-  return {kern.mr(), 6, block, kInnerBlock23, block, kern.ukr()};
+// The kernel's tile and inner blocks (whole blocks, then the edge block),
+// with square blocks of C by the cache class.
+GemmShape<float> shape23(const Sgemm &kern) {
+  GemmShape<float> s = *kern.packed;
+  s.mc = s.nc = packed_block23(cpu::cache_class());
+  return s;
 }
 
-void serial_type23(const SseKernels &kern, const Args &x) {
+void serial_type23(const Sgemm &kern, const Args &x) {
   if (x.m <= 0 || x.n <= 0) return;
   if (x.alpha == 0.0f) {  // A and B are not read
     scale_c(x.m, x.n, x.beta, x.c, x.ldc);
@@ -152,116 +190,51 @@ void serial_type23(const SseKernels &kern, const Args &x) {
                           x.lda, x.b, x.ldb, x.beta, x.c, x.ldc);
 }
 
-const SseKernels kSse2{&kernel::sse2::sgemm_ukr, &kernel::sse2::sgemm_mr,
-                       &kernel::sse2::sgemm_direct};
-const SseKernels kSse3{&kernel::sse3::sgemm_ukr, &kernel::sse3::sgemm_mr,
-                       &kernel::sse3::sgemm_direct};
-const SseKernels kSsse3{&kernel::ssse3::sgemm_ukr, &kernel::ssse3::sgemm_mr,
-                        &kernel::ssse3::sgemm_direct};
-const SseKernels kSse42{&kernel::sse42::sgemm_ukr, &kernel::sse42::sgemm_mr,
-                        &kernel::sse42::sgemm_direct};
-
 // ---- types 4 and 5: three kernels each ----------------------------------------------
 
-// Every kernel of a type sums the inner dimension in the same blocks of 256,
+// Every kernel of a type sums the inner dimension in the same blocks (256),
 // so the choice between them (which depends on the slab a thread gets) never
-// changes a result.
-constexpr int kInnerBlock45 = 256;
-
-bool wide_fma() {
-#if defined(__x86_64__)
-  return cpu::avx2_fma_usable();
-#else
-  return false;
-#endif
+// changes a result. The large-panel kernel takes panels of B twice as wide.
+GemmShape<float> shape45(const Sgemm &kern, Kernel45 which) {
+  GemmShape<float> s = *kern.packed;
+  if (which == Kernel45::kLargePanel) s.nc *= 2;
+  return s;
 }
 
-GemmShape<float> shape45(const SseKernels &sse, Kernel45 which) {
-#if defined(__x86_64__)
-  if (which != Kernel45::kPreSse41 && wide_fma()) {
-    const int nc = which == Kernel45::kLargePanel ? 6144 : 3072;
-    return {16, 6, 144, kInnerBlock45, nc, &kernel::avx2::sgemm_ukr_16x6};
-  }
-#endif
-  const int nc = which == Kernel45::kLargePanel ? 4080 : 2040;
-  return {sse.mr(), 6, 120, kInnerBlock45, nc, sse.ukr()};
-}
-
-#if defined(__x86_64__)
-// Products of at most 8 columns with op(A) = A go straight through the thin
+// Products of few columns with op(A) = A go straight through the thin
 // kernel, which forms the same sums as the packed kernel. The rule looks only
 // at op(A) and n, which every slab of a split product shares.
-bool thin(const Args &x) {
-  return wide_fma() && x.ta == Op::kNone && x.n <= 8 && x.alpha != 0.0f;
+bool thin(const Sgemm &kern, const Args &x) {
+  return kern.thin != nullptr && x.ta == Op::kNone && x.n <= kern.thin->max_n && x.alpha != 0.0f;
 }
-#endif
+void run_thin(const Sgemm &kern, int m, const float *a, float beta, float *c, const Args &x) {
+  kern.thin->run(x.tb, m, x.n, x.k, kern.packed->kc, x.alpha, a, x.lda, x.b, x.ldb, beta, c, x.ldc);
+}
 
-void serial_type45(int type, const SseKernels &sse, const Args &x, bool accumulate) {
+void serial_type45(const Sgemm &kern, const Args &x, bool accumulate) {
   if (x.m <= 0 || x.n <= 0) return;
-#if defined(__x86_64__)
-  if (thin(x) && x.k > 0) {
-    kernel::avx2::sgemm_thin(x.tb, x.m, x.n, x.k, kInnerBlock45, x.alpha, x.a, x.lda, x.b, x.ldb,
-                             accumulate ? 1.0f : x.beta, x.c, x.ldc);
+  if (thin(kern, x) && x.k > 0) {
+    run_thin(kern, x.m, x.a, accumulate ? 1.0f : x.beta, x.c, x);
     return;
   }
-#endif
-  const Kernel45 which = choose_kernel45(type, type == 5 || cpu::has_sse41(), x.n, x.k);
+  const Kernel45 which = choose_kernel45(kern.type, kern.sse41, x.n, x.k);
   const float beta = accumulate ? 1.0f : x.beta;
-  packed_or_direct<float>(shape45(sse, which), sse.direct, x.ta, x.tb, x.m, x.n, x.k, x.alpha, x.a,
-                          x.lda, x.b, x.ldb, beta, x.c, x.ldc);
+  packed_or_direct<float>(shape45(kern, which), kern.direct, x.ta, x.tb, x.m, x.n, x.k, x.alpha,
+                          x.a, x.lda, x.b, x.ldb, beta, x.c, x.ldc);
 }
 
-// ---- the dispatchers ---------------------------------------------------------------------
-
-using SerialFn = void (*)(const Args &);
-void serial2(const Args &x) {
-  serial_type23(kSse2, x);
-}
-void serial3(const Args &x) {
-  serial_type23(kSse3, x);
-}
-void serial4(const Args &x) {
-  serial_type45(4, kSsse3, x, false);
-}
-void serial5(const Args &x) {
-  serial_type45(5, kSse42, x, false);
-}
-Slot<SerialFn> g_serial{each<SerialFn>(serial_type0, serial2, serial3, serial4, serial5)};
-
-void acc_none(const Args &) {}
-void acc4(const Args &x) {
-  serial_type45(4, kSsse3, x, true);
-}
-void acc5(const Args &x) {
-  serial_type45(5, kSse42, x, true);
-}
-Slot<SerialFn> g_acc{three<SerialFn>(acc_none, acc4, acc5)};
-
-struct PackedArgs {
-  const Args *x;
-  float *shared;
-  int row0, rows;
-  const int *params;
-};
-using PackedFn = void (*)(const PackedArgs &);
-
-template <int Type>
-void packed45(const PackedArgs &p) {
-  const Args &x = *p.x;
-#if defined(__x86_64__)
+// One member's part of a team's product (see sgemm_serial_packed).
+void packed45(const Sgemm &kern, const Args &x, float *shared, int row0, int rows,
+              const int *params) {
   // Every member sees the same n, so either all take this branch or none.
-  if (thin(x) && x.k > 0) {
-    if (p.rows > 0)
-      kernel::avx2::sgemm_thin(x.tb, p.rows, x.n, x.k, kInnerBlock45, x.alpha, x.a + p.row0, x.lda,
-                               x.b, x.ldb, 1.0f, x.c + p.row0, x.ldc);
+  if (thin(kern, x) && x.k > 0) {
+    if (rows > 0) run_thin(kern, rows, x.a + row0, 1.0f, x.c + row0, x);
     return;
   }
-#endif
-  const SseKernels &sse = Type == 5 ? kSse42 : kSsse3;
-  GemmShape<float> s = shape45(sse, Kernel45::kNormal);
-  s.kc = p.params[0];
-  s.mc = p.params[1];
-  s.nc = p.params[3];
+  GemmShape<float> s = shape45(kern, Kernel45::kNormal);
+  s.kc = params[0];
+  s.mc = params[1];
+  s.nc = params[3];
   mem::Buffer<float> abuf(packed_a_size(s), kBufferAlignment);
   // Without its own block buffer a member still takes part in packing the
   // shared panels (the team waits for every member) but computes its rows
@@ -269,45 +242,16 @@ void packed45(const PackedArgs &p) {
   float *own = abuf.get();
   alignas(64) float dummy[1];
   gemm_packed_team(s, x.ta, x.tb, x.m, x.n, x.k, x.alpha, x.a, x.lda, x.b, x.ldb, 1.0f, x.c, x.ldc,
-                   p.row0, own ? p.rows : 0, own ? own : dummy, p.shared, omp_get_thread_num(),
+                   row0, own ? rows : 0, own ? own : dummy, shared, omp_get_thread_num(),
                    omp_get_num_threads(), [] {
 #pragma omp barrier
                    });
-  if (!own && p.rows > 0) {
-    const float *a_rows = x.ta == Op::kNone ? x.a + p.row0 : x.a + std::int64_t{p.row0} * x.lda;
-    sse.direct(x.ta, x.tb, p.rows, x.n, x.k, x.alpha, a_rows, x.lda, x.b, x.ldb, 1.0f, x.c + p.row0,
-               x.ldc);
+  if (!own && rows > 0) {
+    const float *a_rows = x.ta == Op::kNone ? x.a + row0 : x.a + std::int64_t{row0} * x.lda;
+    kern.direct(x.ta, x.tb, rows, x.n, x.k, x.alpha, a_rows, x.lda, x.b, x.ldb, 1.0f, x.c + row0,
+                x.ldc);
   }
 }
-void packed_none(const PackedArgs &) {}
-Slot<PackedFn> g_packed{three<PackedFn>(packed_none, packed45<4>, packed45<5>)};
-
-using ParamsFn = void (*)(int *params);
-void params_none(int *) {}
-void params45(int *params) {
-  params[0] = kInnerBlock45;
-  params[1] = wide_fma() ? 144 : 120;
-  params[2] = 6;  // columns of a packed sliver
-}
-Slot<ParamsFn> g_params{three<ParamsFn>(params_none, params45, params45)};
-
-using ShapeFn = GemmShape<float> (*)();
-GemmShape<float> shape0() {
-  return kernel::generic::sgemm_shape;
-}
-GemmShape<float> shape2() {
-  return shape23(kSse2);
-}
-GemmShape<float> shape3() {
-  return shape23(kSse3);
-}
-GemmShape<float> shape4() {
-  return shape45(kSsse3, Kernel45::kNormal);
-}
-GemmShape<float> shape5() {
-  return shape45(kSse42, Kernel45::kNormal);
-}
-Slot<ShapeFn> g_shape{each<ShapeFn>(shape0, shape2, shape3, shape4, shape5)};
 
 }  // namespace
 
@@ -316,13 +260,22 @@ Slot<ShapeFn> g_shape{each<ShapeFn>(shape0, shape2, shape3, shape4, shape5)};
 void sgemm_serial(const char *transa, const char *transb, const int *m, const int *n, const int *k,
                   const float *alpha, const float *a, const int *lda, const float *b,
                   const int *ldb, const float *beta, float *c, const int *ldc) {
-  g_serial(read(transa, transb, m, n, k, alpha, a, lda, b, ldb, beta, c, ldc));
+  const Sgemm &kern = sgemm_kernels();
+  const Args x = read(transa, transb, m, n, k, alpha, a, lda, b, ldb, beta, c, ldc);
+  if (kern.type >= 4)
+    serial_type45(kern, x, false);
+  else if (kern.type >= 2)
+    serial_type23(kern, x);
+  else
+    serial_type0(kern, x);
 }
 
 void sgemm_serial_acc(const char *transa, const char *transb, const int *m, const int *n,
                       const int *k, const float *alpha, const float *a, const int *lda,
                       const float *b, const int *ldb, const float *beta, float *c, const int *ldc) {
-  g_acc(read(transa, transb, m, n, k, alpha, a, lda, b, ldb, beta, c, ldc));
+  const Sgemm &kern = sgemm_kernels();
+  if (kern.type >= 4)
+    serial_type45(kern, read(transa, transb, m, n, k, alpha, a, lda, b, ldb, beta, c, ldc), true);
 }
 
 void sgemm_serial_packed(const char *transa, const char *transb, const int *m, const int *n,
@@ -330,60 +283,59 @@ void sgemm_serial_packed(const char *transa, const char *transb, const int *m, c
                          const float *b, const int *ldb, const float *beta, float *c,
                          const int *ldc, float *shared, const int *row0, const int *rows,
                          const int *params) {
-  const Args x = read(transa, transb, m, n, k, alpha, a, lda, b, ldb, beta, c, ldc);
-  g_packed(PackedArgs{&x, shared, *row0, *rows, params});
+  const Sgemm &kern = sgemm_kernels();
+  if (kern.type >= 4)
+    packed45(kern, read(transa, transb, m, n, k, alpha, a, lda, b, ldb, beta, c, ldc), shared,
+             *row0, *rows, params);
 }
 
 void sgemm_wide_params(const int *, const int *, const int *, const int *, int *params, int *) {
-  g_params(params);
+  const Sgemm &kern = sgemm_kernels();
+  if (kern.type < 4) return;
+  const GemmShape<float> s = shape45(kern, Kernel45::kNormal);
+  params[0] = s.kc;
+  params[1] = s.mc;
+  params[2] = s.nr;  // columns of a packed sliver
+}
+
+template <>
+GemmShape<float> packed_shape<float>() {
+  const Sgemm &kern = sgemm_kernels();
+  if (kern.type >= 4) return shape45(kern, Kernel45::kNormal);
+  if (kern.type >= 2) return shape23(kern);
+  return *kern.packed;
 }
 
 // ---- other precisions -----------------------------------------------------------------
 
 namespace {
 
-template <class T>
-struct Kernels;
-template <>
-struct Kernels<double> {
-  static GemmShape<double> shape() {
-#if defined(__x86_64__)
-    if (cpu::blas_type() >= 4 && wide_fma())
-      return {8, 6, 96, 256, 2048, &kernel::avx2::dgemm_ukr_8x6};
+// The generic kernel, and the 256-bit one on the wider path of types 4 and 5.
+#if defined(ORB_KERNELS_AVX2)
+#define ORB_GEMM_PACKED(shape) wider(single(&kernel::generic::shape), &kernel::avx2::shape)
+#else
+#define ORB_GEMM_PACKED(shape) single(&kernel::generic::shape)
 #endif
-    return kernel::generic::dgemm_shape();
-  }
-};
-template <>
-struct Kernels<c8> {
-  static GemmShape<c8> shape() {
-#if defined(__x86_64__)
-    if (cpu::blas_type() >= 4 && wide_fma())
-      return {8, 2, 96, 256, 2048, &kernel::avx2::cgemm_ukr_8x2};
-#endif
-    return kernel::generic::cgemm_shape();
-  }
-};
-template <>
-struct Kernels<c16> {
-  static GemmShape<c16> shape() {
-#if defined(__x86_64__)
-    if (cpu::blas_type() >= 4 && wide_fma())
-      return {4, 2, 64, 256, 1024, &kernel::avx2::zgemm_ukr_4x2};
-#endif
-    return kernel::generic::zgemm_shape();
-  }
-};
+Slot<const GemmShape<double> *> g_dgemm{ORB_GEMM_PACKED(dgemm_shape)};
+Slot<const GemmShape<c8> *> g_cgemm{ORB_GEMM_PACKED(cgemm_shape)};
+Slot<const GemmShape<c16> *> g_zgemm{ORB_GEMM_PACKED(zgemm_shape)};
+#undef ORB_GEMM_PACKED
+
+const GemmShape<double> &packed_kernel(double) {
+  return *g_dgemm.get();
+}
+const GemmShape<c8> &packed_kernel(c8) {
+  return *g_cgemm.get();
+}
+const GemmShape<c16> &packed_kernel(c16) {
+  return *g_zgemm.get();
+}
 
 }  // namespace
 
-template <>
-GemmShape<float> packed_shape<float>() {
-  return g_shape();
-}
 template <class T>
 GemmShape<T> packed_shape() {
-  return Kernels<T>::shape();
+  return packed_kernel(T{});
 }
 template GemmShape<double> packed_shape<double>();
 template GemmShape<c8> packed_shape<c8>();
@@ -397,15 +349,15 @@ void gemm_serial(Op ta, Op tb, int m, int n, int k, T alpha, const T *a, int lda
     scale_c(m, n, beta, c, ldc);
     return;
   }
-  packed_or_direct<T>(Kernels<T>::shape(), &kernel::generic::gemm_direct<T>, ta, tb, m, n, k, alpha,
+  packed_or_direct<T>(packed_kernel(T{}), &kernel::generic::gemm_direct<T>, ta, tb, m, n, k, alpha,
                       a, lda, b, ldb, beta, c, ldc);
 }
 
 template void gemm_serial<double>(Op, Op, int, int, int, double, const double *, int,
                                   const double *, int, double, double *, int);
-template void gemm_serial<c8>(Op, Op, int, int, int, c8, const c8 *, int, const c8 *, int, c8, c8 *,
-                              int);
-template void gemm_serial<c16>(Op, Op, int, int, int, c16, const c16 *, int, const c16 *, int, c16,
-                               c16 *, int);
+template void gemm_serial<c8>(Op, Op, int, int, int, c8, const c8 *, int, const c8 *, int, c8,
+                              c8 *, int);
+template void gemm_serial<c16>(Op, Op, int, int, int, c16, const c16 *, int, const c16 *, int,
+                               c16, c16 *, int);
 
 }  // namespace orb::blas

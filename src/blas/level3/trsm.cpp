@@ -68,27 +68,20 @@ constexpr SmallKernels kGenericKernels{solve_block<float>, tri::gather_rows<floa
                                        tri::scatter_rows<float>};
 constexpr SmallKernels kSse2Kernels{kernel::sse2::strsm_small, kernel::sse2::strsm_gather,
                                     kernel::sse2::strsm_scatter};
-#if defined(__x86_64__)
+#if defined(ORB_KERNELS_AVX2)
 constexpr SmallKernels kAvx2Kernels{kernel::avx2::strsm_small, kernel::avx2::strsm_gather,
                                     kernel::avx2::strsm_scatter};
 #endif
 
-using PickFn = const SmallKernels *(*)();
-const SmallKernels *pick_generic() {
-  return &kGenericKernels;
-}
-const SmallKernels *pick_sse2() {
-  return &kSse2Kernels;
-}
-// Types 4 and 5: the 256-bit kernels where the processor runs them.
-const SmallKernels *pick_wide() {
-#if defined(__x86_64__)
-  if (cpu::avx2_fma_usable()) return &kAvx2Kernels;
+// The 128-bit kernels from type 2 on, the 256-bit ones on the wider path of
+// types 4 and 5.
+constexpr Variants<const SmallKernels *> kSmallKernels =
+    each(&kGenericKernels, &kSse2Kernels, &kSse2Kernels, &kSse2Kernels, &kSse2Kernels);
+#if defined(ORB_KERNELS_AVX2)
+Slot<const SmallKernels *> g_small{wider(kSmallKernels, &kAvx2Kernels)};
+#else
+Slot<const SmallKernels *> g_small{kSmallKernels};
 #endif
-  return &kSse2Kernels;
-}
-
-Slot<PickFn> g_small{each<PickFn>(pick_generic, pick_sse2, pick_sse2, pick_wide, pick_wide)};
 
 // The block operations for T: the kernels for single precision, the
 // templates above otherwise.
@@ -100,7 +93,7 @@ struct Block {
 };
 template <>
 struct Block<float> : SmallKernels {
-  Block() : SmallKernels(*g_small()) {}
+  Block() : SmallKernels(*g_small.get()) {}
 };
 
 // op(A) X = alpha B with op(A) of order m <= kOrder<T>: V_s is row s of X

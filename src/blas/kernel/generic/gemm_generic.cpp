@@ -13,6 +13,7 @@ using orb::mul;
 
 template <class T, int MR, int NR>
 void ukr(int k, const T *a, const T *b, T *c, int ldc, T alpha, T beta) {
+  static_assert(MR * NR <= kGemmMaxTile, "the driver's local tile holds the tile");
   T acc[NR][MR] = {};
   for (int p = 0; p < k; ++p, a += MR, b += NR)
     for (int j = 0; j < NR; ++j)
@@ -32,17 +33,12 @@ void ukr(int k, const T *a, const T *b, T *c, int ldc, T alpha, T beta) {
 
 // The type-0 path: block parameter 64. Its buffers hold a 16-by-64 block of A
 // (4096 bytes) and a 64-by-200 panel of B (51,200 bytes).
-const GemmShape<float> sgemm_shape = {4, 4, 16, 64, 200, &ukr<float, 4, 4>};
+constexpr GemmShape<float> sgemm_shape = {4, 4, 16, 64, 200, &ukr<float, 4, 4>};
 
-GemmShape<double> dgemm_shape() {
-  return {4, 4, 64, 256, 1024, &ukr<double, 4, 4>};
-}
-GemmShape<c8> cgemm_shape() {
-  return {2, 2, 64, 256, 512, &ukr<c8, 2, 2>};
-}
-GemmShape<c16> zgemm_shape() {
-  return {2, 2, 64, 128, 512, &ukr<c16, 2, 2>};
-}
+// The other precisions without a vector kernel.
+constexpr GemmShape<double> dgemm_shape = {4, 4, 64, 256, 1024, &ukr<double, 4, 4>};
+constexpr GemmShape<c8> cgemm_shape = {2, 2, 64, 256, 512, &ukr<c8, 2, 2>};
+constexpr GemmShape<c16> zgemm_shape = {2, 2, 64, 128, 512, &ukr<c16, 2, 2>};
 
 template <class T>
 void gemm_direct(Op ta, Op tb, int m, int n, int k, T alpha, const T *a, int lda, const T *b,

@@ -21,7 +21,6 @@
 #include <cstdint>
 
 #include "blas/kernel/level2.h"
-#include "service/cpu.h"
 
 #ifndef ORB_L2_LEVEL
 #define ORB_L2_LEVEL sse2
@@ -509,47 +508,3 @@ ORB_LEVEL2_VECTOR(c16, ComplexD)
 #undef ORB_LEVEL2_VECTOR
 
 }  // namespace orb::kernel::level2::ORB_L2_LEVEL
-
-// The type-4 and type-5 variants: the wider kernels when they can run.
-#if defined(ORB_L2_WIDE)
-namespace orb::kernel::level2::ORB_L2_WIDE {
-namespace {
-#if defined(__x86_64__)
-bool wide() {
-  static const bool usable = cpu::avx2_fma_usable();
-  return usable;
-}
-#define ORB_L2_PICK(call)        \
-  if (wide()) return avx2::call; \
-  return ORB_L2_LEVEL::call
-#else
-#define ORB_L2_PICK(call) return ORB_L2_LEVEL::call
-#endif
-}  // namespace
-
-#define ORB_LEVEL2_PICK(T)                                                               \
-  void gemv_n(int m, int n, T alpha, const T *a, int lda, const T *x, T *y) {            \
-    ORB_L2_PICK(gemv_n(m, n, alpha, a, lda, x, y));                                      \
-  }                                                                                      \
-  void gemv_t(int m, int n, T alpha, const T *a, int lda, const T *x, T *y, bool conj) { \
-    ORB_L2_PICK(gemv_t(m, n, alpha, a, lda, x, y, conj));                                \
-  }                                                                                      \
-  void axpy(int n, T alpha, const T *x, T *y) {                                          \
-    ORB_L2_PICK(axpy(n, alpha, x, y));                                                   \
-  }                                                                                      \
-  void axpy2(int n, T a1, const T *x1, T a2, const T *x2, T *y) {                        \
-    ORB_L2_PICK(axpy2(n, a1, x1, a2, x2, y));                                            \
-  }                                                                                      \
-  void axpy_dot(int n, T alpha, const T *a, const T *x, T *y, bool conj, T *dot) {       \
-    ORB_L2_PICK(axpy_dot(n, alpha, a, x, y, conj, dot));                                 \
-  }
-
-ORB_LEVEL2_PICK(float)
-ORB_LEVEL2_PICK(double)
-ORB_LEVEL2_PICK(c8)
-ORB_LEVEL2_PICK(c16)
-
-#undef ORB_LEVEL2_PICK
-#undef ORB_L2_PICK
-}  // namespace orb::kernel::level2::ORB_L2_WIDE
-#endif
