@@ -179,31 +179,31 @@ TEST(Gemm, EveryProcessorTypeAgainstTheReference) {
 }
 
 TEST(Gemm, DirectOrPackedForTypes2And3) {
-  using orb::blas::choose_path23;
-  using orb::blas::Path23;
-  EXPECT_EQ(choose_path23(true, true, 8, 8, 8), Path23::kDirect);       // ratio 0.1667 > 0.06
-  EXPECT_EQ(choose_path23(true, true, 50, 50, 50), Path23::kPacked);    // 150 >= 150
-  EXPECT_EQ(choose_path23(true, true, 49, 50, 50), Path23::kPacked);    // ratio 0.0296 < 0.06
-  EXPECT_EQ(choose_path23(true, true, 7, 500, 500), Path23::kDirect);   // a dimension below 8
-  EXPECT_EQ(choose_path23(false, false, 30, 30, 20), Path23::kPacked);  // 80 >= 80
-  EXPECT_EQ(choose_path23(false, false, 20, 20, 20), Path23::kPacked);  // 0.0714 < 0.075
-  EXPECT_EQ(choose_path23(false, false, 10, 10, 10), Path23::kDirect);  // 0.136
-  EXPECT_EQ(choose_path23(true, false, 20, 20, 20), Path23::kDirect);   // 0.0714 > 0.045
-  EXPECT_EQ(orb::blas::packed_block23(3), 480);
-  EXPECT_EQ(orb::blas::packed_block23(2), 240);
-  EXPECT_EQ(orb::blas::packed_block23(0), 240);
+  using orb::blas::choose_sse_path;
+  using orb::blas::SsePath;
+  EXPECT_EQ(choose_sse_path(true, true, 8, 8, 8), SsePath::kDirect);       // ratio 0.1667 > 0.06
+  EXPECT_EQ(choose_sse_path(true, true, 50, 50, 50), SsePath::kPacked);    // 150 >= 150
+  EXPECT_EQ(choose_sse_path(true, true, 49, 50, 50), SsePath::kPacked);    // ratio 0.0296 < 0.06
+  EXPECT_EQ(choose_sse_path(true, true, 7, 500, 500), SsePath::kDirect);   // a dimension below 8
+  EXPECT_EQ(choose_sse_path(false, false, 30, 30, 20), SsePath::kPacked);  // 80 >= 80
+  EXPECT_EQ(choose_sse_path(false, false, 20, 20, 20), SsePath::kPacked);  // 0.0714 < 0.075
+  EXPECT_EQ(choose_sse_path(false, false, 10, 10, 10), SsePath::kDirect);  // 0.136
+  EXPECT_EQ(choose_sse_path(true, false, 20, 20, 20), SsePath::kDirect);   // 0.0714 > 0.045
+  EXPECT_EQ(orb::blas::sse_packed_block(3), 480);
+  EXPECT_EQ(orb::blas::sse_packed_block(2), 240);
+  EXPECT_EQ(orb::blas::sse_packed_block(0), 240);
 }
 
 TEST(Gemm, KernelChoiceForTypes4And5) {
-  using orb::blas::choose_kernel45;
-  using orb::blas::Kernel45;
+  using orb::blas::choose_panel_kernel;
+  using orb::blas::PanelKernel;
   // 256 * 3072 * 4 = 0x300000 exactly: not above it.
-  EXPECT_EQ(choose_kernel45(5, false, 3072, 256), Kernel45::kNormal);
-  EXPECT_EQ(choose_kernel45(5, false, 3073, 256), Kernel45::kLargePanel);
-  EXPECT_EQ(choose_kernel45(5, false, 3073, 100), Kernel45::kNormal);
-  EXPECT_EQ(choose_kernel45(4, true, 20000, 1000), Kernel45::kLargePanel);
-  EXPECT_EQ(choose_kernel45(4, false, 20000, 1000), Kernel45::kPreSse41);
-  EXPECT_EQ(choose_kernel45(4, false, 10, 10), Kernel45::kPreSse41);
+  EXPECT_EQ(choose_panel_kernel(5, false, 3072, 256), PanelKernel::kNormal);
+  EXPECT_EQ(choose_panel_kernel(5, false, 3073, 256), PanelKernel::kLargePanel);
+  EXPECT_EQ(choose_panel_kernel(5, false, 3073, 100), PanelKernel::kNormal);
+  EXPECT_EQ(choose_panel_kernel(4, true, 20000, 1000), PanelKernel::kLargePanel);
+  EXPECT_EQ(choose_panel_kernel(4, false, 20000, 1000), PanelKernel::kPreSse41);
+  EXPECT_EQ(choose_panel_kernel(4, false, 10, 10), PanelKernel::kPreSse41);
 }
 
 TEST(Gemm, ThreadDecision) {

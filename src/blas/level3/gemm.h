@@ -67,13 +67,13 @@ void orb_blas_zgemm(const char *transa, const char *transb, const int *m, const 
 // ---- decisions, exposed for tests ------------------------------------------------
 
 // Types 2 and 3: direct or packed kernel (m, n > 0 and alpha != 0).
-enum class Path23 { kDirect, kPacked };
-Path23 choose_path23(bool nota, bool notb, int m, int n, int k);
+enum class SsePath { kDirect, kPacked };
+SsePath choose_sse_path(bool nota, bool notb, int m, int n, int k);
 // Types 2 and 3: the packed kernel's main block for a cache class.
-int packed_block23(int cache_class);
+int sse_packed_block(int cache_class);
 // Types 4 and 5: which of the three kernels.
-enum class Kernel45 { kLargePanel, kNormal, kPreSse41 };
-Kernel45 choose_kernel45(int type, bool sse41, int n, int k);
+enum class PanelKernel { kLargePanel, kNormal, kPreSse41 };
+PanelKernel choose_panel_kernel(int type, bool sse41, int n, int k);
 
 // The threaded driver's decision once the thread count nt (>= 2) is known and
 // the product is not tiny: whether to split, and the split bound N'.

@@ -21,8 +21,8 @@ using kernel::GemmShape;
 
 // ---- decisions ---------------------------------------------------------------------
 
-Path23 choose_path23(bool nota, bool notb, int m, int n, int k) {
-  if (m < 8 || n < 8 || k < 8) return Path23::kDirect;
+SsePath choose_sse_path(bool nota, bool notb, int m, int n, int k) {
+  if (m < 8 || n < 8 || k < 8) return SsePath::kDirect;
   // Size limit L and ratio limit R by transpose case.
   int limit;
   double ratio_limit;
@@ -35,24 +35,24 @@ Path23 choose_path23(bool nota, bool notb, int m, int n, int k) {
   } else {
     limit = 80, ratio_limit = 0.075;
   }
-  if (m + n + k >= limit) return Path23::kPacked;
+  if (m + n + k >= limit) return SsePath::kPacked;
   // Memory traffic over arithmetic; both formed in 32-bit integers.
   const int numerator = m * n + n * k + m * k;
   const int denominator = 2 * m * n * (k + 1);
   const double ratio = static_cast<double>(numerator) / static_cast<double>(denominator);
-  return ratio_limit > ratio ? Path23::kPacked : Path23::kDirect;
+  return ratio_limit > ratio ? SsePath::kPacked : SsePath::kDirect;
 }
 
-int packed_block23(int cache_class) {
+int sse_packed_block(int cache_class) {
   return cache_class == 3 ? 480 : 240;
 }
 
-Kernel45 choose_kernel45(int type, bool sse41, int n, int k) {
+PanelKernel choose_panel_kernel(int type, bool sse41, int n, int k) {
   if (type == 5 || sse41) {
     const std::int64_t panel = std::int64_t{std::min(k, 256)} * std::min(n, 10000) * 4;
-    return panel > 0x300000 ? Kernel45::kLargePanel : Kernel45::kNormal;
+    return panel > 0x300000 ? PanelKernel::kLargePanel : PanelKernel::kNormal;
   }
-  return Kernel45::kPreSse41;
+  return PanelKernel::kPreSse41;
 }
 
 namespace {
@@ -172,7 +172,7 @@ void serial_type0(const Sgemm &kern, const Args &x) {
 // with square blocks of C by the cache class.
 GemmShape<float> shape23(const Sgemm &kern) {
   GemmShape<float> s = *kern.packed;
-  s.mc = s.nc = packed_block23(cpu::cache_class());
+  s.mc = s.nc = sse_packed_block(cpu::cache_class());
   return s;
 }
 
@@ -182,7 +182,7 @@ void serial_type23(const Sgemm &kern, const Args &x) {
     scale_c(x.m, x.n, x.beta, x.c, x.ldc);
     return;
   }
-  if (choose_path23(x.ta == Op::kNone, x.tb == Op::kNone, x.m, x.n, x.k) == Path23::kDirect) {
+  if (choose_sse_path(x.ta == Op::kNone, x.tb == Op::kNone, x.m, x.n, x.k) == SsePath::kDirect) {
     kern.direct(x.ta, x.tb, x.m, x.n, x.k, x.alpha, x.a, x.lda, x.b, x.ldb, x.beta, x.c, x.ldc);
     return;
   }
@@ -195,9 +195,9 @@ void serial_type23(const Sgemm &kern, const Args &x) {
 // Every kernel of a type sums the inner dimension in the same blocks (256),
 // so the choice between them (which depends on the slab a thread gets) never
 // changes a result. The large-panel kernel takes panels of B twice as wide.
-GemmShape<float> shape45(const Sgemm &kern, Kernel45 which) {
+GemmShape<float> panel_shape(const Sgemm &kern, PanelKernel which) {
   GemmShape<float> s = *kern.packed;
-  if (which == Kernel45::kLargePanel) s.nc *= 2;
+  if (which == PanelKernel::kLargePanel) s.nc *= 2;
   return s;
 }
 
@@ -217,9 +217,9 @@ void serial_type45(const Sgemm &kern, const Args &x, bool accumulate) {
     run_thin(kern, x.m, x.a, accumulate ? 1.0f : x.beta, x.c, x);
     return;
   }
-  const Kernel45 which = choose_kernel45(kern.type, kern.sse41, x.n, x.k);
+  const PanelKernel which = choose_panel_kernel(kern.type, kern.sse41, x.n, x.k);
   const float beta = accumulate ? 1.0f : x.beta;
-  packed_or_direct<float>(shape45(kern, which), kern.direct, x.ta, x.tb, x.m, x.n, x.k, x.alpha,
+  packed_or_direct<float>(panel_shape(kern, which), kern.direct, x.ta, x.tb, x.m, x.n, x.k, x.alpha,
                           x.a, x.lda, x.b, x.ldb, beta, x.c, x.ldc);
 }
 
@@ -231,7 +231,7 @@ void packed45(const Sgemm &kern, const Args &x, float *shared, int row0, int row
     if (rows > 0) run_thin(kern, rows, x.a + row0, 1.0f, x.c + row0, x);
     return;
   }
-  GemmShape<float> s = shape45(kern, Kernel45::kNormal);
+  GemmShape<float> s = panel_shape(kern, PanelKernel::kNormal);
   s.kc = params[0];
   s.mc = params[1];
   s.nc = params[3];
@@ -292,7 +292,7 @@ void sgemm_serial_packed(const char *transa, const char *transb, const int *m, c
 void sgemm_wide_params(const int *, const int *, const int *, const int *, int *params, int *) {
   const Sgemm &kern = sgemm_kernels();
   if (kern.type < 4) return;
-  const GemmShape<float> s = shape45(kern, Kernel45::kNormal);
+  const GemmShape<float> s = panel_shape(kern, PanelKernel::kNormal);
   params[0] = s.kc;
   params[1] = s.mc;
   params[2] = s.nr;  // columns of a packed sliver
@@ -301,7 +301,7 @@ void sgemm_wide_params(const int *, const int *, const int *, const int *, int *
 template <>
 GemmShape<float> packed_shape<float>() {
   const Sgemm &kern = sgemm_kernels();
-  if (kern.type >= 4) return shape45(kern, Kernel45::kNormal);
+  if (kern.type >= 4) return panel_shape(kern, PanelKernel::kNormal);
   if (kern.type >= 2) return shape23(kern);
   return *kern.packed;
 }
@@ -355,9 +355,9 @@ void gemm_serial(Op ta, Op tb, int m, int n, int k, T alpha, const T *a, int lda
 
 template void gemm_serial<double>(Op, Op, int, int, int, double, const double *, int,
                                   const double *, int, double, double *, int);
-template void gemm_serial<c8>(Op, Op, int, int, int, c8, const c8 *, int, const c8 *, int, c8,
-                              c8 *, int);
-template void gemm_serial<c16>(Op, Op, int, int, int, c16, const c16 *, int, const c16 *, int,
-                               c16, c16 *, int);
+template void gemm_serial<c8>(Op, Op, int, int, int, c8, const c8 *, int, const c8 *, int, c8, c8 *,
+                              int);
+template void gemm_serial<c16>(Op, Op, int, int, int, c16, const c16 *, int, const c16 *, int, c16,
+                               c16 *, int);
 
 }  // namespace orb::blas
