@@ -104,6 +104,19 @@ bool settled(int m, int n, T alpha, T *b, int ldb) {
   return true;
 }
 
+// The serial form of both routines: the cases without a triangle, then the
+// side's blocked routine on op(A).
+template <class T, class Left, class Right>
+void serial(const Triangular &t, int m, int n, T alpha, const T *a, int lda, T *b, int ldb,
+            Left left, Right right) {
+  if (settled(m, n, alpha, b, ldb)) return;
+  const OpA<T> op = op_of(t, a, lda);
+  if (t.left)
+    left(op, m, n, alpha, b, ldb);
+  else
+    right(op, m, n, alpha, b, ldb);
+}
+
 // Runs serial(m', n', b') over slabs of the right-hand sides of B (its
 // columns for a left-side operation, its rows for a right-side one) on a
 // team sized to the work; the slabs are independent of each other.

@@ -108,12 +108,7 @@ void right(const OpA<T> &t, int m, int n, T alpha, T *b, int ldb) {
 
 template <class T>
 void trmm_serial(const Triangular &t, int m, int n, T alpha, const T *a, int lda, T *b, int ldb) {
-  if (tri::settled(m, n, alpha, b, ldb)) return;
-  const OpA<T> op = tri::op_of(t, a, lda);
-  if (t.left)
-    left(op, m, n, alpha, b, ldb);
-  else
-    right(op, m, n, alpha, b, ldb);
+  tri::serial(t, m, n, alpha, a, lda, b, ldb, left<T>, right<T>);
 }
 
 template <class T>
