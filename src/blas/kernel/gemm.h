@@ -21,17 +21,14 @@ template <class T>
 using GemmUkr = void (*)(int k, const T *a, const T *b, T *c, int ldc, T alpha, T beta);
 
 // The shape of a micro-kernel and the blocking its driver uses with it. Each
-// kernel's shape is data beside the kernel, in its instruction-set folder.
+// kernel's shape is data beside its declaration below, a constant the kernel
+// is written for and the driver is compiled with.
 template <class T>
 struct GemmShape {
   int mr, nr;      // tile
   int mc, kc, nc;  // block of A (mc by kc), panel of B (kc by nc)
   GemmUkr<T> ukr;
 };
-
-// The most elements of C a micro-kernel's tile holds (mr nr); the driver
-// keeps a local tile of this size for the tiles the edges of C cut.
-constexpr int kGemmMaxTile = 16 * 8;
 
 // The direct (unpacked) kernel for small or memory-bound products:
 // C := alpha op(A) op(B) + beta C straight from the caller's arrays.
@@ -46,42 +43,64 @@ using GemmDirect = void (*)(Op ta, Op tb, int m, int n, int k, T alpha, const T 
 // tb: 0 op(B) = B, otherwise op(B) = B^T.
 template <class T>
 struct GemmThin {
-  void (*run)(Op tb, int m, int n, int k, int kc, T alpha, const T *a, int lda, const T *b,
-              int ldb, T beta, T *c, int ldc);
+  void (*run)(Op tb, int m, int n, int k, int kc, T alpha, const T *a, int lda, const T *b, int ldb,
+              T beta, T *c, int ldc);
   int max_n;
 };
 
+// Portable kernels: the type-0 path (block parameter 64: its buffers hold a
+// 16-by-64 block of A and a 64-by-200 panel of B) and the precisions without
+// a vector kernel.
 namespace generic {
-extern const GemmShape<float> sgemm_shape;  // block 64: the type-0 path
-extern const GemmShape<double> dgemm_shape;
-extern const GemmShape<c8> cgemm_shape;
-extern const GemmShape<c16> zgemm_shape;
+void sgemm_ukr(int k, const float *a, const float *b, float *c, int ldc, float alpha, float beta);
+void dgemm_ukr(int k, const double *a, const double *b, double *c, int ldc, double alpha,
+               double beta);
+void cgemm_ukr(int k, const c8 *a, const c8 *b, c8 *c, int ldc, c8 alpha, c8 beta);
+void zgemm_ukr(int k, const c16 *a, const c16 *b, c16 *c, int ldc, c16 alpha, c16 beta);
+inline constexpr GemmShape<float> sgemm_shape{4, 4, 16, 64, 200, &sgemm_ukr};
+inline constexpr GemmShape<double> dgemm_shape{4, 4, 64, 256, 1024, &dgemm_ukr};
+inline constexpr GemmShape<c8> cgemm_shape{2, 2, 64, 256, 512, &cgemm_ukr};
+inline constexpr GemmShape<c16> zgemm_shape{2, 2, 64, 128, 512, &zgemm_ukr};
 template <class T>
 void gemm_direct(Op ta, Op tb, int m, int n, int k, T alpha, const T *a, int lda, const T *b,
                  int ldb, T beta, T *c, int ldc);
 }  // namespace generic
 
 // 128-bit kernels for the 32- and 64-bit builds, one compilation per level,
-// each with the blocking of the processor type that runs it.
-#define ORB_SSE_GEMM_DECLS                                                                     \
-  extern const GemmShape<float> sgemm_shape;                                                   \
+// each with the blocking of the processor type that runs it. The tile fills
+// the vector registers: 4 by 6 with the eight registers of the 32-bit build,
+// 8 by 6 with sixteen.
+#if defined(__x86_64__)
+inline constexpr int kSseGemmMr = 8;
+#else
+inline constexpr int kSseGemmMr = 4;
+#endif
+#define ORB_SSE_GEMM_DECLS(mc, kc, nc)                                                       \
+  void sgemm_ukr(int k, const float *a, const float *b, float *c, int ldc, float alpha,      \
+                 float beta);                                                                \
+  inline constexpr GemmShape<float> sgemm_shape{kSseGemmMr, 6, mc, kc, nc, &sgemm_ukr};      \
   void sgemm_direct(Op ta, Op tb, int m, int n, int k, float alpha, const float *a, int lda, \
                     const float *b, int ldb, float beta, float *c, int ldc);
+// Types 2 and 3: square blocks of 240 rows and columns of C (480 where the
+// caches are large, see sse_packed_block) over inner blocks of 64.
 namespace sse2 {
-ORB_SSE_GEMM_DECLS
+ORB_SSE_GEMM_DECLS(240, 64, 240)
 }
 namespace sse3 {
-ORB_SSE_GEMM_DECLS
+ORB_SSE_GEMM_DECLS(240, 64, 240)
 }
+// Types 4 and 5: blocks of 120 rows of A and panels of 2040 columns of B
+// (twice as wide for the large-panel kernel) over inner blocks of 256.
 namespace ssse3 {
-ORB_SSE_GEMM_DECLS
+ORB_SSE_GEMM_DECLS(120, 256, 2040)
 }
 namespace sse42 {
-ORB_SSE_GEMM_DECLS
+ORB_SSE_GEMM_DECLS(120, 256, 2040)
 }
 #undef ORB_SSE_GEMM_DECLS
 
-// 256-bit FMA kernels (x86-64).
+// 256-bit FMA kernels (x86-64), the wider path of types 4 and 5. Every one
+// sums the inner dimension in blocks of 256.
 namespace avx2 {
 void sgemm_ukr_16x6(int k, const float *a, const float *b, float *c, int ldc, float alpha,
                     float beta);
@@ -93,13 +112,11 @@ void zgemm_ukr_4x2(int k, const c16 *a, const c16 *b, c16 *c, int ldc, c16 alpha
 // sgemm_ukr_16x6 over inner blocks of kc <= 256.
 void sgemm_thin(Op tb, int m, int n, int k, int kc, float alpha, const float *a, int lda,
                 const float *b, int ldb, float beta, float *c, int ldc);
-
-// The kernels' shapes and blockings.
-extern const GemmShape<float> sgemm_shape;
-extern const GemmShape<double> dgemm_shape;
-extern const GemmShape<c8> cgemm_shape;
-extern const GemmShape<c16> zgemm_shape;
-extern const GemmThin<float> sgemm_thin_kernel;  // with sgemm_shape's inner blocks
+inline constexpr GemmShape<float> sgemm_shape{16, 6, 144, 256, 3072, &sgemm_ukr_16x6};
+inline constexpr GemmShape<double> dgemm_shape{8, 6, 96, 256, 2048, &dgemm_ukr_8x6};
+inline constexpr GemmShape<c8> cgemm_shape{8, 2, 96, 256, 2048, &cgemm_ukr_8x2};
+inline constexpr GemmShape<c16> zgemm_shape{4, 2, 64, 256, 1024, &zgemm_ukr_4x2};
+inline constexpr GemmThin<float> sgemm_thin_kernel{&sgemm_thin, 8};  // sgemm_shape's inner blocks
 }  // namespace avx2
 
 }  // namespace orb::kernel

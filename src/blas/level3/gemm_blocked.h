@@ -119,6 +119,14 @@ void scale_c(int m, int n, T beta, T *c, int ldc, const Mask &mask) {
   }
 }
 
+// The most elements of C a micro-kernel's tile may hold (mr nr): the driver
+// forms the tiles that the edges of C cut in a local tile of this size.
+constexpr int kMaxTile = 16 * 8;
+template <class T>
+constexpr bool fits_local_tile(const kernel::GemmShape<T> &s) {
+  return s.mr * s.nr <= kMaxTile;
+}
+
 // Runs the micro-kernel over the tiles of an mb-by-nb block of C from packed
 // A (mb rows) and packed B (nb columns) of inner size kb. The block's element
 // (0, 0) is element (i0, j0) of the mask's matrix. A tile the block's edge or
@@ -128,7 +136,7 @@ template <class T, class Mask = WholeBlock>
 void macro_kernel(const kernel::GemmShape<T> &s, int mb, int nb, int kb, T alpha, const T *pa,
                   const T *pb, T beta, T *c, int ldc, const Mask &mask = {}, int i0 = 0,
                   int j0 = 0) {
-  alignas(64) T tile[kernel::kGemmMaxTile];
+  alignas(64) T tile[kMaxTile];
   for (int jr = 0; jr < nb; jr += s.nr) {
     const int cols = std::min(s.nr, nb - jr);
     const T *b = pb + std::int64_t{jr} * kb;

@@ -114,38 +114,27 @@ void packed_or_direct(const GemmShape<T> &s, kernel::GemmDirect<T> direct, Op ta
 struct Sgemm {
   int type;
   bool sse41;                           // the large-panel kernel may run
-  const GemmShape<float> *packed;       // the packed kernel and its blocking
+  const GemmShape<float> &packed;       // the packed kernel and its blocking
   kernel::GemmDirect<float> direct;     // the unpacked kernel
   const kernel::GemmThin<float> *thin;  // products of few columns, or null
 };
 
-constexpr Sgemm kType0{0, false, &kernel::generic::sgemm_shape,
-                       &kernel::generic::gemm_direct<float>, nullptr};
-constexpr Sgemm kType2{2, false, &kernel::sse2::sgemm_shape, &kernel::sse2::sgemm_direct, nullptr};
-constexpr Sgemm kType3{3, false, &kernel::sse3::sgemm_shape, &kernel::sse3::sgemm_direct, nullptr};
-constexpr Sgemm kType4{4, false, &kernel::ssse3::sgemm_shape, &kernel::ssse3::sgemm_direct,
+constexpr Sgemm kType0{0, false, kernel::generic::sgemm_shape, &kernel::generic::gemm_direct<float>,
                        nullptr};
-constexpr Sgemm kType4Sse41{4, true, &kernel::ssse3::sgemm_shape, &kernel::ssse3::sgemm_direct,
+constexpr Sgemm kType2{2, false, kernel::sse2::sgemm_shape, &kernel::sse2::sgemm_direct, nullptr};
+constexpr Sgemm kType3{3, false, kernel::sse3::sgemm_shape, &kernel::sse3::sgemm_direct, nullptr};
+constexpr Sgemm kType4{4, false, kernel::ssse3::sgemm_shape, &kernel::ssse3::sgemm_direct, nullptr};
+constexpr Sgemm kType4Sse41{4, true, kernel::ssse3::sgemm_shape, &kernel::ssse3::sgemm_direct,
                             nullptr};
-constexpr Sgemm kType5{5, true, &kernel::sse42::sgemm_shape, &kernel::sse42::sgemm_direct, nullptr};
-constexpr Variants<const Sgemm *> kNarrow =
-    with(each(&kType0, &kType2, &kType3, &kType4, &kType5), cpu::kSetType4Sse41, &kType4Sse41);
-
+constexpr Sgemm kType5{5, true, kernel::sse42::sgemm_shape, &kernel::sse42::sgemm_direct, nullptr};
 // The wider path: the 256-bit packed and thin kernels; a product without its
 // packing buffers still goes through the type's own unpacked kernel.
 #if defined(ORB_KERNELS_AVX2)
-constexpr Sgemm kType4Avx2{4, true, &kernel::avx2::sgemm_shape, &kernel::ssse3::sgemm_direct,
+constexpr Sgemm kType4Avx2{4, true, kernel::avx2::sgemm_shape, &kernel::ssse3::sgemm_direct,
                            &kernel::avx2::sgemm_thin_kernel};
-constexpr Sgemm kType5Avx2{5, true, &kernel::avx2::sgemm_shape, &kernel::sse42::sgemm_direct,
+constexpr Sgemm kType5Avx2{5, true, kernel::avx2::sgemm_shape, &kernel::sse42::sgemm_direct,
                            &kernel::avx2::sgemm_thin_kernel};
-Slot<const Sgemm *> g_sgemm{wider(kNarrow, &kType4Avx2, &kType5Avx2)};
-#else
-Slot<const Sgemm *> g_sgemm{kNarrow};
 #endif
-
-const Sgemm &sgemm_kernels() {
-  return *g_sgemm.get();
-}
 
 // ---- type 0: the generic path ---------------------------------------------------
 
@@ -153,13 +142,14 @@ const Sgemm &sgemm_kernels() {
 // spare: 4096 + 16 and 51,200 + 16 bytes.
 constexpr int kGenericSpare = 16;
 
-void serial_type0(const Sgemm &kern, const Args &x) {
+template <const Sgemm &K>
+void serial_type0(const Args &x) {
   if (x.m <= 0 || x.n <= 0) return;
-  const GemmShape<float> &s = *kern.packed;
+  const GemmShape<float> &s = K.packed;
   mem::Buffer<char> abuf(packed_a_size(s) * sizeof(float) + kGenericSpare, kBufferAlignment);
   mem::Buffer<char> bbuf(packed_b_size(s) * sizeof(float) + kGenericSpare, kBufferAlignment);
   if (!abuf || !bbuf) {
-    kern.direct(x.ta, x.tb, x.m, x.n, x.k, x.alpha, x.a, x.lda, x.b, x.ldb, x.beta, x.c, x.ldc);
+    K.direct(x.ta, x.tb, x.m, x.n, x.k, x.alpha, x.a, x.lda, x.b, x.ldb, x.beta, x.c, x.ldc);
     return;
   }
   gemm_packed(s, x.ta, x.tb, x.m, x.n, x.k, x.alpha, x.a, x.lda, x.b, x.ldb, x.beta, x.c, x.ldc,
@@ -170,24 +160,26 @@ void serial_type0(const Sgemm &kern, const Args &x) {
 
 // The kernel's tile and inner blocks (whole blocks, then the edge block),
 // with square blocks of C by the cache class.
-GemmShape<float> shape23(const Sgemm &kern) {
-  GemmShape<float> s = *kern.packed;
+template <const Sgemm &K>
+GemmShape<float> shape23() {
+  GemmShape<float> s = K.packed;
   s.mc = s.nc = sse_packed_block(cpu::cache_class());
   return s;
 }
 
-void serial_type23(const Sgemm &kern, const Args &x) {
+template <const Sgemm &K>
+void serial_type23(const Args &x) {
   if (x.m <= 0 || x.n <= 0) return;
   if (x.alpha == 0.0f) {  // A and B are not read
     scale_c(x.m, x.n, x.beta, x.c, x.ldc);
     return;
   }
   if (choose_sse_path(x.ta == Op::kNone, x.tb == Op::kNone, x.m, x.n, x.k) == SsePath::kDirect) {
-    kern.direct(x.ta, x.tb, x.m, x.n, x.k, x.alpha, x.a, x.lda, x.b, x.ldb, x.beta, x.c, x.ldc);
+    K.direct(x.ta, x.tb, x.m, x.n, x.k, x.alpha, x.a, x.lda, x.b, x.ldb, x.beta, x.c, x.ldc);
     return;
   }
-  packed_or_direct<float>(shape23(kern), kern.direct, x.ta, x.tb, x.m, x.n, x.k, x.alpha, x.a,
-                          x.lda, x.b, x.ldb, x.beta, x.c, x.ldc);
+  packed_or_direct<float>(shape23<K>(), K.direct, x.ta, x.tb, x.m, x.n, x.k, x.alpha, x.a, x.lda,
+                          x.b, x.ldb, x.beta, x.c, x.ldc);
 }
 
 // ---- types 4 and 5: three kernels each ----------------------------------------------
@@ -195,8 +187,9 @@ void serial_type23(const Sgemm &kern, const Args &x) {
 // Every kernel of a type sums the inner dimension in the same blocks (256),
 // so the choice between them (which depends on the slab a thread gets) never
 // changes a result. The large-panel kernel takes panels of B twice as wide.
-GemmShape<float> panel_shape(const Sgemm &kern, PanelKernel which) {
-  GemmShape<float> s = *kern.packed;
+template <const Sgemm &K>
+GemmShape<float> panel_shape(PanelKernel which) {
+  GemmShape<float> s = K.packed;
   if (which == PanelKernel::kLargePanel) s.nc *= 2;
   return s;
 }
@@ -204,37 +197,52 @@ GemmShape<float> panel_shape(const Sgemm &kern, PanelKernel which) {
 // Products of few columns with op(A) = A go straight through the thin
 // kernel, which forms the same sums as the packed kernel. The rule looks only
 // at op(A) and n, which every slab of a split product shares.
-bool thin(const Sgemm &kern, const Args &x) {
-  return kern.thin != nullptr && x.ta == Op::kNone && x.n <= kern.thin->max_n && x.alpha != 0.0f;
+template <const Sgemm &K>
+bool thin(const Args &x) {
+  if constexpr (K.thin == nullptr)
+    return false;
+  else
+    return x.ta == Op::kNone && x.n <= K.thin->max_n && x.alpha != 0.0f;
 }
-void run_thin(const Sgemm &kern, int m, const float *a, float beta, float *c, const Args &x) {
-  kern.thin->run(x.tb, m, x.n, x.k, kern.packed->kc, x.alpha, a, x.lda, x.b, x.ldb, beta, c, x.ldc);
+template <const Sgemm &K>
+void run_thin(int m, const float *a, float beta, float *c, const Args &x) {
+  if constexpr (K.thin != nullptr)
+    K.thin->run(x.tb, m, x.n, x.k, K.packed.kc, x.alpha, a, x.lda, x.b, x.ldb, beta, c, x.ldc);
 }
 
-void serial_type45(const Sgemm &kern, const Args &x, bool accumulate) {
+template <const Sgemm &K>
+void serial_type45(const Args &x, bool accumulate) {
   if (x.m <= 0 || x.n <= 0) return;
-  if (thin(kern, x) && x.k > 0) {
-    run_thin(kern, x.m, x.a, accumulate ? 1.0f : x.beta, x.c, x);
+  if (thin<K>(x) && x.k > 0) {
+    run_thin<K>(x.m, x.a, accumulate ? 1.0f : x.beta, x.c, x);
     return;
   }
-  const PanelKernel which = choose_panel_kernel(kern.type, kern.sse41, x.n, x.k);
+  const PanelKernel which = choose_panel_kernel(K.type, K.sse41, x.n, x.k);
   const float beta = accumulate ? 1.0f : x.beta;
-  packed_or_direct<float>(panel_shape(kern, which), kern.direct, x.ta, x.tb, x.m, x.n, x.k, x.alpha,
-                          x.a, x.lda, x.b, x.ldb, beta, x.c, x.ldc);
+  packed_or_direct<float>(panel_shape<K>(which), K.direct, x.ta, x.tb, x.m, x.n, x.k, x.alpha, x.a,
+                          x.lda, x.b, x.ldb, beta, x.c, x.ldc);
 }
+
+struct PackedArgs {
+  const Args *x;
+  float *shared;
+  int row0, rows;
+  const int *params;
+};
 
 // One member's part of a team's product (see sgemm_serial_packed).
-void packed45(const Sgemm &kern, const Args &x, float *shared, int row0, int rows,
-              const int *params) {
+template <const Sgemm &K>
+void packed45(const PackedArgs &p) {
+  const Args &x = *p.x;
   // Every member sees the same n, so either all take this branch or none.
-  if (thin(kern, x) && x.k > 0) {
-    if (rows > 0) run_thin(kern, rows, x.a + row0, 1.0f, x.c + row0, x);
+  if (thin<K>(x) && x.k > 0) {
+    if (p.rows > 0) run_thin<K>(p.rows, x.a + p.row0, 1.0f, x.c + p.row0, x);
     return;
   }
-  GemmShape<float> s = panel_shape(kern, PanelKernel::kNormal);
-  s.kc = params[0];
-  s.mc = params[1];
-  s.nc = params[3];
+  GemmShape<float> s = panel_shape<K>(PanelKernel::kNormal);
+  s.kc = p.params[0];
+  s.mc = p.params[1];
+  s.nc = p.params[3];
   mem::Buffer<float> abuf(packed_a_size(s), kBufferAlignment);
   // Without its own block buffer a member still takes part in packing the
   // shared panels (the team waits for every member) but computes its rows
@@ -242,16 +250,76 @@ void packed45(const Sgemm &kern, const Args &x, float *shared, int row0, int row
   float *own = abuf.get();
   alignas(64) float dummy[1];
   gemm_packed_team(s, x.ta, x.tb, x.m, x.n, x.k, x.alpha, x.a, x.lda, x.b, x.ldb, 1.0f, x.c, x.ldc,
-                   row0, own ? rows : 0, own ? own : dummy, shared, omp_get_thread_num(),
+                   p.row0, own ? p.rows : 0, own ? own : dummy, p.shared, omp_get_thread_num(),
                    omp_get_num_threads(), [] {
 #pragma omp barrier
                    });
-  if (!own && rows > 0) {
-    const float *a_rows = x.ta == Op::kNone ? x.a + row0 : x.a + std::int64_t{row0} * x.lda;
-    kern.direct(x.ta, x.tb, rows, x.n, x.k, x.alpha, a_rows, x.lda, x.b, x.ldb, 1.0f, x.c + row0,
-                x.ldc);
+  if (!own && p.rows > 0) {
+    const float *a_rows = x.ta == Op::kNone ? x.a + p.row0 : x.a + std::int64_t{p.row0} * x.lda;
+    K.direct(x.ta, x.tb, p.rows, x.n, x.k, x.alpha, a_rows, x.lda, x.b, x.ldb, 1.0f, x.c + p.row0,
+             x.ldc);
   }
 }
+
+// ---- the pieces of each kernel set ----------------------------------------------------
+
+// The module's entries for one kernel set, compiled for its kernels (their
+// tiles and blocks are constants there). The wide-kernel pieces do nothing
+// below type 4.
+struct SgemmPaths {
+  void (*serial)(const Args &);
+  void (*acc)(const Args &);
+  void (*packed)(const PackedArgs &);
+  void (*params)(int *params);
+  GemmShape<float> (*shape)();
+};
+
+template <const Sgemm &K>
+struct Paths {
+  static_assert(fits_local_tile(K.packed));
+  static void serial(const Args &x) {
+    if constexpr (K.type >= 4)
+      serial_type45<K>(x, false);
+    else if constexpr (K.type >= 2)
+      serial_type23<K>(x);
+    else
+      serial_type0<K>(x);
+  }
+  static void acc(const Args &x) {
+    if constexpr (K.type >= 4) serial_type45<K>(x, true);
+  }
+  static void packed(const PackedArgs &p) {
+    if constexpr (K.type >= 4) packed45<K>(p);
+  }
+  static void params(int *params) {
+    if constexpr (K.type >= 4) {
+      const GemmShape<float> s = panel_shape<K>(PanelKernel::kNormal);
+      params[0] = s.kc;
+      params[1] = s.mc;
+      params[2] = s.nr;  // columns of a packed sliver
+    }
+  }
+  static GemmShape<float> shape() {
+    if constexpr (K.type >= 4)
+      return panel_shape<K>(PanelKernel::kNormal);
+    else if constexpr (K.type >= 2)
+      return shape23<K>();
+    else
+      return K.packed;
+  }
+};
+template <const Sgemm &K>
+constexpr SgemmPaths kPaths{&Paths<K>::serial, &Paths<K>::acc, &Paths<K>::packed, &Paths<K>::params,
+                            &Paths<K>::shape};
+
+constexpr Variants<const SgemmPaths *> kNarrow =
+    with(each(&kPaths<kType0>, &kPaths<kType2>, &kPaths<kType3>, &kPaths<kType4>, &kPaths<kType5>),
+         cpu::kSetType4Sse41, &kPaths<kType4Sse41>);
+#if defined(ORB_KERNELS_AVX2)
+Slot<const SgemmPaths *> g_sgemm{wider(kNarrow, &kPaths<kType4Avx2>, &kPaths<kType5Avx2>)};
+#else
+Slot<const SgemmPaths *> g_sgemm{kNarrow};
+#endif
 
 }  // namespace
 
@@ -260,22 +328,13 @@ void packed45(const Sgemm &kern, const Args &x, float *shared, int row0, int row
 void sgemm_serial(const char *transa, const char *transb, const int *m, const int *n, const int *k,
                   const float *alpha, const float *a, const int *lda, const float *b,
                   const int *ldb, const float *beta, float *c, const int *ldc) {
-  const Sgemm &kern = sgemm_kernels();
-  const Args x = read(transa, transb, m, n, k, alpha, a, lda, b, ldb, beta, c, ldc);
-  if (kern.type >= 4)
-    serial_type45(kern, x, false);
-  else if (kern.type >= 2)
-    serial_type23(kern, x);
-  else
-    serial_type0(kern, x);
+  g_sgemm.get()->serial(read(transa, transb, m, n, k, alpha, a, lda, b, ldb, beta, c, ldc));
 }
 
 void sgemm_serial_acc(const char *transa, const char *transb, const int *m, const int *n,
                       const int *k, const float *alpha, const float *a, const int *lda,
                       const float *b, const int *ldb, const float *beta, float *c, const int *ldc) {
-  const Sgemm &kern = sgemm_kernels();
-  if (kern.type >= 4)
-    serial_type45(kern, read(transa, transb, m, n, k, alpha, a, lda, b, ldb, beta, c, ldc), true);
+  g_sgemm.get()->acc(read(transa, transb, m, n, k, alpha, a, lda, b, ldb, beta, c, ldc));
 }
 
 void sgemm_serial_packed(const char *transa, const char *transb, const int *m, const int *n,
@@ -283,27 +342,17 @@ void sgemm_serial_packed(const char *transa, const char *transb, const int *m, c
                          const float *b, const int *ldb, const float *beta, float *c,
                          const int *ldc, float *shared, const int *row0, const int *rows,
                          const int *params) {
-  const Sgemm &kern = sgemm_kernels();
-  if (kern.type >= 4)
-    packed45(kern, read(transa, transb, m, n, k, alpha, a, lda, b, ldb, beta, c, ldc), shared,
-             *row0, *rows, params);
+  const Args x = read(transa, transb, m, n, k, alpha, a, lda, b, ldb, beta, c, ldc);
+  g_sgemm.get()->packed(PackedArgs{&x, shared, *row0, *rows, params});
 }
 
 void sgemm_wide_params(const int *, const int *, const int *, const int *, int *params, int *) {
-  const Sgemm &kern = sgemm_kernels();
-  if (kern.type < 4) return;
-  const GemmShape<float> s = panel_shape(kern, PanelKernel::kNormal);
-  params[0] = s.kc;
-  params[1] = s.mc;
-  params[2] = s.nr;  // columns of a packed sliver
+  g_sgemm.get()->params(params);
 }
 
 template <>
 GemmShape<float> packed_shape<float>() {
-  const Sgemm &kern = sgemm_kernels();
-  if (kern.type >= 4) return panel_shape(kern, PanelKernel::kNormal);
-  if (kern.type >= 2) return shape23(kern);
-  return *kern.packed;
+  return g_sgemm.get()->shape();
 }
 
 // ---- other precisions -----------------------------------------------------------------
@@ -315,6 +364,14 @@ namespace {
 #define ORB_GEMM_PACKED(shape) wider(single(&kernel::generic::shape), &kernel::avx2::shape)
 #else
 #define ORB_GEMM_PACKED(shape) single(&kernel::generic::shape)
+#endif
+static_assert(fits_local_tile(kernel::generic::dgemm_shape) &&
+              fits_local_tile(kernel::generic::cgemm_shape) &&
+              fits_local_tile(kernel::generic::zgemm_shape));
+#if defined(ORB_KERNELS_AVX2)
+static_assert(fits_local_tile(kernel::avx2::dgemm_shape) &&
+              fits_local_tile(kernel::avx2::cgemm_shape) &&
+              fits_local_tile(kernel::avx2::zgemm_shape));
 #endif
 Slot<const GemmShape<double> *> g_dgemm{ORB_GEMM_PACKED(dgemm_shape)};
 Slot<const GemmShape<c8> *> g_cgemm{ORB_GEMM_PACKED(cgemm_shape)};

@@ -300,20 +300,12 @@ void sgemm_thin(Op tb, int m, int n, int k, int kc, float alpha, const float *a,
   }
 }
 
-// ---- shapes and blockings ------------------------------------------------------
-
-// Every kernel sums the inner dimension in blocks of 256; the thin kernel
-// takes the single-precision packed kernel's.
-constexpr GemmShape<float> sgemm_shape = {16, 6, 144, 256, 3072, &sgemm_ukr_16x6};
-constexpr GemmShape<double> dgemm_shape = {8, 6, 96, 256, 2048, &dgemm_ukr_8x6};
-constexpr GemmShape<c8> cgemm_shape = {8, 2, 96, 256, 2048, &cgemm_ukr_8x2};
-constexpr GemmShape<c16> zgemm_shape = {4, 2, 64, 256, 1024, &zgemm_ukr_4x2};
-constexpr GemmThin<float> sgemm_thin_kernel = {&sgemm_thin, 8};
-static_assert(sgemm_shape.mr * sgemm_shape.nr <= kGemmMaxTile &&
-                  dgemm_shape.mr * dgemm_shape.nr <= kGemmMaxTile &&
-                  cgemm_shape.mr * cgemm_shape.nr <= kGemmMaxTile &&
-                  zgemm_shape.mr * zgemm_shape.nr <= kGemmMaxTile,
-              "the driver's local tile holds every tile");
-static_assert(sgemm_shape.kc <= 256, "sgemm_thin packs at most 256 rows of B");
+// The tiles these kernels are written for, and the inner blocks sgemm_thin
+// has room for.
+static_assert(sgemm_shape.mr == 16 && sgemm_shape.nr == 6 && dgemm_shape.mr == 8 &&
+                  dgemm_shape.nr == 6 && cgemm_shape.mr == 8 && cgemm_shape.nr == 2 &&
+                  zgemm_shape.mr == 4 && zgemm_shape.nr == 2,
+              "the tiles of the kernels");
+static_assert(sgemm_shape.kc <= 256 && sgemm_thin_kernel.max_n <= 8, "sgemm_thin's packed B");
 
 }  // namespace orb::kernel::avx2

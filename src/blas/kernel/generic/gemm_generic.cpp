@@ -13,7 +13,6 @@ using orb::mul;
 
 template <class T, int MR, int NR>
 void ukr(int k, const T *a, const T *b, T *c, int ldc, T alpha, T beta) {
-  static_assert(MR * NR <= kGemmMaxTile, "the driver's local tile holds the tile");
   T acc[NR][MR] = {};
   for (int p = 0; p < k; ++p, a += MR, b += NR)
     for (int j = 0; j < NR; ++j)
@@ -31,14 +30,16 @@ void ukr(int k, const T *a, const T *b, T *c, int ldc, T alpha, T beta) {
 
 }  // namespace
 
-// The type-0 path: block parameter 64. Its buffers hold a 16-by-64 block of A
-// (4096 bytes) and a 64-by-200 panel of B (51,200 bytes).
-constexpr GemmShape<float> sgemm_shape = {4, 4, 16, 64, 200, &ukr<float, 4, 4>};
-
-// The other precisions without a vector kernel.
-constexpr GemmShape<double> dgemm_shape = {4, 4, 64, 256, 1024, &ukr<double, 4, 4>};
-constexpr GemmShape<c8> cgemm_shape = {2, 2, 64, 256, 512, &ukr<c8, 2, 2>};
-constexpr GemmShape<c16> zgemm_shape = {2, 2, 64, 128, 512, &ukr<c16, 2, 2>};
+// The micro-kernels of the shapes in blas/kernel/gemm.h.
+#define ORB_GENERIC_UKR(name, T, shape)                                      \
+  void name(int k, const T *a, const T *b, T *c, int ldc, T alpha, T beta) { \
+    ukr<T, shape.mr, shape.nr>(k, a, b, c, ldc, alpha, beta);                \
+  }
+ORB_GENERIC_UKR(sgemm_ukr, float, sgemm_shape)
+ORB_GENERIC_UKR(dgemm_ukr, double, dgemm_shape)
+ORB_GENERIC_UKR(cgemm_ukr, c8, cgemm_shape)
+ORB_GENERIC_UKR(zgemm_ukr, c16, zgemm_shape)
+#undef ORB_GENERIC_UKR
 
 template <class T>
 void gemm_direct(Op ta, Op tb, int m, int n, int k, T alpha, const T *a, int lda, const T *b,

@@ -1,6 +1,3 @@
-// Single-precision GEMM kernels compiled for the sse2 level. Processor type 2
-// runs them in square blocks of 240 rows and columns of C (480 where the
-// caches are large, see sse_packed_block) over inner blocks of 64.
+// Single-precision GEMM kernels compiled for the sse2 level.
 #define ORB_SSE_LEVEL sse2
-#define ORB_SSE_BLOCKING 240, 64, 240
 #include "blas/kernel/gemm_sse.inc"
