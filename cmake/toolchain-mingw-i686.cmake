@@ -13,9 +13,10 @@ set(CMAKE_FIND_ROOT_PATH /usr/${_prefix})
 set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)
 set(CMAKE_FIND_ROOT_PATH_MODE_LIBRARY ONLY)
 set(CMAKE_FIND_ROOT_PATH_MODE_INCLUDE ONLY)
-# Plain i686 with x87 arithmetic for portable code; kernels add their own flags.
-set(CMAKE_C_FLAGS_INIT "-march=i686 -mfpmath=387")
-set(CMAKE_CXX_FLAGS_INIT "-march=i686 -mfpmath=387")
+# The processor baseline; the top-level CMakeLists.txt adds SSE2 scalar
+# arithmetic for portable code, and kernels add their own flags.
+set(CMAKE_C_FLAGS_INIT "-march=i686")
+set(CMAKE_CXX_FLAGS_INIT "-march=i686")
 set(CMAKE_EXE_LINKER_FLAGS_INIT "-static")
 # OpenMP's library lookup would take the import library libgomp.dll.a, which
 # -static does not override; point it at the archive.

@@ -5,6 +5,11 @@
 #include <complex>
 #include <type_traits>
 
+// Every build rounds each operation to its type, as the published routines'
+// tests and convergence criteria assume; a 32-bit build computing on x87
+// registers would not, and would make results depend on register spills.
+static_assert(__FLT_EVAL_METHOD__ == 0, "compile with SSE2 scalar arithmetic (-mfpmath=sse)");
+
 namespace orb {
 
 using c8 = std::complex<float>;

@@ -596,7 +596,7 @@ TYPED_TEST(Level1Operations, NegativeIncrementsWalkFromTheFarEnd) {
   for (int i = 0; i < n; ++i) ASSERT_EQ(z[i], x[2 * (n - 1 - i)]) << i;
   blas::axpy(n, make<T>(2), y.data(), 1, z.data(), -1);
   for (int i = 0; i < n; ++i) ASSERT_EQ(z[n - 1 - i], x[2 * i] + make<T>(2) * y[i]) << i;
-  const LD norm = blas::nrm2(2, x.data() + 1, 1);  // an x87 build may round either order apart
+  const LD norm = blas::nrm2(2, x.data() + 1, 1);  // the two orders may round apart
   EXPECT_LE(std::fabs(blas::nrm2(2, x.data() + 1, -1) - norm), 2 * kEps<T> * norm);
 }
 

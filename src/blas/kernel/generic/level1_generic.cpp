@@ -1,7 +1,7 @@
 // The reference level-1 kernels: plain loops in the order of the published
 // routines, for every scalar type. Complex products are written out as the
 // published formulas (no recovery of infinities from NaN parts), and copies
-// move bits, so a signalling NaN survives scopy on an x87 build too.
+// move bits, so a signalling NaN survives scopy.
 #include <cstdint>
 #include <cstring>
 
@@ -11,21 +11,6 @@ namespace orb::kernel::generic {
 namespace {
 
 using std::int64_t;
-
-#if defined(__FLT_EVAL_METHOD__) && __FLT_EVAL_METHOD__ != 0
-// x87 arithmetic keeps more precision than the type; the index searches
-// compare values rounded to the type, as the published routines do.
-template <class R>
-R rounded(R v) {
-  volatile R t = v;
-  return t;
-}
-#else
-template <class R>
-R rounded(R v) {
-  return v;
-}
-#endif
 
 float fabs_(float v) {
   return __builtin_fabsf(v);
@@ -91,7 +76,7 @@ std::complex<R> rmul(R a, std::complex<R> b) {
 template <class T>
 real_t<T> abs1(T v) {
   if constexpr (is_complex_v<T>)
-    return rounded(fabs_(v.real()) + fabs_(v.imag()));
+    return fabs_(v.real()) + fabs_(v.imag());
   else
     return fabs_(v);
 }
