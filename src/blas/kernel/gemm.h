@@ -31,10 +31,11 @@ struct GemmShape {
 };
 
 // The direct (unpacked) kernel for small or memory-bound products:
-// C := alpha op(A) op(B) + beta C straight from the caller's arrays.
-// trans: 0 no transpose, 1 transpose, 2 conjugate transpose.
+// C := alpha op(A) op(B) + beta C straight from the caller's arrays, forming
+// the sums of a packed kernel with inner blocks of kc, so that the choice
+// between the two never changes an element.
 template <class T>
-using GemmDirect = void (*)(Op ta, Op tb, int m, int n, int k, T alpha, const T *a, int lda,
+using GemmDirect = void (*)(int kc, Op ta, Op tb, int m, int n, int k, T alpha, const T *a, int lda,
                             const T *b, int ldb, T beta, T *c, int ldc);
 
 // A kernel for products of few columns, C := alpha A op(B) + beta C with
@@ -62,8 +63,8 @@ inline constexpr GemmShape<double> dgemm_shape{4, 4, 64, 256, 1024, &dgemm_ukr};
 inline constexpr GemmShape<c8> cgemm_shape{2, 2, 64, 256, 512, &cgemm_ukr};
 inline constexpr GemmShape<c16> zgemm_shape{2, 2, 64, 128, 512, &zgemm_ukr};
 template <class T>
-void gemm_direct(Op ta, Op tb, int m, int n, int k, T alpha, const T *a, int lda, const T *b,
-                 int ldb, T beta, T *c, int ldc);
+void gemm_direct(int kc, Op ta, Op tb, int m, int n, int k, T alpha, const T *a, int lda,
+                 const T *b, int ldb, T beta, T *c, int ldc);
 }  // namespace generic
 
 // 128-bit kernels for the 32- and 64-bit builds, one compilation per level,
@@ -75,12 +76,12 @@ inline constexpr int kSseGemmMr = 8;
 #else
 inline constexpr int kSseGemmMr = 4;
 #endif
-#define ORB_SSE_GEMM_DECLS(mc, kc, nc)                                                       \
-  void sgemm_ukr(int k, const float *a, const float *b, float *c, int ldc, float alpha,      \
-                 float beta);                                                                \
-  inline constexpr GemmShape<float> sgemm_shape{kSseGemmMr, 6, mc, kc, nc, &sgemm_ukr};      \
-  void sgemm_direct(Op ta, Op tb, int m, int n, int k, float alpha, const float *a, int lda, \
-                    const float *b, int ldb, float beta, float *c, int ldc);
+#define ORB_SSE_GEMM_DECLS(mc, kc, nc)                                                         \
+  void sgemm_ukr(int k, const float *a, const float *b, float *c, int ldc, float alpha,        \
+                 float beta);                                                                  \
+  inline constexpr GemmShape<float> sgemm_shape{kSseGemmMr, 6, mc, kc, nc, &sgemm_ukr};        \
+  void sgemm_direct(int inner, Op ta, Op tb, int m, int n, int k, float alpha, const float *a, \
+                    int lda, const float *b, int ldb, float beta, float *c, int ldc);
 // Types 2 and 3: square blocks of 240 rows and columns of C (480 where the
 // caches are large, see sse_packed_block) over inner blocks of 64.
 namespace sse2 {

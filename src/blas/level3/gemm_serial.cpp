@@ -100,7 +100,7 @@ void packed_or_direct(const GemmShape<T> &s, kernel::GemmDirect<T> direct, Op ta
   mem::Buffer<T> abuf(packed_a_size(s), kBufferAlignment);
   mem::Buffer<T> bbuf(packed_b_size(s), kBufferAlignment);
   if (!abuf || !bbuf) {
-    direct(ta, tb, m, n, k, alpha, a, lda, b, ldb, beta, c, ldc);
+    direct(s.kc, ta, tb, m, n, k, alpha, a, lda, b, ldb, beta, c, ldc);
     return;
   }
   gemm_packed(s, ta, tb, m, n, k, alpha, a, lda, b, ldb, beta, c, ldc, abuf.get(), bbuf.get());
@@ -149,7 +149,7 @@ void serial_type0(const Args &x) {
   mem::Buffer<char> abuf(packed_a_size(s) * sizeof(float) + kGenericSpare, kBufferAlignment);
   mem::Buffer<char> bbuf(packed_b_size(s) * sizeof(float) + kGenericSpare, kBufferAlignment);
   if (!abuf || !bbuf) {
-    K.direct(x.ta, x.tb, x.m, x.n, x.k, x.alpha, x.a, x.lda, x.b, x.ldb, x.beta, x.c, x.ldc);
+    K.direct(s.kc, x.ta, x.tb, x.m, x.n, x.k, x.alpha, x.a, x.lda, x.b, x.ldb, x.beta, x.c, x.ldc);
     return;
   }
   gemm_packed(s, x.ta, x.tb, x.m, x.n, x.k, x.alpha, x.a, x.lda, x.b, x.ldb, x.beta, x.c, x.ldc,
@@ -175,7 +175,8 @@ void serial_type23(const Args &x) {
     return;
   }
   if (choose_sse_path(x.ta == Op::kNone, x.tb == Op::kNone, x.m, x.n, x.k) == SsePath::kDirect) {
-    K.direct(x.ta, x.tb, x.m, x.n, x.k, x.alpha, x.a, x.lda, x.b, x.ldb, x.beta, x.c, x.ldc);
+    K.direct(K.packed.kc, x.ta, x.tb, x.m, x.n, x.k, x.alpha, x.a, x.lda, x.b, x.ldb, x.beta, x.c,
+             x.ldc);
     return;
   }
   packed_or_direct<float>(shape23<K>(), K.direct, x.ta, x.tb, x.m, x.n, x.k, x.alpha, x.a, x.lda,
@@ -256,8 +257,8 @@ void packed45(const PackedArgs &p) {
                    });
   if (!own && p.rows > 0) {
     const float *a_rows = x.ta == Op::kNone ? x.a + p.row0 : x.a + std::int64_t{p.row0} * x.lda;
-    K.direct(x.ta, x.tb, p.rows, x.n, x.k, x.alpha, a_rows, x.lda, x.b, x.ldb, 1.0f, x.c + p.row0,
-             x.ldc);
+    K.direct(s.kc, x.ta, x.tb, p.rows, x.n, x.k, x.alpha, a_rows, x.lda, x.b, x.ldb, 1.0f,
+             x.c + p.row0, x.ldc);
   }
 }
 

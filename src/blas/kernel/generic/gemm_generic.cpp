@@ -42,18 +42,18 @@ ORB_GENERIC_UKR(zgemm_ukr, c16, zgemm_shape)
 #undef ORB_GENERIC_UKR
 
 template <class T>
-void gemm_direct(Op ta, Op tb, int m, int n, int k, T alpha, const T *a, int lda, const T *b,
-                 int ldb, T beta, T *c, int ldc) {
-  direct_gemm(ta, tb, m, n, k, alpha, a, lda, b, ldb, beta, c, ldc);
+void gemm_direct(int kc, Op ta, Op tb, int m, int n, int k, T alpha, const T *a, int lda,
+                 const T *b, int ldb, T beta, T *c, int ldc) {
+  direct_gemm(kc, ta, tb, m, n, k, alpha, a, lda, b, ldb, beta, c, ldc);
 }
 
-template void gemm_direct<float>(Op, Op, int, int, int, float, const float *, int, const float *,
-                                 int, float, float *, int);
-template void gemm_direct<double>(Op, Op, int, int, int, double, const double *, int,
+template void gemm_direct<float>(int, Op, Op, int, int, int, float, const float *, int,
+                                 const float *, int, float, float *, int);
+template void gemm_direct<double>(int, Op, Op, int, int, int, double, const double *, int,
                                   const double *, int, double, double *, int);
-template void gemm_direct<c8>(Op, Op, int, int, int, c8, const c8 *, int, const c8 *, int, c8, c8 *,
-                              int);
-template void gemm_direct<c16>(Op, Op, int, int, int, c16, const c16 *, int, const c16 *, int, c16,
-                               c16 *, int);
+template void gemm_direct<c8>(int, Op, Op, int, int, int, c8, const c8 *, int, const c8 *, int, c8,
+                              c8 *, int);
+template void gemm_direct<c16>(int, Op, Op, int, int, int, c16, const c16 *, int, const c16 *, int,
+                               c16, c16 *, int);
 
 }  // namespace orb::kernel::generic

@@ -54,6 +54,7 @@ struct VF {
   static void storepart(R *p, reg v, int lo, int hi) { _mm256_maskstore_ps(p, lanes(lo, hi), v); }
   static void storeu(R *p, reg v) { _mm256_storeu_ps(p, v); }
   static reg add(reg a, reg b) { return _mm256_add_ps(a, b); }
+  static reg mul(reg a, reg b) { return _mm256_mul_ps(a, b); }
   static reg madd(reg a, reg b, reg c) { return _mm256_fmadd_ps(a, b, c); }
   static R madd1(R a, R b, R c) { return std::fma(a, b, c); }
   static reg swap(reg v) { return _mm256_permute_ps(v, 0xB1); }
@@ -85,6 +86,7 @@ struct VD {
   static void storepart(R *p, reg v, int lo, int hi) { _mm256_maskstore_pd(p, lanes(lo, hi), v); }
   static void storeu(R *p, reg v) { _mm256_storeu_pd(p, v); }
   static reg add(reg a, reg b) { return _mm256_add_pd(a, b); }
+  static reg mul(reg a, reg b) { return _mm256_mul_pd(a, b); }
   static reg madd(reg a, reg b, reg c) { return _mm256_fmadd_pd(a, b, c); }
   static R madd1(R a, R b, R c) { return std::fma(a, b, c); }
   static reg swap(reg v) { return _mm256_permute_pd(v, 0x5); }
@@ -119,6 +121,7 @@ struct VF {
   }
   static void storeu(R *p, reg v) { _mm_storeu_ps(p, v); }
   static reg add(reg a, reg b) { return _mm_add_ps(a, b); }
+  static reg mul(reg a, reg b) { return _mm_mul_ps(a, b); }
   static reg madd(reg a, reg b, reg c) { return _mm_add_ps(_mm_mul_ps(a, b), c); }
   static R madd1(R a, R b, R c) { return a * b + c; }  // never contracted here
   static reg swap(reg v) { return _mm_shuffle_ps(v, v, 0xB1); }
@@ -155,6 +158,7 @@ struct VD {
   }
   static void storeu(R *p, reg v) { _mm_storeu_pd(p, v); }
   static reg add(reg a, reg b) { return _mm_add_pd(a, b); }
+  static reg mul(reg a, reg b) { return _mm_mul_pd(a, b); }
   static reg madd(reg a, reg b, reg c) { return _mm_add_pd(_mm_mul_pd(a, b), c); }
   static R madd1(R a, R b, R c) { return a * b + c; }
   static reg swap(reg v) { return _mm_shuffle_pd(v, v, 1); }
@@ -197,11 +201,13 @@ struct Kernels {
   // Broadcasts of a scalar t such that t * v is madd(lo, v, hi * swap(v)).
   static reg bre(S t) { return V::set1(t.re); }
   static reg bim(S t) { return kC ? V::setpair(-t.im, t.im) : V::zero(); }
-  // y += t * v for one element, with the operations of vupdate's lanes.
+  // y += t * v for one element, with the operations of vupdate's lanes. A
+  // complex product is formed first and then added, as in the published
+  // routines; without fused operations the sums are the published ones.
   static void update(R *y, S t, S v) {
     if constexpr (kC) {
-      y[0] = V::madd1(-t.im, v.im, V::madd1(t.re, v.re, y[0]));
-      y[1] = V::madd1(t.im, v.re, V::madd1(t.re, v.im, y[1]));
+      y[0] += V::madd1(-t.im, v.im, t.re * v.re);
+      y[1] += V::madd1(t.im, v.re, t.re * v.im);
     } else {
       y[0] = V::madd1(t.re, v.re, y[0]);
     }
@@ -209,9 +215,8 @@ struct Kernels {
   static void update(R *y, S t, const R *v) { update(y, t, read(v)); }
   // acc += t * v for a vector.
   static reg vupdate(reg acc, reg tre, reg tim, reg v) {
-    acc = V::madd(tre, v, acc);
-    if constexpr (kC) acc = V::madd(tim, V::swap(v), acc);
-    return acc;
+    if constexpr (kC) return V::add(acc, V::madd(tim, V::swap(v), V::mul(tre, v)));
+    return V::madd(tre, v, acc);
   }
   template <bool kAligned>
   static reg load(const R *p) {
