@@ -40,7 +40,13 @@ for arg in "$@"; do
   esac
 done
 
-installed() { [ -f "$prefix/lib/libmetis.a" ] && [ -f "$prefix/include/metis.h" ]; }
+# Code generation matches ORB's: SSE2 scalar arithmetic. A library built with
+# other flags (an older tree's x87 build) is built again.
+codegen="-march=i686 -msse2 -mfpmath=sse"
+installed() {
+  [ -f "$prefix/lib/libmetis.a" ] && [ -f "$prefix/include/metis.h" ] &&
+    [ "$(cat "$prefix/lib/libmetis.flags" 2>/dev/null)" = "$codegen" ]
+}
 
 if [ "$force" = 0 ] && installed; then
   say "already built: $prefix/lib/libmetis.a (use --force to rebuild)"
@@ -90,54 +96,11 @@ if [ "${#missing[@]}" -gt 0 ]; then
 fi
 
 # ---------------------------------------------------------------------------
-# 1. Debian's metis source package.
-#
-# The machine's apt configuration has no deb-src lines, so apt gets a private,
-# source-only copy of the machine's Debian sources (security suite dropped: it
-# carries no metis) with its own lists folder; the system's lists and package
-# caches are left alone. When libmetis-dev is installed, the same source
-# version as the Linux build is fetched.
+# 1. Debian's metis source package: the same source version as the Linux
+#    build's libmetis-dev when that is installed.
 # ---------------------------------------------------------------------------
-want=""
-if [ "$(dpkg-query -W -f='${db:Status-Status}' libmetis-dev 2>/dev/null || true)" = installed ]; then
-  want=$(dpkg-query -W -f='${source:Version}' libmetis-dev)
-fi
-pkgdir=$work/package
-dsc=""
-if [ -n "$want" ]; then
-  [ -f "$pkgdir/metis_${want#*:}.dsc" ] && dsc=$pkgdir/metis_${want#*:}.dsc
-else
-  dsc=$(ls "$pkgdir"/metis_*.dsc 2>/dev/null | sort -V | tail -n 1 || true)
-fi
-
-if [ -z "$dsc" ]; then
-  aptdir=$work/apt
-  rm -rf "$aptdir" "$pkgdir"
-  mkdir -p "$aptdir/lists/partial" "$pkgdir"
-  if [ -f /etc/apt/sources.list.d/debian.sources ]; then
-    srclist=$aptdir/src-only.sources          # deb822 stanzas, one per paragraph
-    awk 'BEGIN{RS="";ORS="\n\n"} !/security/' /etc/apt/sources.list.d/debian.sources \
-      | sed 's/^Types: deb$/Types: deb-src/' >"$srclist"
-  else
-    srclist=$aptdir/src-only.list             # one-line format
-    grep -hE '^deb[[:space:]]' /etc/apt/sources.list 2>/dev/null | grep -v security \
-      | sed 's/^deb[[:space:]]/deb-src /' >"$srclist" || true
-  fi
-  grep -q deb-src "$srclist" || die "no Debian source found in the machine's apt sources"
-
-  apt_opts=(-o "Dir::Etc::sourcelist=$srclist" -o Dir::Etc::sourceparts=/nonexistent
-            -o "Dir::State::Lists=$aptdir/lists"
-            -o Dir::Cache::pkgcache= -o Dir::Cache::srcpkgcache=)
-  # As root, apt would hand downloads to its unprivileged user, who cannot write here.
-  [ "$(id -u)" -eq 0 ] && apt_opts+=(-o APT::Sandbox::User=root)
-
-  say "fetching the metis source package${want:+ $want}"
-  run_logged "$work/apt-update.log" $SUDO apt-get "${apt_opts[@]}" update
-  [ -n "$SUDO" ] && $SUDO chown -R "$(id -u):$(id -g)" "$aptdir"
-  (cd "$pkgdir" && run_logged "$work/apt-source.log" \
-     apt-get "${apt_opts[@]}" source --download-only "metis${want:+=$want}")
-  dsc=$(ls "$pkgdir"/metis_*.dsc | sort -V | tail -n 1)
-fi
+. "$root/tools/lib/debian-source.sh"
+dsc=$(debian_source_dsc metis "$(debian_installed_source_version libmetis-dev)" "$work")
 say "source package: $(basename "$dsc")"
 
 # ---------------------------------------------------------------------------
@@ -212,7 +175,7 @@ EOF
 
 # A toolchain of its own rather than cmake/toolchain-mingw-i686.cmake: METIS
 # needs the cross compilers and search roots only, not ORB's emulator or static
-# link flags. Code generation matches ORB's: plain i686 with x87 arithmetic.
+# link flags.
 # (project(METIS) enables C++ too, hence the C++ compiler.)
 cat >"$work/toolchain.cmake" <<EOF
 set(CMAKE_SYSTEM_NAME Windows)
@@ -224,8 +187,8 @@ set(CMAKE_FIND_ROOT_PATH /usr/$cross)
 set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)
 set(CMAKE_FIND_ROOT_PATH_MODE_LIBRARY ONLY)
 set(CMAKE_FIND_ROOT_PATH_MODE_INCLUDE ONLY)
-set(CMAKE_C_FLAGS_INIT "-march=i686 -mfpmath=387")
-set(CMAKE_CXX_FLAGS_INIT "-march=i686 -mfpmath=387")
+set(CMAKE_C_FLAGS_INIT "$codegen")
+set(CMAKE_CXX_FLAGS_INIT "$codegen")
 EOF
 
 # ---------------------------------------------------------------------------
@@ -252,5 +215,6 @@ mkdir -p "$prefix/include" "$prefix/lib"
 rm -f "$prefix/lib/libmetis.a"
 install -m 644 "$src/include/metis.h" "$prefix/include/metis.h"
 install -m 644 "$lib" "$prefix/lib/libmetis.a.tmp"
+echo "$codegen" >"$prefix/lib/libmetis.flags"
 mv "$prefix/lib/libmetis.a.tmp" "$prefix/lib/libmetis.a"
 say "installed $prefix/include/metis.h and $prefix/lib/libmetis.a"

@@ -21,14 +21,14 @@ fi
 lib=$(realpath "$1")
 prog=$(realpath "$2")
 input=${3:+$(realpath "$3")}
+tools=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 cd "$work"
 
 summary=
 if [ -n "$input" ]; then
-  sed -E 's/^( *)T( +LOGICAL FLAG, T TO TEST ERROR EXITS)/\1F\2/' "$input" >in
-  if ! grep -Eq '^ *F +LOGICAL FLAG, T TO TEST ERROR EXITS' in; then
+  if [ "$(python3 "$tools/reference_testers.py" input "$input" in)" = 0 ]; then
     echo "FAIL: no error-exit flag found in $input"
     exit 1
   fi

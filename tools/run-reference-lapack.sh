@@ -26,20 +26,13 @@ fi
 lib=$(realpath "$1")
 prog=$(realpath "$2")
 input=$(realpath "$3")
+tools=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 cd "$work"
 
-# The error-exit flag is a T (or .TRUE.) at the start of a line that names
-# the error exits, or, in the nonsymmetric driver inputs (sed.in and the
-# like), a line holding only T right after the threshold.
-awk '
-  /^ *(T|\.TRUE\.)( .*)?[Ee][Rr][Rr][Oo][Rr] [Ee][Xx][Ii][Tt][Ss]/ { sub(/(T|\.TRUE\.)/, "F"); n++ }
-  /^ *(T|\.TRUE\.) *$/ && prev ~ /[Tt]hreshold/ { sub(/(T|\.TRUE\.)/, "F"); n++ }
-  { prev = $0; print }
-  END { print n + 0 >"flags" }
-' "$input" >in
-echo "$(basename "$prog") < $(basename "$input"): $(cat flags) error-exit flag(s) switched off"
+flags=$(python3 "$tools/reference_testers.py" input "$input" in)
+echo "$(basename "$prog") < $(basename "$input"): $flags error-exit flag(s) switched off"
 
 libdir=$(dirname "$prog")
 refpath=

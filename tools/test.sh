@@ -3,12 +3,14 @@
 # then the cross-built test programs under 32-bit wine against orb.dll. On a
 # machine that cannot execute 32-bit programs the win32 build and the checks that
 # need no execution still run; the tests that run under wine are counted as
-# skipped. Last, NumPy's and SciPy's own tests run against liborb.so
+# skipped. The win32 tests include the reference BLAS and LAPACK test programs
+# linked against orb.dll (cross-built once by tools/build-lapack-win32.sh). Last, NumPy's and SciPy's own tests run against liborb.so
 # (tools/client-check.sh).
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
 tools/install-deps.sh
+tools/build-lapack-win32.sh
 jobs=$(nproc)
 logs=$(mktemp -d)
 trap 'rm -rf "$logs"' EXIT
