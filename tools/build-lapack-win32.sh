@@ -64,13 +64,7 @@ SUDO=""
 [ "$(id -u)" -ne 0 ] && SUDO="sudo"
 export DEBIAN_FRONTEND=noninteractive
 
-run_logged() {
-  local log=$1; shift
-  if ! "$@" >"$log" 2>&1; then
-    tail -n 40 "$log" >&2
-    die "'$*' failed; full log: $log"
-  fi
-}
+. "$root/tools/lib/cross-build.sh"
 
 generator="Unix Makefiles"
 command -v ninja >/dev/null && generator=Ninja
@@ -87,7 +81,6 @@ if [ "${#missing[@]}" -gt 0 ]; then
 fi
 
 # 1. The source package, unpacked with Debian's patches into a fresh tree.
-. "$root/tools/lib/debian-source.sh"
 dsc=$(debian_source_dsc lapack "$want" "$work")
 say "source package: $(basename "$dsc")"
 src=$work/src

@@ -66,14 +66,7 @@ SUDO=""
 [ "$(id -u)" -ne 0 ] && SUDO="sudo"
 export DEBIAN_FRONTEND=noninteractive
 
-# Runs a noisy step with its output in a log; shows the end of the log on failure.
-run_logged() {
-  local log=$1; shift
-  if ! "$@" >"$log" 2>&1; then
-    tail -n 40 "$log" >&2
-    die "'$*' failed; full log: $log"
-  fi
-}
+. "$root/tools/lib/cross-build.sh"
 
 # ---------------------------------------------------------------------------
 # Tools. The cross compiler normally comes from tools/install-deps.sh; the
@@ -99,7 +92,6 @@ fi
 # 1. Debian's metis source package: the same source version as the Linux
 #    build's libmetis-dev when that is installed.
 # ---------------------------------------------------------------------------
-. "$root/tools/lib/debian-source.sh"
 dsc=$(debian_source_dsc metis "$(debian_installed_source_version libmetis-dev)" "$work")
 say "source package: $(basename "$dsc")"
 

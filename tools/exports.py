@@ -65,6 +65,17 @@ def fortran_alias(row):
     return row.fortran, None
 
 
+def complex_result_wrapper(alias, entry, nargs, storage, attrs=""):
+    """C source of `alias`, returning by value the complex result that `entry`
+    writes through a hidden first pointer (its nargs further arguments passed on)."""
+    params = ", ".join(f"const void *a{i}" for i in range(nargs))
+    call = ", ".join(["&r"] + [f"a{i}" for i in range(nargs)])
+    decl = ", ".join(["void *"] + ["const void *"] * nargs)
+    return (f"{storage} void {entry}({decl});\n"
+            f"{attrs}float _Complex {alias}({params}) {{\n"
+            f"  float _Complex r;\n  {entry}({call});\n  return r;\n}}\n")
+
+
 def symbol_of(row, target):
     """The object-file symbol that defines an entry row."""
     n = stdcall_bytes(row.conv)
@@ -129,13 +140,8 @@ def generate(args):
             if nargs is None:
                 assigns.append(f"{alias} = {r.entry};")
             else:
-                params = ", ".join(f"const void *a{i}" for i in range(nargs))
-                call = ", ".join(["&r"] + [f"a{i}" for i in range(nargs)])
-                decl = ", ".join(["void *"] + ["const void *"] * nargs)
-                wrappers.append(
-                    f"extern void {r.entry}({decl});\n"
-                    f"ORB_FORTRAN float _Complex {alias}({params}) {{\n"
-                    f"  float _Complex r;\n  {r.entry}({call});\n  return r;\n}}\n")
+                wrappers.append(complex_result_wrapper(alias, r.entry, nargs, "extern",
+                                                       "ORB_FORTRAN "))
     if globals_:
         vmap = "{\n  global:\n" + "".join(f"    {g};\n" for g in globals_) + "  local: *;\n};\n"
     else:

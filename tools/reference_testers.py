@@ -109,20 +109,16 @@ def forward_source(fw):
         else:
             # The DLL returns a complex result through a hidden first pointer,
             # gfortran expects it in registers.
-            params = ", ".join(f"const void *a{i}" for i in range(nargs))
-            args = ", ".join(["&r"] + [f"a{i}" for i in range(nargs)])
-            decl = ", ".join(["void *"] + ["const void *"] * nargs)
-            lines.append(f"__declspec(dllimport) void {name}({decl});")
-            lines.append(f"float _Complex {alias}({params}) {{\n  float _Complex r;\n"
-                         f"  {name}({args});\n  return r;\n}}")
+            lines.append(exports.complex_result_wrapper(alias, name, nargs,
+                                                        "__declspec(dllimport)"))
     return "\n".join(lines) + "\n"
 
 
 def cmd_link(args):
     kit = args.kit
     fw = forwards(args.table, args.dll, args.objdump)
-    for spec in args.forward or []:
-        alias, name = spec.split("=")
+    for pair in args.forward or []:
+        alias, name = pair.split("=")
         fw[alias] = (name, None)
     reference = set()
     for lib in ("blas", "lapack"):

@@ -1,6 +1,16 @@
-# Fetches one of Debian's source packages with apt, for the cross builds of
-# tools/build-*-win32.sh. Sourced, not run; the caller defines say, die and
-# run_logged and sets SUDO.
+# What the cross builds of tools/build-*-win32.sh share: running a noisy step
+# with its output in a log, and fetching one of Debian's source packages with
+# apt. Sourced, not run; the caller defines say and die and sets SUDO.
+
+# Runs a noisy step with its output in a log; shows the end of the log on failure.
+run_logged() {
+  local log=$1; shift
+  if ! "$@" >"$log" 2>&1; then
+    tail -n 40 "$log" >&2
+    die "'$*' failed; full log: $log"
+  fi
+}
+
 #
 #   dsc=$(debian_source_dsc PACKAGE VERSION WORKDIR)
 #
