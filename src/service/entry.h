@@ -81,6 +81,16 @@ inline void lapack(const LapackChecker &routine, Worksize worksize, Impl impl, A
   impl(args...);
 }
 
+// A LAPACK routine without INFO or argument checks (DLASWP, ZLACGV, ...):
+// sets the error hook, then computes.
+struct NoChecks {};
+inline constexpr NoChecks kNoChecks{};
+template <class Impl, class... Args>
+inline void lapack(NoChecks, Impl impl, Args... args) {
+  install_error_hook();
+  impl(args...);
+}
+
 template <class Impl, class... Args>
 inline auto plain(Impl impl, Args... args) {
   return impl(args...);

@@ -1,0 +1,164 @@
+#include "lapack/oracle.h"
+
+#include <algorithm>
+#include <cstring>
+
+#include "service/threading.h"
+
+namespace orb::lapack {
+namespace {
+
+// One routine's plain answers: the block size, the smallest block worth the
+// blocked code and the crossover below which the unblocked code runs.
+// `prec` lists the precision letters the row serves. Measured on a 2-core
+// AVX-512 machine (bench/lapack_compare and the routines' own timings); a
+// routine missing here gets the unblocked answers (1, 2, 0).
+struct Row {
+  const char *routine;
+  const char *prec;
+  int nb, nbmin, nx;
+};
+constexpr Row kRows[] = {
+    // general LU, one thread (the threaded answers are below)
+    {"GETRF", "SD", 64, 2, 64},
+    {"GETRF", "CZ", 48, 2, 64},
+    // inverse from the LU
+    {"GETRI", "SCDZ", 64, 2, 128},
+    // triangular inverse
+    {"TRTRI", "SCDZ", 64, 2, 128},
+    // band LU: blocks of columns inside the band
+    {"GBTRF", "SCDZ", 32, 2, 0},
+};
+
+// The routine's name as the table spells it, and its precision letter.
+struct Name {
+  char prec;
+  char routine[6];
+};
+Name parse(const char *name, int len) {
+  Name out{' ', {}};
+  char buf[7] = {};
+  const int n = std::clamp(len, 0, 6);
+  for (int i = 0; i < n && name[i] != '\0'; ++i) {
+    const char c = name[i];
+    buf[i] = (c >= 'a' && c <= 'z') ? static_cast<char>(c - 32) : c;
+  }
+  out.prec = buf[0];
+  int k = 0;
+  for (int i = 1; i < 6 && buf[i] != '\0' && buf[i] != ' '; ++i) out.routine[k++] = buf[i];
+  return out;
+}
+
+const Row *row_of(const Name &n) {
+  for (const Row &r : kRows)
+    if (std::strcmp(r.routine, n.routine) == 0 && std::strchr(r.prec, n.prec) != nullptr &&
+        n.prec != '\0')
+      return &r;
+  return nullptr;
+}
+
+// ---- the threaded LU ("GETRF"): by thread count and order ----------------------------
+
+// Query 3: the LU's crossover to the serial factorization.
+int getrf_crossover(char prec, int n, int threads) {
+  if (prec == 'D' && threads == 8 && n >= 2801) return 4000;
+  return 64;
+}
+
+// Query 1 with two or more threads: the column block of the scheduled LU.
+// With one thread the table row's nb.
+int getrf_block(int n, int threads) {
+  if (threads > 8) return n <= 8000 ? 128 : 200;
+  if (threads >= 5) {
+    if (n <= 1100) return 16;
+    if (n <= 2000) return 32;
+    if (n <= 3600) return 64;
+    if (n <= 4000) return 128;
+    if (n <= 9000) return 200;
+    return 400;
+  }
+  if (n <= 1100) return 24;
+  if (n <= 4000) return 64;
+  if (n <= 6000) return 200;
+  return 400;
+}
+
+// Query 17: how many panels the factorization may run ahead of the slowest
+// trailing update.
+int getrf_lookahead(int n, int threads) {
+  if (threads <= 1 || threads > 8) return 1;
+  if (threads >= 5) return (n <= 3600 || n > 4000) ? 2 : 1;
+  if (n <= 4000) return 3;
+  return n <= 6000 ? 2 : 1;
+}
+
+// Query 18: column blocks an update task takes at once (0: one).
+int getrf_chunk(int n, int threads) {
+  if (threads <= 1) return 0;
+  if (threads > 8) return n <= 2200 ? 0 : 8;  // not measured: the 5-8 thread answer
+  if (threads >= 5) return n <= 3600 ? 4 : 8;
+  return n <= 4000 ? 4 : 8;
+}
+
+// Query 19: the inner block of the inner-blocked LU's panels.
+int getrf_inner(int nb) {
+  return std::clamp(nb / 4, 8, 32);
+}
+
+bool is_getrf(const Name &n) {
+  return std::strcmp(n.routine, "GETRF") == 0;
+}
+// "GE" ... "TRF": the general factorizations that have threaded schedules.
+bool is_ge_trf(const Name &n) {
+  const std::size_t len = std::strlen(n.routine);
+  return len >= 5 && n.routine[0] == 'G' && n.routine[1] == 'E' &&
+         std::strcmp(n.routine + len - 3, "TRF") == 0;
+}
+
+}  // namespace
+
+int oracle(int query, const char *name, const char *opts, int n1, int n2, int n3, int n4,
+           int name_len, int opts_len) {
+  (void)opts;
+  (void)opts_len;
+  const Name n = parse(name, name_len);
+  const Row *row = row_of(n);
+  const int threads = n3;
+  switch (query) {
+    case kBlockSize:
+      if (is_getrf(n) && threads >= 2) return getrf_block(n2, threads);
+      return row ? row->nb : 1;
+    case kMinBlockSize:
+      return row ? row->nbmin : 2;
+    case kCrossover:
+      if (is_getrf(n)) return getrf_crossover(n.prec, n2, threads);
+      return row ? row->nx : 0;
+    case kShifts:
+      return 6;
+    case kMinColumns:
+      return 2;
+    case kSvdCrossover:
+      return static_cast<int>(static_cast<float>(std::min(n1, n2)) * 1.6f);
+    case kProcessors:
+      return threads::max_threads();
+    case kMultishift:
+      return 50;
+    case kSubproblem:
+      return 25;
+    case kNanSafe:
+    case kInfSafe:
+      return 1;
+    case kLookahead:
+      if (!is_ge_trf(n)) return 1;
+      return getrf_lookahead(n2, threads);
+    case kChunk:
+      if (!is_ge_trf(n)) return 0;
+      return getrf_chunk(n2, threads);
+    case kInnerBlock:  // the fourth argument: the outer block
+      return getrf_inner(n4 > 0 ? n4 : (row ? row->nb : 32));
+    default:
+      return -1;
+  }
+}
+
+}  // namespace orb::lapack
