@@ -1,7 +1,11 @@
-// The exported general-matrix LAPACK routines: the LU (through xgetrf_omp)
-// and the row interchanges.
+// The exported general-matrix LAPACK routines: the LU (through xgetrf_omp),
+// solve, inverse, condition estimate and refinement, and the row
+// interchanges.
+#include <type_traits>
+
 #include "blas/complex_abi.h"
 #include "lapack/auxiliary.h"
+#include "lapack/general.h"
 #include "lapack/getrf.h"
 #include "orb.h"
 #include "service/check.h"
@@ -9,8 +13,12 @@
 
 namespace {
 
+using orb::Op;
+using orb::option;
+using orb::real_t;
 using orb::blas::cx;
 using orb::entry::NoWorkspace;
+namespace check = orb::check;
 
 constexpr orb::check::Test kGetrf[] = {orb::check::nonneg(1), orb::check::nonneg(2),
                                        orb::check::ld(4, orb::check::dim(1))};
@@ -18,6 +26,42 @@ constexpr auto kSgetrf = orb::entry::lapack_checker("SGETRF", kGetrf);
 constexpr auto kCgetrf = orb::entry::lapack_checker("CGETRF", kGetrf);
 constexpr auto kDgetrf = orb::entry::lapack_checker("DGETRF", kGetrf);
 constexpr auto kZgetrf = orb::entry::lapack_checker("ZGETRF", kGetrf);
+
+constexpr check::Test kGetrs[] = {check::option(1, "NTC"), check::nonneg(2), check::nonneg(3),
+                                  check::ld(5, check::dim(2)), check::ld(8, check::dim(2))};
+constexpr auto kSgetrs = orb::entry::lapack_checker("SGETRS", kGetrs);
+constexpr auto kCgetrs = orb::entry::lapack_checker("CGETRS", kGetrs);
+
+constexpr check::Test kGerfs[] = {check::option(1, "NTC"),
+                                  check::nonneg(2),
+                                  check::nonneg(3),
+                                  check::ld(5, check::dim(2)),
+                                  check::ld(7, check::dim(2)),
+                                  check::ld(10, check::dim(2)),
+                                  check::ld(12, check::dim(2))};
+constexpr auto kSgerfs = orb::entry::lapack_checker("SGERFS", kGerfs);
+constexpr auto kCgerfs = orb::entry::lapack_checker("CGERFS", kGerfs);
+
+template <class T>
+void getrs(const char *trans, const int *n, const int *nrhs, const T *a, const int *lda,
+           const int *ipiv, T *b, const int *ldb, int *) {
+  orb::lapack::getrs(option<Op>(*trans), *n, *nrhs, a, *lda, ipiv, b, *ldb);
+}
+
+// Real data: work 3n and iwork; complex: work 2n and rwork.
+template <class T, class Extra>
+void gerfs(const char *trans, const int *n, const int *nrhs, const T *a, const int *lda,
+           const T *af, const int *ldaf, const int *ipiv, const T *b, const int *ldb, T *x,
+           const int *ldx, real_t<T> *ferr, real_t<T> *berr, T *work, Extra *extra, int *) {
+  real_t<T> *rwork = nullptr;
+  int *iwork = nullptr;
+  if constexpr (std::is_same_v<Extra, int>)
+    iwork = extra;
+  else
+    rwork = extra;
+  orb::lapack::gerfs(option<Op>(*trans), *n, *nrhs, a, *lda, af, *ldaf, ipiv, b, *ldb, x, *ldx,
+                     ferr, berr, work, rwork, iwork);
+}
 
 template <class T>
 void laswp(const int *n, T *a, const int *lda, const int *k1, const int *k2, const int *ipiv,
@@ -38,6 +82,35 @@ ORB_API void cgetrf(const int *m, const int *n, orb_complex8 *a, const int *lda,
                     int *info) {
   orb::entry::lapack(kCgetrf, NoWorkspace{}, orb::lapack::orb_lapack_cgetrf, m, n, cx(a), lda, ipiv,
                      info);
+}
+
+ORB_API void sgetrs(const char *trans, const int *n, const int *nrhs, const float *a,
+                    const int *lda, const int *ipiv, float *b, const int *ldb, int *info, int) {
+  orb::entry::lapack(kSgetrs, NoWorkspace{}, getrs<float>, trans, n, nrhs, a, lda, ipiv, b, ldb,
+                     info);
+}
+
+ORB_API void cgetrs(const char *trans, const int *n, const int *nrhs, const orb_complex8 *a,
+                    const int *lda, const int *ipiv, orb_complex8 *b, const int *ldb, int *info,
+                    int) {
+  orb::entry::lapack(kCgetrs, NoWorkspace{}, getrs<orb::c8>, trans, n, nrhs, cx(a), lda, ipiv,
+                     cx(b), ldb, info);
+}
+
+ORB_API void sgerfs(const char *trans, const int *n, const int *nrhs, const float *a,
+                    const int *lda, const float *af, const int *ldaf, const int *ipiv,
+                    const float *b, const int *ldb, float *x, const int *ldx, float *ferr,
+                    float *berr, float *work, int *iwork, int *info, int) {
+  orb::entry::lapack(kSgerfs, NoWorkspace{}, gerfs<float, int>, trans, n, nrhs, a, lda, af, ldaf,
+                     ipiv, b, ldb, x, ldx, ferr, berr, work, iwork, info);
+}
+
+ORB_API void cgerfs(const char *trans, const int *n, const int *nrhs, const orb_complex8 *a,
+                    const int *lda, const orb_complex8 *af, const int *ldaf, const int *ipiv,
+                    const orb_complex8 *b, const int *ldb, orb_complex8 *x, const int *ldx,
+                    float *ferr, float *berr, orb_complex8 *work, float *rwork, int *info, int) {
+  orb::entry::lapack(kCgerfs, NoWorkspace{}, gerfs<orb::c8, float>, trans, n, nrhs, cx(a), lda,
+                     cx(af), ldaf, ipiv, cx(b), ldb, cx(x), ldx, ferr, berr, cx(work), rwork, info);
 }
 
 ORB_API void DGETRF(const int *m, const int *n, double *a, const int *lda, int *ipiv, int *info) {
