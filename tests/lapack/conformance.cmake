@@ -1,6 +1,40 @@
 # Debian's linear-equation test programs with their own input files, whole
-# (orb_reference_lapack, tests/reference_lapack.cmake). Until ORB exports
-# LAPACK names they run the reference LAPACK on ORB's BLAS.
+# (orb_reference_lapack, tests/reference_lapack.cmake).
 foreach(_p s c d z)
   orb_reference_lapack(reference_lapack_lin_${_p} xlintst${_p} ${_p}test.in)
+endforeach()
+
+# The general, band and triangular paths again, on orders up to the
+# programs' limit of 132, so that the threaded factorizations (above order
+# 64) are what the programs check, on two threads and on one.
+foreach(_p s c)
+  set(_in ${ORB_REFERENCE_LAPACK_DIR}/${_p}test.in)
+  if(NOT EXISTS ${_in})
+    continue()
+  endif()
+  file(STRINGS ${_in} _lines)
+  string(TOUPPER ${_p} _up)
+  set(_text "")
+  set(_i 0)
+  foreach(_line IN LISTS _lines)
+    if(_i EQUAL 1 OR _i EQUAL 3)
+      set(_line "9                      Number of values of M or N")
+    elseif(_i EQUAL 2 OR _i EQUAL 4)
+      set(_line "0 1 2 3 10 64 65 97 132  Values of M or N")
+    elseif(_i GREATER_EQUAL 16 AND NOT _line MATCHES "^${_up}(GE|GB|TR) ")
+      math(EXPR _i "${_i} + 1")
+      continue()
+    endif()
+    string(APPEND _text "${_line}\n")
+    math(EXPR _i "${_i} + 1")
+  endforeach()
+  set(_orders ${CMAKE_CURRENT_BINARY_DIR}/${_p}test_ge_gb_tr.in)
+  file(WRITE ${_orders} "${_text}")
+  foreach(_t 1 2)
+    orb_reference_lapack(reference_lapack_ge_gb_tr_${_p}_t${_t} xlintst${_p} ${_orders})
+    if(TEST reference_lapack_ge_gb_tr_${_p}_t${_t})
+      set_property(TEST reference_lapack_ge_gb_tr_${_p}_t${_t} APPEND PROPERTY ENVIRONMENT
+                   ORB_NUM_THREADS=${_t})
+    endif()
+  endforeach()
 endforeach()
