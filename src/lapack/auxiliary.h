@@ -30,6 +30,11 @@ void lacn2(int n, T *v, T *x, int *isgn, real_t<T> *est, int *kase, int *isave);
 template <class T>
 real_t<T> lange(Norm norm, int m, int n, const T *a, int lda, real_t<T> *work);
 
+// x := x / a for a real a, in steps that neither overflow nor underflow
+// where x / a itself does not (xRSCL).
+template <class T>
+void rscl(int n, real_t<T> a, T *x);
+
 // Sum of squares of n values (moduli for complex), without overflow:
 // the Frobenius norms accumulate through it. sqrt(sum) is the norm.
 template <class R>

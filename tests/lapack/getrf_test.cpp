@@ -112,8 +112,9 @@ TEST(Oracle, GetrfTables) {
   };
   for (const Case &c : cases) {
     SCOPED_TRACE(testing::Message() << c.threads << " threads, N " << c.n);
-    if (c.threads >= 2)
+    if (c.threads >= 2) {
       EXPECT_EQ(oracle(orb::lapack::kBlockSize, "SGETRF", 100, c.n, c.threads), c.nb);
+    }
     EXPECT_EQ(oracle(orb::lapack::kLookahead, "SGETRF", 100, c.n, c.threads), c.lookahead);
     EXPECT_EQ(oracle(orb::lapack::kChunk, "SGETRF", 100, c.n, c.threads), c.chunk);
     EXPECT_EQ(oracle(orb::lapack::kCrossover, "SGETRF", 100, c.n, c.threads), 64);
