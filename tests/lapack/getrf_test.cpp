@@ -62,8 +62,13 @@ TYPED_TEST(Schedules, AgreeWithSerial) {
       for (int threads : {1, 2, 3}) {
         const Matrix<T> a = orb::test::random_matrix<T>(s[0], s[1], rng, s[0] + 3);
         const Lu<T> ref = serial(a);
+        const Lu<T> first = scheduled(a, nb, threads);
         for (int rep = 0; rep < 3; ++rep) {
           const Lu<T> got = scheduled(a, nb, threads);
+          // However the team shared the work, the same bits.
+          EXPECT_EQ(
+              std::memcmp(got.lu.mem.data(), first.lu.mem.data(), sizeof(T) * got.lu.mem.size()),
+              0);
           SCOPED_TRACE(testing::Message() << s[0] << "x" << s[1] << " nb " << nb << " threads "
                                           << threads << " rep " << rep);
           EXPECT_LT(orb::test::lu_residual(a, got.lu, got.ipiv), 30.0);
