@@ -3,6 +3,7 @@
 // type; and the check itself catches a call that breaks this.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <cstdint>
 #include <cstdio>
@@ -526,6 +527,71 @@ Cases every_blas_routine() {
   add(trxm("ctrsm", ctrsm)), add(trxm("dtrsm", dtrsm)), add(trxm("DTRSM", DTRSM));
   add(trxm("ztrsm", ztrsm)), add(trxm("ZTRSM", ZTRSM));
   return all;
+}
+
+// ---- LAPACK -------------------------------------------------------------------
+
+// Shapes on both sides of the LU's crossover to its threaded paths.
+const std::vector<std::pair<int, int>> kLu = {{1, 1}, {17, 13}, {13, 17}, {70, 70}, {130, 90}};
+
+template <class T>
+Cases getrf(const char *name, void (*f)(const int *, const int *, T *, const int *, int *, int *)) {
+  Cases out;
+  for (auto [m, n] : kLu) {
+    const int lda = m + 3, k = std::min(m, n);
+    out.push_back(
+        {label(name, m, n),
+         {matrix<T>(m, n, lda, true), matrix<int>(k, 1, k, true), scalar<int>(true)},
+         [=](void *const *p) { f(&m, &n, at<T>(p, 0), &lda, at<int>(p, 1), at<int>(p, 2)); }});
+  }
+  return out;
+}
+
+// getrs on a diagonally dominant matrix with identity pivots.
+template <class T>
+Cases getrs(const char *name, void (*f)(const char *, const int *, const int *, const T *,
+                                        const int *, const int *, T *, const int *, int *, int)) {
+  Cases out;
+  for (char t : {'N', 'T', 'C'})
+    for (auto [n, nrhs] : kLu) {
+      const int lda = n + 2, ldb = n + 1;
+      out.push_back({label(name, t, n, nrhs),
+                     {matrix<T>(n, n, lda, false, Fill::kDominant), matrix<T>(n, nrhs, ldb, true),
+                      scalar<int>(true)},
+                     [=](void *const *p) {
+                       std::vector<int> ipiv(n);
+                       for (int i = 0; i < n; ++i) ipiv[i] = i + 1;
+                       f(&t, &n, &nrhs, at<T>(p, 0), &lda, ipiv.data(), at<T>(p, 1), &ldb,
+                         at<int>(p, 2), 1);
+                     }});
+    }
+  return out;
+}
+
+// Every exported LAPACK routine, one line each.
+Cases every_lapack_routine() {
+  Cases all;
+  auto add = [&](Cases c) { all.insert(all.end(), c.begin(), c.end()); };
+  add(getrf("sgetrf", sgetrf)), add(getrf("cgetrf", cgetrf)), add(getrf("DGETRF", DGETRF));
+  add(getrf("ZGETRF", ZGETRF));
+  add(getrs("sgetrs", sgetrs)), add(getrs("cgetrs", cgetrs));
+  return all;
+}
+
+ORB_CHILD(lapack_placement) {
+  ORB_Set_Num_Threads(2);
+  const std::vector<std::string> failures = check(every_lapack_routine());
+  for (std::size_t i = 0; i < failures.size() && i < 20; ++i)
+    std::printf("%s\n", failures[i].c_str());
+  std::printf("%zu cases failed\n", failures.size());
+  return failures.empty() ? 0 : 1;
+}
+
+TEST(Placement, EveryLapackRoutine) {
+  for (const char *type : {"0", "5"}) {
+    const auto r = orb::test::run_child("lapack_placement", {{"ORB_DEBUG_CPU_TYPE", type}});
+    EXPECT_EQ(r.exit_code, 0) << "type " << type << "\n" << r.out;
+  }
 }
 
 ORB_CHILD(blas_placement) {
