@@ -189,7 +189,10 @@ class Scheduled {
     const int s = 2 * best_k;
     if (!claim(best, s)) return true;
     int end = best + 1;
-    const int width = std::max(h_->chunk, 1);
+    // No wider than a fair share of what is left, so the team ends a step
+    // together.
+    const int share = (h_->nblk - best + h_->threads - 1) / h_->threads;
+    const int width = std::clamp(share, 1, std::max(h_->chunk, 1));
     while (end < h_->nblk && end - best < width && s < target(end) && claim(end, s)) ++end;
     apply(best_k, best * nb_, std::min(end * nb_, n_), false);
     for (int j = best; j < end; ++j) hand_back(j, s + 2);
