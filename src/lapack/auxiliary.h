@@ -30,11 +30,6 @@ void lacn2(int n, T *v, T *x, int *isgn, real_t<T> *est, int *kase, int *isave);
 template <class T>
 real_t<T> lange(Norm norm, int m, int n, const T *a, int lda, real_t<T> *work);
 
-// x := x / a for a real a, in steps that neither overflow nor underflow
-// where x / a itself does not (xRSCL).
-template <class T>
-void rscl(int n, real_t<T> a, T *x);
-
 // Sum of squares of n values (moduli for complex), without overflow:
 // the Frobenius norms accumulate through it. sqrt(sum) is the norm.
 template <class R>
@@ -53,5 +48,38 @@ template <class R>
 constexpr R safe_minimum() {
   return std::numeric_limits<R>::min();
 }
+
+// |re x| + |im x| (|x| for real x): the cheap modulus the triangular
+// solvers, condition estimators and error bounds measure with.
+template <class T>
+inline real_t<T> abs1(T x) {
+  if constexpr (is_complex_v<T>)
+    return std::abs(x.real()) + std::abs(x.imag());
+  else
+    return std::abs(x);
+}
+
+// Triangular solve with scaling against overflow (xLATRS): x := s op(A)^-1 x
+// with op(A) = A, A^T or A^H, s = *scale <= 1 chosen so that no element of
+// the solution (nor any intermediate) overflows. An exactly singular A gives
+// s = 0 and a non-zero x with op(A) x = 0. cnorm (n reals) holds the 1-norms
+// of the off-diagonal parts of A's columns: read when `normin`, otherwise
+// computed; the call leaves them in it either way, so later calls on the same
+// A pass normin. *info is set to 0 (the arguments are values, already valid).
+template <class T>
+void latrs(Uplo uplo, Op trans, Diag diag, bool normin, int n, const T *a, int lda, T *x,
+           real_t<T> *scale, real_t<T> *cnorm, int *info);
+
+// Norm of an m-by-n upper or lower trapezoidal matrix (xLANTR): as lange, of
+// the triangle only, its diagonal taken as ones when `diag` is kUnit. `work`
+// (m reals) serves the infinity norm. A NaN in the triangle gives NaN.
+template <class T>
+real_t<T> lantr(Norm norm, Uplo uplo, Diag diag, int m, int n, const T *a, int lda,
+                real_t<T> *work);
+
+// x := x / a for a real a (xRSCL), in steps that neither overflow nor
+// underflow where 1 / a would.
+template <class T>
+void rscl(int n, real_t<T> a, T *x);
 
 }  // namespace orb::lapack

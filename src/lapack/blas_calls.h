@@ -65,4 +65,13 @@ inline void trmm(const Triangular &t, int m, int n, T alpha, const T *a, int lda
 constexpr Triangular kLowerUnit{true, false, Op::kNone, true};  // L^-1 B, L unit lower
 constexpr Triangular kUpperLeft{true, true, Op::kNone, false};  // U^-1 B
 
+// x := a x with a real a, for real and complex x alike.
+template <class T>
+inline void rscal(int n, real_t<T> a, T *x, int incx) {
+  if constexpr (is_complex_v<T>)
+    blas::rscal(n, a, x, incx);
+  else
+    blas::scal(n, a, x, incx);
+}
+
 }  // namespace orb::lapack

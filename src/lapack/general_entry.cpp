@@ -1,6 +1,8 @@
 // The exported general-matrix LAPACK routines: the LU (through xgetrf_omp),
 // solve, inverse, condition estimate and refinement, and the row
 // interchanges.
+#include <algorithm>
+#include <cstdint>
 #include <type_traits>
 
 #include "blas/complex_abi.h"
@@ -41,6 +43,41 @@ constexpr check::Test kGerfs[] = {check::option(1, "NTC"),
                                   check::ld(12, check::dim(2))};
 constexpr auto kSgerfs = orb::entry::lapack_checker("SGERFS", kGerfs);
 constexpr auto kCgerfs = orb::entry::lapack_checker("CGERFS", kGerfs);
+
+constexpr check::Test kGetri[] = {
+    check::nonneg(1), check::ld(3, check::dim(1)),
+    check::lwork(6, [](check::Args a) { return std::max(1, check::int_arg(a, 1)); })};
+constexpr auto kSgetri = orb::entry::lapack_checker("SGETRI", kGetri, 5, 6);
+constexpr auto kCgetri = orb::entry::lapack_checker("CGETRI", kGetri, 5, 6);
+
+constexpr check::Test kGecon[] = {
+    check::option(1, "1OI"), check::nonneg(2), check::ld(4, check::dim(2)),
+    check::holds(5, [](check::Args a) { return !(*static_cast<const float *>(a[4]) < 0); })};
+constexpr auto kSgecon = orb::entry::lapack_checker("SGECON", kGecon);
+constexpr auto kCgecon = orb::entry::lapack_checker("CGECON", kGecon);
+
+template <class T>
+std::int64_t getri_worksize(const int *n, T *, const int *, const int *, T *, const int *, int *) {
+  return orb::lapack::getri_worksize<T>(*n);
+}
+template <class T>
+void getri(const int *n, T *a, const int *lda, const int *ipiv, T *work, const int *lwork,
+           int *info) {
+  *info = orb::lapack::getri(*n, a, *lda, ipiv, work, *lwork);
+}
+
+// Real data: work 4n and iwork; complex: work 2n and rwork 2n.
+template <class T, class Extra>
+void gecon(const char *norm, const int *n, const T *a, const int *lda, const real_t<T> *anorm,
+           real_t<T> *rcond, T *work, Extra *extra, int *) {
+  real_t<T> *rwork = nullptr;
+  int *iwork = nullptr;
+  if constexpr (std::is_same_v<Extra, int>)
+    iwork = extra;
+  else
+    rwork = extra;
+  orb::lapack::gecon(option<orb::Norm>(*norm), *n, a, *lda, *anorm, rcond, work, rwork, iwork);
+}
 
 template <class T>
 void getrs(const char *trans, const int *n, const int *nrhs, const T *a, const int *lda,
@@ -95,6 +132,31 @@ ORB_API void cgetrs(const char *trans, const int *n, const int *nrhs, const orb_
                     int) {
   orb::entry::lapack(kCgetrs, NoWorkspace{}, getrs<orb::c8>, trans, n, nrhs, cx(a), lda, ipiv,
                      cx(b), ldb, info);
+}
+
+ORB_API void sgetri(const int *n, float *a, const int *lda, const int *ipiv, float *work,
+                    const int *lwork, int *info) {
+  orb::entry::lapack(kSgetri, getri_worksize<float>, getri<float>, n, a, lda, ipiv, work, lwork,
+                     info);
+}
+
+ORB_API void cgetri(const int *n, orb_complex8 *a, const int *lda, const int *ipiv,
+                    orb_complex8 *work, const int *lwork, int *info) {
+  orb::entry::lapack(kCgetri, getri_worksize<orb::c8>, getri<orb::c8>, n, cx(a), lda, ipiv,
+                     cx(work), lwork, info);
+}
+
+ORB_API void sgecon(const char *norm, const int *n, const float *a, const int *lda,
+                    const float *anorm, float *rcond, float *work, int *iwork, int *info, int) {
+  orb::entry::lapack(kSgecon, NoWorkspace{}, gecon<float, int>, norm, n, a, lda, anorm, rcond, work,
+                     iwork, info);
+}
+
+ORB_API void cgecon(const char *norm, const int *n, const orb_complex8 *a, const int *lda,
+                    const float *anorm, float *rcond, orb_complex8 *work, float *rwork, int *info,
+                    int) {
+  orb::entry::lapack(kCgecon, NoWorkspace{}, gecon<orb::c8, float>, norm, n, cx(a), lda, anorm,
+                     rcond, cx(work), rwork, info);
 }
 
 ORB_API void sgerfs(const char *trans, const int *n, const int *nrhs, const float *a,

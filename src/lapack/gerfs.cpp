@@ -16,15 +16,6 @@ namespace {
 
 constexpr int kMaxSteps = 5;
 
-// |re| + |im|: the modulus the bounds are taken in.
-template <class T>
-real_t<T> abs1(T x) {
-  if constexpr (is_complex_v<T>)
-    return std::abs(x.real()) + std::abs(x.imag());
-  else
-    return std::abs(x);
-}
-
 }  // namespace
 
 template <class T>

@@ -1,37 +1,37 @@
+// Division of a vector by a real number through multiplications that stay
+// in range: while 1 / a itself would overflow or underflow, x is scaled by
+// the safe minimum or its reciprocal (exact powers of two) and the divisor's
+// remainder tracked, then one last multiplication by num / den (zero for
+// an infinite a, NaN for a NaN).
 #include <cmath>
-#include <limits>
 
-#include "blas/level1/level1.h"
 #include "lapack/auxiliary.h"
+#include "lapack/blas_calls.h"
 
 namespace orb::lapack {
 
-// 1 / a is applied as a product of factors each of which is representable:
-// the safe minimum or its reciprocal while the remaining quotient is out of
-// range, then the quotient itself.
 template <class T>
 void rscl(int n, real_t<T> a, T *x) {
   using R = real_t<T>;
   if (n <= 0) return;
   const R small = safe_minimum<R>(), big = R(1) / small;
-  R den = a, num = 1;
-  for (bool done = false; !done;) {
-    const R den1 = den * small, num1 = num / big;
-    R mul;
-    if (std::abs(den1) > std::abs(num) && num != 0) {
-      mul = small;
-      den = den1;
-    } else if (std::abs(num1) > std::abs(den)) {
-      mul = big;
-      num = num1;
+  // x / a is (x num) / den; each pass multiplies x by one factor.
+  R num = 1, den = a;
+  for (;;) {
+    R factor;
+    bool last = false;
+    if (std::abs(den * small) > std::abs(num) && num != R(0) && std::isfinite(den)) {
+      factor = small;  // den is huge: shrink x first
+      den *= small;
+    } else if (std::abs(num / big) > std::abs(den)) {
+      factor = big;  // den is tiny: grow x first
+      num /= big;
     } else {
-      mul = num / den;
-      done = true;
+      factor = num / den;
+      last = true;
     }
-    if constexpr (is_complex_v<T>)
-      blas::rscal(n, mul, x, 1);
-    else
-      blas::scal(n, mul, x, 1);
+    rscal(n, factor, x, 1);
+    if (last) return;
   }
 }
 

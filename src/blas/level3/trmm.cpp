@@ -121,7 +121,9 @@ void trmm_omp(const Triangular &t, int m, int n, T alpha, const T *a, int lda, T
   template void trmm_serial<T>(const Triangular &, int, int, T, const T *, int, T *, int); \
   template void trmm_omp<T>(const Triangular &, int, int, T, const T *, int, T *, int);
 ORB_TRMM(float)
+ORB_TRMM(double)
 ORB_TRMM(c8)
+ORB_TRMM(c16)
 #undef ORB_TRMM
 
 }  // namespace orb::blas
