@@ -534,6 +534,13 @@ Cases every_blas_routine() {
 // Shapes on both sides of the LU's crossover to its threaded paths.
 const std::vector<std::pair<int, int>> kLu = {{1, 1}, {17, 13}, {13, 17}, {70, 70}, {130, 90}};
 
+// Identity pivots for the factors a diagonally dominant matrix stands for.
+std::vector<int> no_interchanges(int n) {
+  std::vector<int> ipiv(n);
+  for (int i = 0; i < n; ++i) ipiv[i] = i + 1;
+  return ipiv;
+}
+
 template <class T>
 Cases getrf(const char *name, void (*f)(const int *, const int *, T *, const int *, int *, int *)) {
   Cases out;
@@ -559,12 +566,90 @@ Cases getrs(const char *name, void (*f)(const char *, const int *, const int *, 
                      {matrix<T>(n, n, lda, false, Fill::kDominant), matrix<T>(n, nrhs, ldb, true),
                       scalar<int>(true)},
                      [=](void *const *p) {
-                       std::vector<int> ipiv(n);
-                       for (int i = 0; i < n; ++i) ipiv[i] = i + 1;
+                       const std::vector<int> ipiv = no_interchanges(n);
                        f(&t, &n, &nrhs, at<T>(p, 0), &lda, ipiv.data(), at<T>(p, 1), &ldb,
                          at<int>(p, 2), 1);
                      }});
     }
+  return out;
+}
+
+// getri, with a workspace of n.
+template <class T>
+Cases getri(const char *name,
+            void (*f)(const int *, T *, const int *, const int *, T *, const int *, int *)) {
+  Cases out;
+  for (auto [n, unused] : kLu) {
+    const int lda = n + 2, lwork = n;
+    out.push_back(
+        {label(name, n),
+         {matrix<T>(n, n, lda, true, Fill::kDominant), vector<T>(n, 1, true), scalar<int>(true)},
+         [=](void *const *p) {
+           const std::vector<int> ipiv = no_interchanges(n);
+           f(&n, at<T>(p, 0), &lda, ipiv.data(), at<T>(p, 1), &lwork, at<int>(p, 2));
+         }});
+    (void)unused;
+  }
+  return out;
+}
+
+// gecon; W is the real or complex work array, X the integer or real one.
+template <class T, class W, class X>
+Cases gecon(const char *name, void (*f)(const char *, const int *, const T *, const int *,
+                                        const float *, float *, W *, X *, int *, int)) {
+  Cases out;
+  for (char norm : {'1', 'I'})
+    for (auto [n, unused] : kLu) {
+      const int lda = n + 1;
+      out.push_back({label(name, norm, n),
+                     {matrix<T>(n, n, lda, false, Fill::kDominant), scalar<float>(true),
+                      vector<W>(4 * n, 1, true), vector<X>(2 * n, 1, true), scalar<int>(true)},
+                     [=](void *const *p) {
+                       const float anorm = 2.5f * static_cast<float>(n);
+                       f(&norm, &n, at<T>(p, 0), &lda, &anorm, at<float>(p, 1), at<W>(p, 2),
+                         at<X>(p, 3), at<int>(p, 4), 1);
+                     }});
+      (void)unused;
+    }
+  return out;
+}
+
+// trtrs on a dominant triangle.
+template <class T>
+Cases trtrs(const char *name,
+            void (*f)(const char *, const char *, const char *, const int *, const int *, const T *,
+                      const int *, T *, const int *, int *, int, int, int)) {
+  Cases out;
+  for (char u : {'U', 'L'})
+    for (char t : {'N', 'T', 'C'})
+      for (auto [n, nrhs] : kLu) {
+        const int lda = n + 2, ldb = n + 3;
+        const char d = 'N';
+        out.push_back({label(name, u, t, n, nrhs),
+                       {matrix<T>(n, n, lda, false, Fill::kDominant), matrix<T>(n, nrhs, ldb, true),
+                        scalar<int>(true)},
+                       [=](void *const *p) {
+                         f(&u, &t, &d, &n, &nrhs, at<T>(p, 0), &lda, at<T>(p, 1), &ldb,
+                           at<int>(p, 2), 1, 1, 1);
+                       }});
+      }
+  return out;
+}
+
+// trtri on a dominant triangle.
+template <class T>
+Cases trtri(const char *name,
+            void (*f)(const char *, const char *, const int *, T *, const int *, int *, int, int)) {
+  Cases out;
+  for (char u : {'U', 'L'})
+    for (char d : {'N', 'U'})
+      for (int n : {1, 17, 70, 130}) {
+        const int lda = n + 1;
+        out.push_back(
+            {label(name, u, d, n),
+             {matrix<T>(n, n, lda, true, Fill::kDominant), scalar<int>(true)},
+             [=](void *const *p) { f(&u, &d, &n, at<T>(p, 0), &lda, at<int>(p, 1), 1, 1); }});
+      }
   return out;
 }
 
@@ -575,6 +660,10 @@ Cases every_lapack_routine() {
   add(getrf("sgetrf", sgetrf)), add(getrf("cgetrf", cgetrf)), add(getrf("DGETRF", DGETRF));
   add(getrf("ZGETRF", ZGETRF));
   add(getrs("sgetrs", sgetrs)), add(getrs("cgetrs", cgetrs));
+  add(getri("sgetri", sgetri)), add(getri("cgetri", cgetri));
+  add(gecon("sgecon", sgecon)), add(gecon("cgecon", cgecon));
+  add(trtri("strtri", strtri)), add(trtri("ctrtri", ctrtri));
+  add(trtrs("strtrs", strtrs)), add(trtrs("ctrtrs", ctrtrs));
   return all;
 }
 
