@@ -25,8 +25,10 @@ constexpr Row kRows[] = {
     {"GETRF", "SDCZ", 1, 2, 64},
     // inverse from the LU
     {"GETRI", "SCDZ", 64, 2, 128},
-    // triangular inverse
-    {"TRTRI", "SCDZ", 64, 2, 128},
+    // triangular inverse: the complex blocked form pays only on larger
+    // orders, once the level-3 multiply and solve run on both cores
+    {"TRTRI", "SD", 64, 2, 64},
+    {"TRTRI", "CZ", 128, 2, 384},
     // band LU: blocks of columns inside the band
     {"GBTRF", "SCDZ", 32, 2, 0},
 };

@@ -12,6 +12,8 @@
 
 #include "blas/level2/level2.h"
 #include "lapack/auxiliary.h"
+#include "lapack/names.h"
+#include "lapack/oracle.h"
 #include "lapack/triangular.h"
 #include "orb.h"
 #include "support/matrix.h"
@@ -241,36 +243,57 @@ TYPED_TEST(TriangularTest, LantrTrapezoidsAndNan) {
       }
 }
 
-// Beyond the crossover the inverse is blocked: ||A X - I|| small against
-// ||A|| ||X|| for orders around the block size, the other triangle (and a
-// unit diagonal) never read nor written.
+// Past the oracle's crossover the inverse is blocked: for random v,
+// ||A (X v) - v|| small against ||A|| ||X|| ||v||, at orders just past the
+// crossover and past it by a block and a part; the other triangle (and a
+// unit diagonal) is never read nor written.
 TYPED_TEST(TriangularTest, TrtriBlockedInverse) {
   using T = TypeParam;
+  using W = Wide<T>;
   Random rng(17);
-  for (int n : {129, 150, 257})
+  const auto name = orb::lapack::name<T>("TRTRI");
+  const int nx = orb::lapack::oracle(orb::lapack::kCrossover, name, 1000);
+  const int nb = orb::lapack::oracle(orb::lapack::kBlockSize, name, 1000);
+  for (int n : {nx + 1, nx + nb + 5})
     for (Uplo uplo : kUplos)
       for (Diag diag : kDiags) {
         SCOPED_TRACE(testing::Message() << n << " uplo " << int(uplo) << " diag " << int(diag));
-        const Matrix<T> a = triangle<T>(n, uplo, T(4), rng);
+        // Off-diagonal elements of order 1 / n keep the inverse of a unit
+        // triangle of these orders in range.
+        Matrix<T> a = triangle<T>(n, uplo, T(4), rng);
+        const Triangle tri = triangle_of(uplo);
+        for (int j = 0; j < n; ++j)
+          for (int i = 0; i < n; ++i)
+            if (i != j && (i < j) == (uplo == Uplo::kUpper)) a(i, j) *= T(2.0 / n);
         Matrix<T> inv = a;
         ASSERT_EQ(orb::lapack::trtri(uplo, diag, n, inv.data(), inv.ld), 0);
         EXPECT_EQ(inv.padding_changed(), 0);
-        const Triangle tri = triangle_of(uplo);
         const bool unit = diag == Diag::kUnit;
-        const Matrix<T> ta = orb::test::triangular_part(a, tri, unit);
-        const Matrix<T> tx = orb::test::triangular_part(inv, tri, unit);
-        const auto prod = orb::test::multiply('N', ta, 'N', tx);
-        double worst = 0;
         for (int j = 0; j < n; ++j)
           for (int i = 0; i < n; ++i) {
-            worst = std::max(worst, std::abs(prod(i, j) - (i == j ? 1.0 : 0.0)));
             if (i != j && (i < j) != (uplo == Uplo::kUpper)) {
               ASSERT_TRUE(std::isnan(std::abs(inv(i, j))));
             } else if (i == j && unit) {
               ASSERT_EQ(inv(i, j), a(i, j));
             }
           }
-        const double scale = orb::test::norm_inf(ta) * orb::test::norm_inf(tx);
+        const Matrix<T> ta = orb::test::triangular_part(a, tri, unit);
+        const Matrix<T> tx = orb::test::triangular_part(inv, tri, unit);
+        auto times = [n](const Matrix<T> &m, const std::vector<W> &v) {
+          std::vector<W> out(n, W(0));
+          for (int j = 0; j < n; ++j)
+            for (int i = 0; i < n; ++i) out[i] += widen(m(i, j)) * v[j];
+          return out;
+        };
+        std::vector<W> v(n);
+        for (W &e : v) e = widen(rng.value<T>());
+        const std::vector<W> back = times(ta, times(tx, v));
+        double worst = 0, vmax = 0;
+        for (int i = 0; i < n; ++i) {
+          worst = std::max(worst, static_cast<double>(std::abs(back[i] - v[i])));
+          vmax = std::max(vmax, static_cast<double>(std::abs(v[i])));
+        }
+        const double scale = orb::test::norm_inf(ta) * orb::test::norm_inf(tx) * vmax;
         EXPECT_LT(worst / (scale * n * orb::test::epsilon<T>()), 1.0);
       }
 }
