@@ -31,6 +31,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <new>
+#include <thread>
 
 #include "lapack/auxiliary.h"
 #include "lapack/blas_calls.h"
@@ -201,11 +202,19 @@ class Scheduled {
 
   void work() {
     const int nblk = h_->nblk, last = h_->last;
+    int idle = 0;
     while (h_->done.load(std::memory_order_acquire) < nblk) {
       const int p = h_->next.load(std::memory_order_acquire);
-      if (p < last && critical(p)) continue;
-      if (bulk(p < last ? p + 1 : p)) continue;
-      pause();
+      if ((p < last && critical(p)) || bulk(p < last ? p + 1 : p)) {
+        idle = 0;
+        continue;
+      }
+      // Spin briefly, then give the processor away: the thread being waited
+      // for may need it when the machine is busy.
+      if (++idle < 64)
+        pause();
+      else
+        std::this_thread::yield();
     }
   }
 
