@@ -535,7 +535,7 @@ void print_header(const std::vector<Library> &libs) {
   std::printf("\n%-7s %5s %3s %-7s", "routine", "n", "nt", "unit");
   for (const Library &l : libs) std::printf(" %9s", l.name.c_str());
   std::printf(" %6s %4s %6s  spread %%:", "ratio", "reps", "others");
-  for (const Library &l : libs) std::printf(" %s", l.name.c_str());
+  for (const Library &l : libs) std::printf(" %5s", l.name.c_str());
   std::printf("\n");
 }
 
@@ -571,7 +571,7 @@ void print_row(const Row &r, const std::vector<Library> &libs) {
   std::printf(" %4zu %6.1f  %9s", reps, r.others, "");
   for (std::size_t i = 0; i < libs.size(); ++i) {
     const std::vector<double> &s = r.timing[i].seconds;
-    const int width = int(libs[i].name.size());
+    const int width = std::max(int(libs[i].name.size()), 5);
     if (s.size() < 2) {
       std::printf(" %*s", width, "-");
     } else {
