@@ -534,7 +534,10 @@ double best_of(const Timing &t) {
 void print_header(const std::vector<Library> &libs) {
   std::printf("\n%-7s %5s %3s %-7s", "routine", "n", "nt", "unit");
   for (const Library &l : libs) std::printf(" %9s", l.name.c_str());
-  std::printf(" %6s %4s %6s  spread %%:", "ratio", "reps", "others");
+  std::printf(" %6s", "ratio");
+  for (const Library &l : libs)
+    if (l.name == "base") std::printf(" %6s", "/base");
+  std::printf(" %4s %6s  spread %%:", "reps", "others");
   for (const Library &l : libs) std::printf(" %5s", l.name.c_str());
   std::printf("\n");
 }
@@ -559,15 +562,19 @@ void print_row(const Row &r, const std::vector<Library> &libs) {
       std::printf(" %9s", "?");
     }
   }
-  double best_peer = 0, orb = 0;
+  double best_peer = 0, orb = 0, base = 0;
+  bool with_base = false;
   for (std::size_t i = 0; i < libs.size(); ++i) {
     if (libs[i].name == "ORB") orb = score[i];
+    if (libs[i].name == "base") base = score[i], with_base = true;
     if (!libs[i].orb) best_peer = std::max(best_peer, score[i]);
   }
-  if (orb > 0 && best_peer > 0)
-    std::printf(" %6.2f", orb / best_peer);
-  else
-    std::printf(" %6s", "-");
+  for (double other : {best_peer, with_base ? base : -1.0}) {
+    if (orb > 0 && other > 0)
+      std::printf(" %6.2f", orb / other);
+    else if (other >= 0)
+      std::printf(" %6s", "-");
+  }
   std::printf(" %4zu %6.1f  %9s", reps, r.others, "");
   for (std::size_t i = 0; i < libs.size(); ++i) {
     const std::vector<double> &s = r.timing[i].seconds;
@@ -811,7 +818,8 @@ int main(int argc, char **argv) {
   std::printf("Each library in a link-map namespace of its own:\n");
   for (const Library &l : libs) std::printf("  %-10s %s\n", l.name.c_str(), l.description.c_str());
   std::printf(
-      "Best of the repeats (reps); ratio = ORB / best peer, above 1 when ORB is faster;\n"
+      "Best of the repeats (reps; for a short call a repeat is the mean of a 40 ms burst);\n"
+      "ratio = ORB / best peer, above 1 when ORB is faster (/base: ORB / base);\n"
       "spread = slowest / fastest repeat - 1; others = cores other processes kept busy\n"
       "meanwhile; '-' when a library lacks the routine.\n"
       "sgetrf 2/3 n^3 flops (cgetrf 4 times that), sgetrs 2 n^2 nrhs with nrhs = %d,\n"
