@@ -1,0 +1,834 @@
+// ORB's LAPACK against its peers, side by side in one run, through the
+// Fortran-convention names (sgetrf_, cgetrf_, sgetrs_, sgecon_):
+//
+//   ORB        the liborb.so given by --orb (and --base, another build of it)
+//   OpenBLAS   Debian's pthread build, its own LAPACK
+//   refLAPACK  Debian's reference LAPACK over OpenBLAS's BLAS
+//
+//   lapack_compare [--threads 1,2] [--filter getrf] [--sizes 256,1000] [--quick]
+//                  [--orb path/to/liborb.so] [--base path/to/other/liborb.so]
+//
+// Each library lives in a link-map namespace of its own (dlmopen with
+// LM_ID_NEWLM), with its own copies of everything it depends on, libc
+// included. A call made inside a namespace is bound only to objects of that
+// namespace, so ORB's exported names (sgemm_, xerbla_, ...) cannot capture the
+// peers' calls, nor one peer's names the other's. Loading checks this: every symbol bound
+// in the relocations of each namespace's objects must point into that
+// namespace. The reference LAPACK's namespace is opened with OpenBLAS's
+// libblas.so.3 first; the LAPACK asks for libblas.so.3 by soname, which that
+// object carries, so the loader takes it whatever the system's alternative
+// for libblas.so.3 points to. Loading checks where the LAPACK's sgemm_ was
+// bound.
+//
+// The libraries of a row take turns, a short burst of calls each, round after
+// round, so that a drift in the machine's speed moves them alike. Before each
+// burst the program waits until no thread of the process burns CPU:
+// OpenBLAS's workers spin for about 0.1 s after a call, and on a small machine
+// they would take the cores from the library timed next. Every call starts
+// from a fresh copy of the same operands (the copy is not timed). The first call of each library at
+// each thread count is checked (a residual, or agreement with the reference for the condition
+// estimate); a wrong answer prints FAIL instead of a rate.
+#include <dlfcn.h>
+#include <elf.h>
+#include <link.h>
+#include <sys/auxv.h>
+#include <time.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <chrono>
+#include <cmath>
+#include <complex>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <functional>
+#include <limits>
+#include <random>
+#include <set>
+#include <string>
+#include <thread>
+#include <type_traits>
+#include <vector>
+
+#if !defined(__linux__) || !defined(__x86_64__)
+#error "lapack_compare reads x86-64 ELF relocations and loads Debian's x86-64 peers"
+#endif
+
+namespace {
+
+using c8 = std::complex<float>;
+using Fortran_len = std::size_t;  // the hidden length of a character argument
+
+using GetrfFn = void (*)(const int *, const int *, void *, const int *, int *, int *);
+using GetrsFn = void (*)(const char *, const int *, const int *, const void *, const int *,
+                         const int *, void *, const int *, int *, Fortran_len);
+using GeconFn = void (*)(const char *, const int *, const void *, const int *, const float *,
+                         float *, float *, int *, int *, Fortran_len);
+
+const char *const kOpenblasDir = "/usr/lib/x86_64-linux-gnu/openblas-pthread";
+const char *const kReferenceLapack = "/usr/lib/x86_64-linux-gnu/lapack/liblapack.so.3";
+
+struct Library {
+  std::string name, description;
+  std::vector<void *> handles;  // in load order; symbols come from the last
+  std::function<void(int)> set_threads;
+  bool orb = false;  // ORB or its base build
+  void *sym(const char *s) const { return handles.empty() ? nullptr : dlsym(handles.back(), s); }
+};
+
+std::string real_path(const char *path) {
+  char *r = realpath(path, nullptr);
+  std::string s = r ? r : path;
+  std::free(r);
+  return s;
+}
+
+std::string object_of(const void *address) {
+  Dl_info info;
+  if (!address || !dladdr(address, &info) || !info.dli_fname) return "(nowhere)";
+  return real_path(info.dli_fname);
+}
+
+// Calls f(symbol name, address now in the slot) for each symbol the dynamic
+// linker bound into the relocations of the object `map`.
+template <class F>
+void for_each_binding(const link_map *map, F f) {
+  const ElfW(Sym) *symtab = nullptr;
+  const char *strtab = nullptr;
+  const ElfW(Rela) * table[2] = {nullptr, nullptr};
+  std::size_t bytes[2] = {0, 0};
+  // The loader has relocated the pointers of the dynamic section in place.
+  auto at = [map](ElfW(Addr) a) { return a < map->l_addr ? a + map->l_addr : a; };
+  for (const ElfW(Dyn) *d = map->l_ld; d && d->d_tag != DT_NULL; ++d) {
+    switch (d->d_tag) {
+      case DT_SYMTAB:
+        symtab = reinterpret_cast<const ElfW(Sym) *>(at(d->d_un.d_ptr));
+        break;
+      case DT_STRTAB:
+        strtab = reinterpret_cast<const char *>(at(d->d_un.d_ptr));
+        break;
+      case DT_RELA:
+        table[0] = reinterpret_cast<const ElfW(Rela) *>(at(d->d_un.d_ptr));
+        break;
+      case DT_RELASZ:
+        bytes[0] = d->d_un.d_val;
+        break;
+      case DT_JMPREL:
+        table[1] = reinterpret_cast<const ElfW(Rela) *>(at(d->d_un.d_ptr));
+        break;
+      case DT_PLTRELSZ:
+        bytes[1] = d->d_un.d_val;
+        break;
+    }
+  }
+  if (!symtab || !strtab) return;
+  for (int t = 0; t < 2; ++t) {
+    if (!table[t]) continue;
+    for (std::size_t i = 0; i < bytes[t] / sizeof(ElfW(Rela)); ++i) {
+      const ElfW(Rela) &r = table[t][i];
+      const unsigned type = ELF64_R_TYPE(r.r_info), sym = ELF64_R_SYM(r.r_info);
+      if (sym == 0 ||
+          (type != R_X86_64_JUMP_SLOT && type != R_X86_64_GLOB_DAT && type != R_X86_64_64))
+        continue;
+      const void *target = *reinterpret_cast<void *const *>(map->l_addr + r.r_offset);
+      if (target) f(strtab + symtab[sym].st_name, target);
+    }
+  }
+}
+
+// The objects of the namespace `handle` was loaded into.
+std::vector<const link_map *> namespace_objects(void *handle) {
+  link_map *map = nullptr;
+  std::vector<const link_map *> objects;
+  if (dlinfo(handle, RTLD_DI_LINKMAP, &map) != 0 || !map) return objects;
+  while (map->l_prev) map = map->l_prev;
+  for (; map; map = map->l_next) objects.push_back(map);
+  return objects;
+}
+
+// The number of bindings in the objects of `handle`'s namespace, or an error
+// naming one that points outside the namespace.
+std::string check_isolation(void *handle, std::size_t *count) {
+  const std::vector<const link_map *> objects = namespace_objects(handle);
+  std::set<ElfW(Addr)> bases;
+  for (const link_map *m : objects) bases.insert(m->l_addr);
+  // Two objects are the process's, not a namespace's: the kernel's vDSO (the
+  // time functions of every namespace's libc resolve into it) and the loader,
+  // whose entry in each namespace stands for its one copy (its own bindings
+  // are to the first namespace's libc).
+  const void *vdso = reinterpret_cast<const void *>(getauxval(AT_SYSINFO_EHDR));
+  const ElfW(Addr) loader = getauxval(AT_BASE);
+  std::string error;
+  *count = 0;
+  for (const link_map *m : objects) {
+    if (!m->l_name || !*m->l_name || m->l_addr == loader) continue;
+    for_each_binding(m, [&](const char *name, const void *target) {
+      Dl_info info;
+      link_map *owner = nullptr;
+      if (!dladdr1(target, &info, reinterpret_cast<void **>(&owner), RTLD_DL_LINKMAP) || !owner)
+        return;
+      if (vdso && info.dli_fbase == vdso) return;
+      ++*count;
+      if (error.empty() && !bases.count(owner->l_addr))
+        error = std::string(name) + " of " + m->l_name + " is bound to " + owner->l_name;
+    });
+  }
+  return error;
+}
+
+// Where the object loaded as `handle` has `name` bound ("" when it has no such
+// binding).
+std::string bound_object(void *handle, const char *name) {
+  link_map *map = nullptr;
+  std::string where;
+  if (dlinfo(handle, RTLD_DI_LINKMAP, &map) != 0 || !map) return where;
+  for_each_binding(map, [&](const char *s, const void *target) {
+    if (where.empty() && !std::strcmp(s, name)) where = object_of(target);
+  });
+  return where;
+}
+
+// Loads `paths` in order into a new namespace; false (with a message) when one
+// does not load.
+bool load_into_namespace(Library &l, const std::vector<std::string> &paths) {
+  Lmid_t ns = LM_ID_NEWLM;
+  for (const std::string &p : paths) {
+    void *h = dlmopen(ns, p.c_str(), RTLD_NOW | RTLD_LOCAL);
+    if (!h) {
+      std::fprintf(stderr, "lapack_compare: %s left out: %s\n", l.name.c_str(), dlerror());
+      return false;
+    }
+    l.handles.push_back(h);
+    if (ns == LM_ID_NEWLM) dlinfo(h, RTLD_DI_LMID, &ns);
+  }
+  return true;
+}
+
+std::vector<Library> load_libraries(const std::string &orb_path, const std::string &base_path) {
+  std::vector<Library> libs;
+  libs.reserve(4);  // the pointers add returns stay valid
+  auto add = [&](const char *name, const std::vector<std::string> &paths) -> Library * {
+    Library l;
+    l.name = name;
+    if (!load_into_namespace(l, paths)) return nullptr;
+    std::size_t count = 0;
+    const std::string error = check_isolation(l.handles.back(), &count);
+    if (!error.empty()) {
+      std::fprintf(stderr, "lapack_compare: %s left out: %s\n", name, error.c_str());
+      return nullptr;
+    }
+    char text[64];
+    std::snprintf(text, sizeof text, "; %zu bindings, all inside its namespace", count);
+    l.description = real_path(paths.back().c_str()) + text;
+    libs.push_back(l);
+    return &libs.back();
+  };
+  // The ORB columns keep their place (a "-" for each row) even when the
+  // library does not load.
+  for (const char *name : {"ORB", "base"}) {
+    const std::string &path = name[0] == 'O' ? orb_path : base_path;
+    if (path.empty()) continue;
+    Library *l = add(name, {path});
+    if (!l) {
+      Library missing;
+      missing.name = name;
+      missing.description = "(not loaded)";
+      libs.push_back(missing);
+      l = &libs.back();
+    }
+    l->orb = true;
+    if (auto f = reinterpret_cast<void (*)(int)>(l->sym("ORB_Set_Num_Threads"))) l->set_threads = f;
+  }
+  const std::string openblas = std::string(kOpenblasDir) + "/libopenblas.so.0";
+  if (Library *l = add("OpenBLAS", {openblas})) {
+    if (auto config = reinterpret_cast<const char *(*)()>(l->sym("openblas_get_config")))
+      l->description += std::string("\n             ") + config();
+    if (l->sym("sgetrf_parallel"))
+      l->description += "; sgetrf_ is its own (sgetrf_single, sgetrf_parallel)";
+  }
+  const std::string blas = std::string(kOpenblasDir) + "/libblas.so.3";
+  if (Library *l = add("refLAPACK", {blas, kReferenceLapack})) {
+    const std::string where = bound_object(l->handles.back(), "sgemm_");
+    if (where.empty() || where.rfind(real_path(kOpenblasDir) + "/", 0) != 0) {
+      std::fprintf(stderr, "lapack_compare: refLAPACK left out: its sgemm_ is bound to %s\n",
+                   where.empty() ? "nothing" : where.c_str());
+      libs.pop_back();
+    } else {
+      l->description += "\n             its sgemm_ bound to " + where;
+    }
+  }
+  for (Library &l : libs) {
+    if (!l.orb)
+      if (auto f = reinterpret_cast<void (*)(int)>(l.sym("openblas_set_num_threads")))
+        l.set_threads = f;
+    if (!l.set_threads && !l.handles.empty())
+      std::fprintf(stderr, "lapack_compare: %s has no thread-count setter; it runs with its own\n",
+                   l.name.c_str());
+  }
+  return libs;
+}
+
+double process_cpu_seconds() {
+  timespec t;
+  clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &t);
+  return t.tv_sec + 1e-9 * t.tv_nsec;
+}
+
+// Waits (at most 0.5 s) until the process's threads together use less than a
+// tenth of a core over 2 ms: the worker threads of the call before, whichever
+// library made it, have gone to sleep.
+void wait_until_quiet() {
+  for (int i = 0; i < 250; ++i) {
+    const double c0 = process_cpu_seconds();
+    std::this_thread::sleep_for(std::chrono::milliseconds(2));
+    if (process_cpu_seconds() - c0 < 2e-4) return;
+  }
+}
+
+// One call of a library (the preparation of its operands not timed): its
+// time and, when it was checked, what was wrong with its answer (empty when
+// nothing) and a value for the row to compare.
+struct Outcome {
+  double seconds = 0;
+  std::string fault;
+  double value = 0;
+};
+using Run = std::function<Outcome(bool check)>;  // empty when the library lacks the routine
+
+struct Timing {
+  std::vector<double> seconds;  // per call, one figure for each burst measured
+  std::string fault;
+};
+
+// Times the runs in turn, in bursts: each library makes a short series of
+// calls, then the next library its own, and so on round after round, so that
+// a drift in the machine's speed moves them alike, while within a burst a
+// library runs as it does when called repeatedly (its worker threads awake).
+// Before each burst the process is left to go quiet, so that no library's
+// workers spin on the cores of the next.
+//
+// The first round is one call of each library, checked. It is a warm-up
+// unless its slowest call takes over 0.5 s, when it counts and at most 3
+// rounds are made in all. Otherwise a burst is a warm-up call, then calls for
+// about 40 ms (one call when a call takes longer), and rounds go on until each
+// library has had 0.2 s (at least 3, at most 15).
+std::vector<Timing> time_in_turn(const std::vector<Run> &runs, int threads,
+                                 const std::vector<Library> &libs,
+                                 const std::function<void(std::vector<Outcome> &)> &agree) {
+  std::vector<Timing> timing(runs.size());
+  std::vector<Outcome> first(runs.size());
+  auto start = [&](std::size_t i) {
+    if (libs[i].set_threads) libs[i].set_threads(threads);
+    wait_until_quiet();
+  };
+  double slowest = 0;
+  for (std::size_t i = 0; i < runs.size(); ++i) {
+    if (!runs[i]) continue;
+    start(i);
+    first[i] = runs[i](true);
+    slowest = std::max(slowest, first[i].seconds);
+  }
+  if (agree) agree(first);
+  for (std::size_t i = 0; i < runs.size(); ++i) timing[i].fault = first[i].fault;
+  constexpr double kBurst = 0.04;
+  int rounds = 15, min_rounds = 3;
+  if (slowest > 0.5) {
+    for (std::size_t i = 0; i < runs.size(); ++i)
+      if (runs[i]) timing[i].seconds.push_back(first[i].seconds);
+    rounds = std::clamp(int(1.6 / slowest), 1, 3) - 1;
+    min_rounds = rounds;
+  }
+  std::vector<double> total(runs.size(), 0);
+  for (int r = 0; r < rounds; ++r) {
+    bool more = r + 1 < min_rounds;
+    for (std::size_t i = 0; i < runs.size(); ++i) {
+      if (!runs[i]) continue;
+      start(i);
+      const bool short_call = first[i].seconds < kBurst;
+      if (short_call) runs[i](false);
+      double burst = 0;
+      int calls = 0;
+      do {
+        burst += runs[i](false).seconds;
+        ++calls;
+      } while (short_call && burst < kBurst && calls < 10000);
+      timing[i].seconds.push_back(burst / calls);
+      total[i] += burst;
+      more = more || total[i] < 0.2;
+    }
+    if (!more) break;
+  }
+  return timing;
+}
+
+template <class T>
+std::vector<T> random_matrix(std::size_t count, unsigned seed) {
+  std::mt19937 rng(seed);
+  std::uniform_real_distribution<float> d(-1, 1);
+  std::vector<T> v(count);
+  for (auto &x : v) {
+    if constexpr (std::is_same_v<T, c8>) {
+      const float re = d(rng);
+      x = c8(re, d(rng));
+    } else {
+      x = d(rng);
+    }
+  }
+  return v;
+}
+
+// Double-precision companions of float and complex<float>.
+template <class T>
+using Wide = std::conditional_t<std::is_same_v<T, c8>, std::complex<double>, double>;
+
+// The infinity norm of the n x n matrix a (leading dimension n).
+template <class T>
+double norm_inf(const std::vector<T> &a, int n) {
+  std::vector<double> rows(n, 0);
+  for (std::size_t j = 0; j < std::size_t(n); ++j)
+    for (int i = 0; i < n; ++i) rows[i] += std::abs(a[i + j * n]);
+  return *std::max_element(rows.begin(), rows.end());
+}
+
+template <class T>
+double max_abs(const std::vector<T> &v) {
+  double m = 0;
+  for (const T &x : v) m = std::max(m, double(std::abs(x)));
+  return m;
+}
+
+// y = a x for the n x n matrix a, in double precision.
+template <class T>
+std::vector<Wide<T>> times(const T *a, int n, const std::vector<Wide<T>> &x) {
+  std::vector<Wide<T>> y(n, Wide<T>(0));
+  for (std::size_t j = 0; j < std::size_t(n); ++j) {
+    const T *col = a + j * n;
+    const Wide<T> xj = x[j];
+    for (int i = 0; i < n; ++i) y[i] += Wide<T>(col[i]) * xj;
+  }
+  return y;
+}
+
+// ||P A x - L U x||_inf / (n ||A||_inf ||x||_inf eps) for a random x: the
+// factors and pivots getrf left against the matrix it was given. Of the order
+// of one for a correct factorization; a wrong one gives 1/eps.
+template <class T>
+double factor_residual(const std::vector<T> &a, double a_norm, const T *lu, const int *ipiv,
+                       int n) {
+  std::vector<Wide<T>> x(n);
+  std::mt19937 rng(11);
+  std::uniform_real_distribution<double> d(-1, 1);
+  for (auto &v : x) v = Wide<T>(d(rng));
+  std::vector<Wide<T>> ax = times(a.data(), n, x);
+  for (int i = 0; i < n; ++i) {
+    const int p = ipiv[i] - 1;
+    if (p < i || p >= n) return std::numeric_limits<double>::infinity();
+    std::swap(ax[i], ax[p]);
+  }
+  std::vector<Wide<T>> ux(n, Wide<T>(0)), lux(n, Wide<T>(0));
+  for (std::size_t j = 0; j < std::size_t(n); ++j)
+    for (std::size_t i = 0; i <= j; ++i) ux[i] += Wide<T>(lu[i + j * n]) * x[j];
+  for (std::size_t j = 0; j < std::size_t(n); ++j) {
+    lux[j] += ux[j];
+    for (std::size_t i = j + 1; i < std::size_t(n); ++i) lux[i] += Wide<T>(lu[i + j * n]) * ux[j];
+  }
+  double r = 0;
+  for (int i = 0; i < n; ++i) r = std::max(r, std::abs(ax[i] - lux[i]));
+  if (!std::isfinite(r)) return std::numeric_limits<double>::infinity();
+  return r / (double(n) * a_norm * std::numeric_limits<float>::epsilon());
+}
+
+// A correct factorization or solve gives about 1e-3 for these ratios (the 30
+// that LAPACK's own test programs allow is a worst case); 1 leaves a wide
+// margin and still catches a wrong block, a skipped update or a wrong pivot.
+constexpr double kResidualLimit = 1;
+
+std::string residual_fault(double ratio) {
+  if (ratio < kResidualLimit) return "";
+  char text[96];
+  std::snprintf(text, sizeof text, "residual %.3g (limit %g)", ratio, kResidualLimit);
+  return text;
+}
+
+std::string info_fault(int info) {
+  return info ? "INFO = " + std::to_string(info) : "";
+}
+
+double seconds_since(std::chrono::steady_clock::time_point t0) {
+  return std::chrono::duration<double>(std::chrono::steady_clock::now() - t0).count();
+}
+
+// The getrf row: each call factors a fresh copy of the same matrix.
+template <class T>
+std::vector<Run> getrf_runs(const std::vector<Library> &libs, const char *name,
+                            const std::vector<T> &a, double a_norm, int n, std::vector<T> &work,
+                            std::vector<int> &ipiv) {
+  std::vector<Run> runs;
+  for (const Library &l : libs) {
+    auto f = reinterpret_cast<GetrfFn>(l.sym(name));
+    if (!f) {
+      runs.emplace_back();
+      continue;
+    }
+    runs.push_back([f, n, a_norm, &a, &work, &ipiv](bool check) {
+      std::copy(a.begin(), a.end(), work.begin());
+      int info = -1;
+      const auto t0 = std::chrono::steady_clock::now();
+      f(&n, &n, work.data(), &n, ipiv.data(), &info);
+      Outcome o;
+      o.seconds = seconds_since(t0);
+      if (check) {
+        o.fault = info_fault(info);
+        if (o.fault.empty())
+          o.fault = residual_fault(factor_residual(a, a_norm, work.data(), ipiv.data(), n));
+      }
+      return o;
+    });
+  }
+  return runs;
+}
+
+struct Row {
+  std::string routine;
+  int n, threads;
+  bool time_only;              // microseconds per call rather than a rate
+  double work;                 // floating-point operations of one call
+  std::vector<Timing> timing;  // per library
+  std::vector<bool> present;   // per library: it has the routine
+  double others;               // cores the rest of the machine kept busy meanwhile
+};
+
+// CPU time the machine has spent out of idle, all processes together.
+double machine_busy_seconds() {
+  unsigned long long t[8] = {};
+  FILE *f = std::fopen("/proc/stat", "r");
+  if (!f) return 0;
+  const int got = std::fscanf(f, "cpu %llu %llu %llu %llu %llu %llu %llu %llu", &t[0], &t[1], &t[2],
+                              &t[3], &t[4], &t[5], &t[6], &t[7]);
+  std::fclose(f);
+  if (got < 8) return 0;
+  // user, nice, system, irq, softirq, and steal (the hypervisor's); not
+  // idle or iowait.
+  return double(t[0] + t[1] + t[2] + t[5] + t[6] + t[7]) / double(sysconf(_SC_CLK_TCK));
+}
+
+// Times a row, and what other processes took of the machine meanwhile: a
+// figure taken while they kept cores busy is not worth much.
+Row measure(const char *routine, int n, int threads, bool time_only, double work,
+            const std::vector<Run> &runs, const std::vector<Library> &libs,
+            const std::function<void(std::vector<Outcome> &)> &agree = nullptr) {
+  const auto t0 = std::chrono::steady_clock::now();
+  const double busy0 = machine_busy_seconds(), own0 = process_cpu_seconds();
+  Row r{routine, n, threads, time_only, work, time_in_turn(runs, threads, libs, agree), {}, 0};
+  const double busy = machine_busy_seconds() - busy0, own = process_cpu_seconds() - own0;
+  r.others = std::max(0.0, (busy - own) / seconds_since(t0));
+  for (const Run &run : runs) r.present.push_back(bool(run));
+  return r;
+}
+
+double best_of(const Timing &t) {
+  return t.seconds.empty() ? 0 : *std::min_element(t.seconds.begin(), t.seconds.end());
+}
+
+void print_header(const std::vector<Library> &libs) {
+  std::printf("\n%-7s %5s %3s %-7s", "routine", "n", "nt", "unit");
+  for (const Library &l : libs) std::printf(" %9s", l.name.c_str());
+  std::printf(" %6s", "ratio");
+  for (const Library &l : libs)
+    if (l.name == "base") std::printf(" %6s", "/base");
+  std::printf(" %4s %6s  spread %%:", "reps", "others");
+  for (const Library &l : libs) std::printf(" %5s", l.name.c_str());
+  std::printf("\n");
+}
+
+void print_row(const Row &r, const std::vector<Library> &libs) {
+  std::printf("%-7s %5d %3d %-7s", r.routine.c_str(), r.n, r.threads,
+              r.time_only ? "us" : "GFLOP/s");
+  // A figure where higher is better: the rate, or the inverse time.
+  std::vector<double> score(libs.size(), 0);
+  std::size_t reps = 0;
+  for (std::size_t i = 0; i < libs.size(); ++i) {
+    const double t = best_of(r.timing[i]);
+    reps = std::max(reps, r.timing[i].seconds.size());
+    if (!r.present[i]) {
+      std::printf(" %9s", "-");
+    } else if (!r.timing[i].fault.empty()) {
+      std::printf(" %9s", "FAIL");
+    } else if (t > 0) {
+      score[i] = r.time_only ? 1 / t : r.work / t * 1e-9;
+      std::printf(r.time_only ? " %9.0f" : " %9.2f", r.time_only ? t * 1e6 : score[i]);
+    } else {
+      std::printf(" %9s", "?");
+    }
+  }
+  double best_peer = 0, orb = 0, base = 0;
+  bool with_base = false;
+  for (std::size_t i = 0; i < libs.size(); ++i) {
+    if (libs[i].name == "ORB") orb = score[i];
+    if (libs[i].name == "base") base = score[i], with_base = true;
+    if (!libs[i].orb) best_peer = std::max(best_peer, score[i]);
+  }
+  for (double other : {best_peer, with_base ? base : -1.0}) {
+    if (orb > 0 && other > 0)
+      std::printf(" %6.2f", orb / other);
+    else if (other >= 0)
+      std::printf(" %6s", "-");
+  }
+  std::printf(" %4zu %6.1f  %9s", reps, r.others, "");
+  for (std::size_t i = 0; i < libs.size(); ++i) {
+    const std::vector<double> &s = r.timing[i].seconds;
+    const int width = std::max(int(libs[i].name.size()), 5);
+    if (s.size() < 2) {
+      std::printf(" %*s", width, "-");
+    } else {
+      const auto [lo, hi] = std::minmax_element(s.begin(), s.end());
+      std::printf(" %*.1f", width, 100 * (*hi / *lo - 1));
+    }
+  }
+  std::printf("\n");
+  for (std::size_t i = 0; i < libs.size(); ++i)
+    if (!r.timing[i].fault.empty())
+      std::printf("  FAIL %s %s: %s\n", libs[i].name.c_str(), r.routine.c_str(),
+                  r.timing[i].fault.c_str());
+  std::fflush(stdout);
+}
+
+struct Options {
+  std::vector<int> threads = {1, 2};
+  std::vector<int> sizes = {256, 512, 1000, 2000, 4000, 8000};
+  std::string filter;
+  int nrhs = 100;
+};
+
+bool wanted(const Options &o, const char *routine) {
+  return o.filter.empty() || std::string(routine).find(o.filter) != std::string::npos;
+}
+
+template <class T>
+void getrf_rows(const std::vector<Library> &libs, const Options &o, const char *routine) {
+  if (!wanted(o, routine)) return;
+  const std::string name = std::string(routine) + "_";
+  for (int n : o.sizes) {
+    const std::vector<T> a = random_matrix<T>(std::size_t(n) * n, 1);
+    const double a_norm = norm_inf(a, n);
+    std::vector<T> work(a.size());
+    std::vector<int> ipiv(n);
+    const std::vector<Run> runs = getrf_runs(libs, name.c_str(), a, a_norm, n, work, ipiv);
+    double flops = 2.0 / 3 * double(n) * n * n;
+    if (std::is_same_v<T, c8>) flops *= 4;
+    for (int nt : o.threads) print_row(measure(routine, n, nt, false, flops, runs, libs), libs);
+  }
+}
+
+// A factorization of a for the solve and the condition estimate, made by the
+// first library whose sgetrf_ gives a small residual (the peers first).
+bool shared_factors(const std::vector<Library> &libs, const std::vector<float> &a, int n,
+                    int threads, std::vector<float> &lu, std::vector<int> &ipiv) {
+  std::vector<const Library *> order;
+  for (const Library &l : libs)
+    if (!l.orb) order.push_back(&l);
+  for (const Library &l : libs)
+    if (l.orb) order.push_back(&l);
+  const double a_norm = norm_inf(a, n);
+  for (const Library *l : order) {
+    auto f = reinterpret_cast<GetrfFn>(l->sym("sgetrf_"));
+    if (!f) continue;
+    if (l->set_threads) l->set_threads(threads);
+    lu = a;
+    int info = -1;
+    f(&n, &n, lu.data(), &n, ipiv.data(), &info);
+    if (info == 0 && factor_residual(a, a_norm, lu.data(), ipiv.data(), n) < kResidualLimit)
+      return true;
+  }
+  return false;
+}
+
+// A matrix and its factors, shared by the libraries of the solve and the
+// condition estimate, so that they all work on the same problem.
+struct Factored {
+  int n;
+  std::vector<float> a, lu;
+  std::vector<int> ipiv;
+};
+
+// sgetrs with nrhs right-hand sides, a fresh copy of the same B for each call.
+void getrs_rows(const std::vector<Library> &libs, const Options &o, const Factored &m) {
+  const int n = m.n, nrhs = o.nrhs;
+  const double a_norm = norm_inf(m.a, n);
+  const std::vector<float> b = random_matrix<float>(std::size_t(n) * nrhs, 2);
+  std::vector<float> x(b.size());
+  std::vector<Run> runs;
+  for (const Library &l : libs) {
+    auto f = reinterpret_cast<GetrsFn>(l.sym("sgetrs_"));
+    if (!f) {
+      runs.emplace_back();
+      continue;
+    }
+    runs.push_back([f, n, nrhs, a_norm, &m, &b, &x](bool check) {
+      std::copy(b.begin(), b.end(), x.begin());
+      int info = -1;
+      const auto t0 = std::chrono::steady_clock::now();
+      f("N", &n, &nrhs, m.lu.data(), &n, m.ipiv.data(), x.data(), &n, &info, 1);
+      Outcome out;
+      out.seconds = seconds_since(t0);
+      if (!check) return out;
+      out.fault = info_fault(info);
+      if (!out.fault.empty()) return out;
+      // ||B w - A X w|| / (n ||A|| ||X w|| eps) for a random combination w of
+      // the columns, so that a wrong column shows, whichever it is.
+      std::mt19937 rng(12);
+      std::uniform_real_distribution<double> d(0.5, 1.5);
+      std::vector<double> w(nrhs), bw(n, 0), xw(n, 0);
+      for (double &v : w) v = d(rng);
+      for (std::size_t k = 0; k < std::size_t(nrhs); ++k)
+        for (std::size_t i = 0; i < std::size_t(n); ++i) {
+          bw[i] += w[k] * b[i + k * n];
+          xw[i] += w[k] * x[i + k * n];
+        }
+      const std::vector<double> axw = times(m.a.data(), n, xw);
+      double r = 0;
+      for (int i = 0; i < n; ++i) r = std::max(r, std::abs(bw[i] - axw[i]));
+      const double scale = double(n) * a_norm * max_abs(xw) * std::numeric_limits<float>::epsilon();
+      out.fault = residual_fault(std::isfinite(r) && scale > 0 ? r / scale : INFINITY);
+      return out;
+    });
+  }
+  for (int nt : o.threads)
+    print_row(measure("sgetrs", n, nt, false, 2.0 * n * n * nrhs, runs, libs), libs);
+}
+
+// The estimate has no residual: each library's must be within a factor of 10
+// of the reference LAPACK's (of the median of all when that is missing).
+void agree_on_rcond(const std::vector<Library> &libs, std::vector<Outcome> &outs) {
+  std::vector<double> all;
+  double reference = 0;
+  for (std::size_t i = 0; i < outs.size(); ++i) {
+    if (!outs[i].fault.empty() || !(outs[i].value > 0)) continue;
+    all.push_back(outs[i].value);
+    if (libs[i].name == "refLAPACK") reference = outs[i].value;
+  }
+  if (reference == 0 && !all.empty()) {
+    std::sort(all.begin(), all.end());
+    reference = all[all.size() / 2];
+  }
+  for (Outcome &out : outs) {
+    if (!out.fault.empty() || out.seconds == 0) continue;  // missing, or wrong already
+    const double ratio = out.value / reference;
+    if (!(ratio > 0.1 && ratio < 10)) {
+      char text[96];
+      std::snprintf(text, sizeof text, "rcond %.3g against %.3g", out.value, reference);
+      out.fault = text;
+    }
+  }
+}
+
+// sgecon, norm '1', with the norm of A computed once, as a caller has it.
+void gecon_rows(const std::vector<Library> &libs, const Options &o, const Factored &m) {
+  const int n = m.n;
+  float anorm = 0;
+  for (std::size_t j = 0; j < std::size_t(n); ++j) {
+    double s = 0;
+    for (int i = 0; i < n; ++i) s += std::abs(m.a[i + j * n]);
+    anorm = std::max(anorm, float(s));
+  }
+  std::vector<float> work(4 * std::size_t(n));
+  std::vector<int> iwork(n);
+  std::vector<Run> runs;
+  for (const Library &l : libs) {
+    auto f = reinterpret_cast<GeconFn>(l.sym("sgecon_"));
+    if (!f) {
+      runs.emplace_back();
+      continue;
+    }
+    runs.push_back([f, n, anorm, &m, &work, &iwork](bool) {
+      int info = -1;
+      float rcond = -1;
+      const auto t0 = std::chrono::steady_clock::now();
+      f("1", &n, m.lu.data(), &n, &anorm, &rcond, work.data(), iwork.data(), &info, 1);
+      Outcome out;
+      out.seconds = seconds_since(t0);
+      out.fault = info_fault(info);
+      out.value = rcond;
+      return out;
+    });
+  }
+  auto agree = [&libs](std::vector<Outcome> &outs) { agree_on_rcond(libs, outs); };
+  for (int nt : o.threads) print_row(measure("sgecon", n, nt, true, 0, runs, libs, agree), libs);
+}
+
+// The rows of `routine` on a factored matrix of each size.
+void factored_rows(const std::vector<Library> &libs, const Options &o, const char *routine,
+                   void (*rows)(const std::vector<Library> &, const Options &, const Factored &)) {
+  if (!wanted(o, routine)) return;
+  for (int n : o.sizes) {
+    Factored m{n, random_matrix<float>(std::size_t(n) * n, 1), {}, std::vector<int>(n)};
+    if (shared_factors(libs, m.a, n, *std::max_element(o.threads.begin(), o.threads.end()), m.lu,
+                       m.ipiv))
+      rows(libs, o, m);
+    else
+      std::printf("%s %d: no library factored the matrix correctly\n", routine, n);
+  }
+}
+
+std::vector<int> int_list(char *text) {
+  std::vector<int> v;
+  for (char *s = std::strtok(text, ","); s; s = std::strtok(nullptr, ","))
+    v.push_back(std::atoi(s));
+  return v;
+}
+
+}  // namespace
+
+int main(int argc, char **argv) {
+  Options o;
+  std::string orb_path = "liborb.so", base_path;
+  bool quick = false;
+  for (int i = 1; i < argc; ++i) {
+    if (!std::strcmp(argv[i], "--threads") && i + 1 < argc) {
+      o.threads = int_list(argv[++i]);
+    } else if (!std::strcmp(argv[i], "--sizes") && i + 1 < argc) {
+      o.sizes = int_list(argv[++i]);
+    } else if (!std::strcmp(argv[i], "--quick")) {
+      quick = true;
+    } else if (!std::strcmp(argv[i], "--filter") && i + 1 < argc) {
+      o.filter = argv[++i];
+    } else if (!std::strcmp(argv[i], "--orb") && i + 1 < argc) {
+      orb_path = argv[++i];
+    } else if (!std::strcmp(argv[i], "--base") && i + 1 < argc) {
+      base_path = argv[++i];
+    } else {
+      std::fprintf(stderr,
+                   "usage: lapack_compare [--threads 1,2] [--filter getrf] [--sizes 256,1000]\n"
+                   "                      [--quick] [--orb liborb.so] [--base other/liborb.so]\n");
+      return 2;
+    }
+  }
+  if (quick)
+    o.sizes.erase(std::remove_if(o.sizes.begin(), o.sizes.end(), [](int n) { return n > 2000; }),
+                  o.sizes.end());
+  o.sizes.erase(std::remove_if(o.sizes.begin(), o.sizes.end(), [](int n) { return n < 1; }),
+                o.sizes.end());
+  o.threads.erase(std::remove_if(o.threads.begin(), o.threads.end(), [](int t) { return t < 1; }),
+                  o.threads.end());
+  if (o.sizes.empty() || o.threads.empty()) return 2;
+
+  const std::vector<Library> libs = load_libraries(orb_path, base_path);
+  if (libs.empty()) return 1;
+  std::printf("Each library in a link-map namespace of its own:\n");
+  for (const Library &l : libs) std::printf("  %-10s %s\n", l.name.c_str(), l.description.c_str());
+  std::printf(
+      "Best of the repeats (reps; for a short call a repeat is the mean of a 40 ms burst);\n"
+      "ratio = ORB / best peer, above 1 when ORB is faster (/base: ORB / base);\n"
+      "spread = slowest / fastest repeat - 1; others = cores other processes kept busy\n"
+      "meanwhile; '-' when a library lacks the routine.\n"
+      "sgetrf 2/3 n^3 flops (cgetrf 4 times that), sgetrs 2 n^2 nrhs with nrhs = %d,\n"
+      "sgecon (norm '1') in microseconds per call.\n",
+      o.nrhs);
+  print_header(libs);
+  getrf_rows<float>(libs, o, "sgetrf");
+  getrf_rows<c8>(libs, o, "cgetrf");
+  factored_rows(libs, o, "sgetrs", getrs_rows);
+  factored_rows(libs, o, "sgecon", gecon_rows);
+  return 0;
+}
