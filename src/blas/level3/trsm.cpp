@@ -35,7 +35,9 @@ int block_for(int m) {
 }
 
 // C V = alpha V as the kernels of blas/kernel/trsm.h define it, for any
-// scalar type, with C of leading dimension kOrder<T>.
+// scalar type, with C of leading dimension kOrder<T>. Complex products are
+// formed component by component (the language's product checks every
+// result for NaN, which costs more than the arithmetic here).
 template <class T>
 void solve_block(int m, int upper, int unit, T alpha, const T *c, T *v) {
   constexpr int ld = kOrder<T>;
@@ -44,11 +46,11 @@ void solve_block(int m, int upper, int unit, T alpha, const T *c, T *v) {
     const int t0 = upper ? s + 1 : 0, t1 = upper ? m : s;
     T *vs = v + s * kLanes;
     if (alpha != T(1))
-      for (int l = 0; l < kLanes; ++l) vs[l] *= alpha;
+      for (int l = 0; l < kLanes; ++l) vs[l] = mul(vs[l], alpha);
     for (int t = t0; t < t1; ++t) {
       const T cst = c[s + t * ld];
       const T *vt = v + t * kLanes;
-      for (int l = 0; l < kLanes; ++l) vs[l] -= cst * vt[l];
+      for (int l = 0; l < kLanes; ++l) vs[l] -= mul(cst, vt[l]);
     }
     if (!unit) {
       const T css = c[s + s * ld];
