@@ -67,8 +67,18 @@ endforeach()
 
 # LAPACK's linear-equation and eigenvalue testers on the default path and on
 # the generic kernels, with the inputs LAPACK's own test list gives them.
+# The single-precision ones also on the general, band and triangular paths at
+# orders that take the threaded factorizations.
+include(${CMAKE_CURRENT_LIST_DIR}/lapack/orders_input.cmake)
 foreach(_p s c d z)
-  orb_reference_win32(xlintst${_p} default,0 ${_p}test.in)
+  set(_lin ${_p}test.in)
+  if(_p STREQUAL "s" OR _p STREQUAL "c")
+    string(TOUPPER ${_p} _up)
+    set(_orders ${CMAKE_CURRENT_BINARY_DIR}/${_p}test_ge_gb_tr.in)
+    orb_lapack_orders_input(${_kit}/input/${_p}test.in ${_up} ${_orders})
+    list(APPEND _lin ${_orders})
+  endif()
+  orb_reference_win32(xlintst${_p} default,0 ${_lin})
   set(_eig nep.in sep.in se2.in svd.in glm.in gqr.in gsv.in csd.in lse.in)
   foreach(_i ec ed gg gd sb sg bal bak gbal gbak bb)
     list(APPEND _eig ${_p}${_i}.in)
