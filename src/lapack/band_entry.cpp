@@ -1,0 +1,60 @@
+// The exported general band LAPACK routines: the LU factorization (through
+// sgbtrf_omp and cgbtrf_omp).
+#include <cstdint>
+#include <type_traits>
+
+#include "blas/complex_abi.h"
+#include "common/options.h"
+#include "lapack/band.h"
+#include "orb.h"
+#include "service/check.h"
+#include "service/entry.h"
+
+namespace {
+
+namespace ck = orb::check;
+using orb::Norm;
+using orb::Op;
+using orb::option;
+using orb::blas::cx;
+using orb::entry::NoWorkspace;
+
+// Argument `pos` (a band's leading dimension) >= (extra + 1) KL + KU + 1,
+// KL and KU being arguments 3 and 4: extra = 1 for factors, with room for
+// the fill-in, 0 for the matrix itself.
+template <int pos, int extra>
+bool band_ld(ck::Args args) {
+  const std::int64_t need =
+      std::int64_t{extra + 1} * ck::int_arg(args, 3) + ck::int_arg(args, 4) + 1;
+  return ck::int_arg(args, pos) >= need;
+}
+constexpr ck::Test kGbtrf[] = {ck::nonneg(1), ck::nonneg(2), ck::nonneg(3), ck::nonneg(4),
+                               ck::holds(6, band_ld<6, 1>)};
+constexpr auto kSgbtrf = orb::entry::lapack_checker("SGBTRF", kGbtrf);
+constexpr auto kCgbtrf = orb::entry::lapack_checker("CGBTRF", kGbtrf);
+
+// The templates with the published argument lists, read once the checks
+// passed. The real routines' integer work array and the complex routines'
+// real one arrive as `extra`.
+template <class T>
+void gbtrf(const int *m, const int *n, const int *kl, const int *ku, T *ab, const int *ldab,
+           int *ipiv, int *info) {
+  *info = orb::lapack::gbtrf(*m, *n, *kl, *ku, ab, *ldab, ipiv);
+}
+
+}  // namespace
+
+extern "C" {
+
+ORB_API void sgbtrf(const int *m, const int *n, const int *kl, const int *ku, float *ab,
+                    const int *ldab, int *ipiv, int *info) {
+  orb::entry::lapack(kSgbtrf, NoWorkspace{}, gbtrf<float>, m, n, kl, ku, ab, ldab, ipiv, info);
+}
+
+ORB_API void cgbtrf(const int *m, const int *n, const int *kl, const int *ku, orb_complex8 *ab,
+                    const int *ldab, int *ipiv, int *info) {
+  orb::entry::lapack(kCgbtrf, NoWorkspace{}, gbtrf<orb::c8>, m, n, kl, ku, cx(ab), ldab, ipiv,
+                     info);
+}
+
+}  // extern "C"
