@@ -1,5 +1,6 @@
 // General band matrices: the LU factorization with partial pivoting (modules
-// sgbtrf_omp and cgbtrf_omp). Band
+// sgbtrf_omp and cgbtrf_omp) and the solves with its factors (module
+// xgbtrs_omp). Band
 // storage as the published routines lay it out, 0-based here: A(i, j) at
 // ab[ku + i - j + j ldab] for the matrix itself, at ab[kl + ku + i - j + j
 // ldab] for the factorization's input (kl rows on top for the fill-in);
@@ -45,5 +46,28 @@ int gbtrf(int m, int n, int kl, int ku, T *ab, int ldab, int *ipiv);
 // The path the calling thread's last gbtrf took (for tests).
 enum class GbtrfPath { kNone, kUnblocked, kBlocked, kThreaded };
 GbtrfPath gbtrf_last_path();
+
+// ---- solves with the factors ---------------------------------------------------------
+
+// Band triangular solve with one right-hand side (xTBSV, increment 1):
+// x := op(A)^-1 x, A of order n with kd off-diagonals in band storage.
+template <class T>
+void tbsv(Uplo uplo, Op trans, Diag diag, int n, int kd, const T *ab, int ldab, T *x);
+
+// op(A) X = B with the factors of gbtrf for columns [c0, c1) of B, one
+// column after the other: the published solve.
+template <class T>
+void gbtrs_columns(Op trans, int n, int kl, int ku, const T *ab, int ldab, const int *ipiv, T *b,
+                   int ldb, int c0, int c1);
+
+// The solve behind xGBTRS: the columns split over threads when the oracle
+// finds enough of them; each column gets the same bits either way.
+template <class T>
+void gbtrs(Op trans, int n, int kl, int ku, int nrhs, const T *ab, int ldab, const int *ipiv, T *b,
+           int ldb);
+
+// The split the calling thread's last gbtrs used: its team size (1: serial,
+// 0: nothing to solve).
+int gbtrs_last_team();
 
 }  // namespace orb::lapack

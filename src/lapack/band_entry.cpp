@@ -1,5 +1,5 @@
 // The exported general band LAPACK routines: the LU factorization (through
-// sgbtrf_omp and cgbtrf_omp).
+// sgbtrf_omp and cgbtrf_omp) and the solve (xgbtrs_omp).
 #include <cstdint>
 #include <type_traits>
 
@@ -30,8 +30,13 @@ bool band_ld(ck::Args args) {
 }
 constexpr ck::Test kGbtrf[] = {ck::nonneg(1), ck::nonneg(2), ck::nonneg(3), ck::nonneg(4),
                                ck::holds(6, band_ld<6, 1>)};
+constexpr ck::Test kGbtrs[] = {ck::option(1, "NTC"),  ck::nonneg(2), ck::nonneg(3),
+                               ck::nonneg(4),         ck::nonneg(5), ck::holds(7, band_ld<7, 1>),
+                               ck::ld(10, ck::dim(2))};
 constexpr auto kSgbtrf = orb::entry::lapack_checker("SGBTRF", kGbtrf);
 constexpr auto kCgbtrf = orb::entry::lapack_checker("CGBTRF", kGbtrf);
+constexpr auto kSgbtrs = orb::entry::lapack_checker("SGBTRS", kGbtrs);
+constexpr auto kCgbtrs = orb::entry::lapack_checker("CGBTRS", kGbtrs);
 
 // The templates with the published argument lists, read once the checks
 // passed. The real routines' integer work array and the complex routines'
@@ -40,6 +45,12 @@ template <class T>
 void gbtrf(const int *m, const int *n, const int *kl, const int *ku, T *ab, const int *ldab,
            int *ipiv, int *info) {
   *info = orb::lapack::gbtrf(*m, *n, *kl, *ku, ab, *ldab, ipiv);
+}
+
+template <class T>
+void gbtrs(const char *trans, const int *n, const int *kl, const int *ku, const int *nrhs,
+           const T *ab, const int *ldab, const int *ipiv, T *b, const int *ldb, int *) {
+  orb::lapack::gbtrs(option<Op>(*trans), *n, *kl, *ku, *nrhs, ab, *ldab, ipiv, b, *ldb);
 }
 
 }  // namespace
@@ -51,10 +62,24 @@ ORB_API void sgbtrf(const int *m, const int *n, const int *kl, const int *ku, fl
   orb::entry::lapack(kSgbtrf, NoWorkspace{}, gbtrf<float>, m, n, kl, ku, ab, ldab, ipiv, info);
 }
 
+ORB_API void sgbtrs(const char *trans, const int *n, const int *kl, const int *ku, const int *nrhs,
+                    const float *ab, const int *ldab, const int *ipiv, float *b, const int *ldb,
+                    int *info, int) {
+  orb::entry::lapack(kSgbtrs, NoWorkspace{}, gbtrs<float>, trans, n, kl, ku, nrhs, ab, ldab, ipiv,
+                     b, ldb, info);
+}
+
 ORB_API void cgbtrf(const int *m, const int *n, const int *kl, const int *ku, orb_complex8 *ab,
                     const int *ldab, int *ipiv, int *info) {
   orb::entry::lapack(kCgbtrf, NoWorkspace{}, gbtrf<orb::c8>, m, n, kl, ku, cx(ab), ldab, ipiv,
                      info);
+}
+
+ORB_API void cgbtrs(const char *trans, const int *n, const int *kl, const int *ku, const int *nrhs,
+                    const orb_complex8 *ab, const int *ldab, const int *ipiv, orb_complex8 *b,
+                    const int *ldb, int *info, int) {
+  orb::entry::lapack(kCgbtrs, NoWorkspace{}, gbtrs<orb::c8>, trans, n, kl, ku, nrhs, cx(ab), ldab,
+                     ipiv, cx(b), ldb, info);
 }
 
 }  // extern "C"

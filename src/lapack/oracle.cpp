@@ -113,7 +113,7 @@ int getrf_inner(int nb) {
   return std::clamp(nb / 4, 8, 32);
 }
 
-// ---- the band LU ("GBTRF") ----------------------------------------------------------
+// ---- the band LU ("GBTRF") and its solve ("GBTRS") ------------------------------------
 
 // Query 3 for the band LU (arguments m, n, kl, ku): the row's band width,
 // or none below six column blocks, where a team gains nothing.
@@ -127,6 +127,17 @@ int gbtrf_crossover(const Row &row, int m, int n) {
 // one thread and with two.
 int gbtrf_chunk() {
   return 96;
+}
+
+// Query 3 for the band solve (arguments n, kl, ku): the fewest right-hand
+// sides worth a team, from the work of one column. A team of two halves the
+// time from about 2000 multiply-adds in all; the margin covers waking the
+// team.
+int gbtrs_crossover(int n, int kl, int ku) {
+  const double per_column = static_cast<double>(n) * (2.0 * kl + ku + 1);
+  constexpr double kTeamWork = 2.0e4;
+  const double columns = kTeamWork / std::max(per_column, 1.0);
+  return columns >= 1.0e6 ? 1000000 : std::max(2, static_cast<int>(std::ceil(columns)));
 }
 
 bool is_routine(const Name &n, const char *routine) {
@@ -161,6 +172,7 @@ int oracle(int query, const char *name, const char *opts, int n1, int n2, int n3
     case kCrossover:
       if (is_getrf(n)) return getrf_crossover(n.prec, n2, threads);
       if (is_routine(n, "GBTRF") && row) return gbtrf_crossover(*row, n1, n2);
+      if (is_routine(n, "GBTRS")) return gbtrs_crossover(n1, n2, n3);
       return row ? row->nx : 0;
     case kShifts:
       return 6;

@@ -1,7 +1,8 @@
 // The band LU: its threaded schedule against its serial run and both
 // against the column-by-column factorization, on random, graded and
-// singular band matrices of awkward shapes; the paths the oracle's answers
-// choose; the entries' argument checks.
+// singular band matrices of awkward shapes; the band solve's split of the
+// right-hand sides against the serial solve; the paths the oracle's
+// answers choose; the entries' argument checks.
 #include <gtest/gtest.h>
 #include <omp.h>
 
@@ -179,6 +180,43 @@ TYPED_TEST(Band, FactorizationPathFollowsTheOracle) {
   EXPECT_EQ(lp::gbtrf_last_path(), GbtrfPath::kBlocked);
 }
 
+// The solve with several right-hand sides gives each column the bits of
+// the serial solve, splits only from the oracle's crossover on and not
+// inside a parallel region, and solves.
+TYPED_TEST(Band, SolveSplitGivesTheSerialBits) {
+  using T = TypeParam;
+  const Shape s{260, 260, 14, 9};
+  const int cross = lp::oracle(lp::kCrossover, lp::name<T>("GBTRS"), s.n, s.kl, s.ku, -1);
+  ASSERT_LT(cross, 200);
+  Random rng(3);
+  const Matrix<T> a = band<T>(s, Kind::kRandom, rng);
+  const Lu<T> f = factor(a, s, 0, 1);
+  ORB_Set_Num_Threads(2);
+  for (Op op : {Op::kNone, Op::kTrans, Op::kConjTrans})
+    for (int nrhs : {std::max(cross - 1, 1), cross, cross + 5}) {
+      SCOPED_TRACE(testing::Message() << "trans " << orb::letter(op) << " nrhs " << nrhs);
+      const Matrix<T> b = orb::test::random_matrix<T>(s.n, nrhs, rng, s.n + 2);
+      Matrix<T> serial = b, split = b;
+      for (int c = 0; c < nrhs; ++c)
+        lp::gbtrs_columns(op, s.n, s.kl, s.ku, f.ab.data(), f.ab.ld, f.ipiv.data(), serial.data(),
+                          serial.ld, c, c + 1);
+      lp::gbtrs(op, s.n, s.kl, s.ku, nrhs, f.ab.data(), f.ab.ld, f.ipiv.data(), split.data(),
+                split.ld);
+      EXPECT_EQ(lp::gbtrs_last_team(), nrhs >= cross ? 2 : 1);
+      EXPECT_TRUE(same_bits(split, serial));
+      EXPECT_LT(orb::test::solve_residual(orb::letter(op), a, split, b), 30.0);
+      int teams = 0;
+#pragma omp parallel num_threads(2) reduction(+ : teams)
+      {
+        Matrix<T> x = b;
+        lp::gbtrs(op, s.n, s.kl, s.ku, nrhs, f.ab.data(), f.ab.ld, f.ipiv.data(), x.data(), x.ld);
+        teams += lp::gbtrs_last_team() == 1 && same_bits(x, serial);
+      }
+      EXPECT_EQ(teams, 2);
+    }
+  ORB_Set_Num_Threads(1);
+}
+
 // ---- the entries' argument checks ------------------------------------------------
 
 // A call of one band entry on n = 4, kl = 1, ku = 2 and two right-hand
@@ -188,7 +226,7 @@ struct Call {
   int m = 4, n = 4, kl = 1, ku = 2, nrhs = 2, ldab = 5, ldafb = 5, ldb = 4, ldx = 4;
   float anorm = 1;
 };
-enum class Entry { kTrf };
+enum class Entry { kTrf, kTrs };
 
 // The exported entries of one precision on factors that are the identity
 // (and A = I for the refinement), so that every accepted call succeeds.
@@ -206,12 +244,17 @@ class Entries {
   // INFO of the call, and what it printed.
   int run(Entry e, const Call &c, std::string *out) {
     int info = 12345;
+    const char o = c.opt;
     testing::internal::CaptureStdout();
     auto p = [](T *v) { return reinterpret_cast<P *>(v); };
     if constexpr (orb::is_complex_v<T>) {
       if (e == Entry::kTrf) cgbtrf(&c.m, &c.n, &c.kl, &c.ku, p(fac_), &c.ldab, ipiv_, &info);
+      if (e == Entry::kTrs)
+        cgbtrs(&o, &c.n, &c.kl, &c.ku, &c.nrhs, p(fac_), &c.ldab, ipiv_, p(b_), &c.ldb, &info, 1);
     } else {
       if (e == Entry::kTrf) sgbtrf(&c.m, &c.n, &c.kl, &c.ku, fac_, &c.ldab, ipiv_, &info);
+      if (e == Entry::kTrs)
+        sgbtrs(&o, &c.n, &c.kl, &c.ku, &c.nrhs, fac_, &c.ldab, ipiv_, b_, &c.ldb, &info, 1);
     }
     *out = testing::internal::GetCapturedStdout();
     return info;
@@ -247,8 +290,9 @@ struct Spoil {
 TYPED_TEST(Band, EntriesCheckInThePublishedOrder) {
   using T = TypeParam;
   const char p = orb::lapack::precision_letter<T>();
-  const Spoil n{2, [](Call &c) { c.n = -1; }}, kl{3, [](Call &c) { c.kl = -1; }},
-      ku{4, [](Call &c) { c.ku = -1; }};
+  const Spoil opt{1, [](Call &c) { c.opt = 'X'; }}, n{2, [](Call &c) { c.n = -1; }},
+      kl{3, [](Call &c) { c.kl = -1; }}, ku{4, [](Call &c) { c.ku = -1; }},
+      nrhs{5, [](Call &c) { c.nrhs = -1; }};
   auto ldab = [](int code, int rows) {
     return Spoil{code, rows == 4 ? [](Call &c) { c.ldab = 4; } : [](Call &c) { c.ldab = 3; }};
   };
@@ -258,7 +302,11 @@ TYPED_TEST(Band, EntriesCheckInThePublishedOrder) {
     std::vector<Spoil> spoils;
     const char *spellings;
   } routines[] = {
-      {Entry::kTrf, "GBTRF", {{1, [](Call &c) { c.m = -1; }}, n, kl, ku, ldab(6, 4)}, "N"}};
+      {Entry::kTrf, "GBTRF", {{1, [](Call &c) { c.m = -1; }}, n, kl, ku, ldab(6, 4)}, "N"},
+      {Entry::kTrs,
+       "GBTRS",
+       {opt, n, kl, ku, nrhs, ldab(7, 4), {10, [](Call &c) { c.ldb = 3; }}},
+       "ntc"}};
   for (const auto &r : routines) {
     SCOPED_TRACE(r.name);
     Entries<T> e;
