@@ -1,6 +1,6 @@
 // General band matrices: the LU factorization with partial pivoting (modules
-// sgbtrf_omp and cgbtrf_omp) and the solves with its factors (module
-// xgbtrs_omp). Band
+// sgbtrf_omp and cgbtrf_omp), the solves with its factors (module
+// xgbtrs_omp), the condition estimate and the iterative refinement. Band
 // storage as the published routines lay it out, 0-based here: A(i, j) at
 // ab[ku + i - j + j ldab] for the matrix itself, at ab[kl + ku + i - j + j
 // ldab] for the factorization's input (kl rows on top for the fill-in);
@@ -69,5 +69,24 @@ void gbtrs(Op trans, int n, int kl, int ku, int nrhs, const T *ab, int ldab, con
 // The split the calling thread's last gbtrs used: its team size (1: serial,
 // 0: nothing to solve).
 int gbtrs_last_team();
+
+// ---- condition and refinement --------------------------------------------------------
+
+// Reciprocal condition number in the 1-norm (kOne) or infinity norm
+// (kInfinity) from the factors and the norm of A (xGBCON). `work` holds 3n
+// values for real T, 2n for complex; `iwork` n integers (real T) and
+// `rwork` n reals (complex T). Returns INFO (0).
+template <class T>
+int gbcon(Norm norm, int n, int kl, int ku, const T *ab, int ldab, const int *ipiv, real_t<T> anorm,
+          real_t<T> *rcond, T *work, int *iwork, real_t<T> *rwork);
+
+// Iterative refinement of the solutions X of op(A) X = B with error bounds
+// (xGBRFS): `ab` holds A (ldab >= kl + ku + 1), `afb` its factors. `work`
+// holds 3n values for real T, 2n for complex; `iwork` n integers (real T),
+// `rwork` n reals (complex T).
+template <class T>
+void gbrfs(Op trans, int n, int kl, int ku, int nrhs, const T *ab, int ldab, const T *afb,
+           int ldafb, const int *ipiv, const T *b, int ldb, T *x, int ldx, real_t<T> *ferr,
+           real_t<T> *berr, T *work, int *iwork, real_t<T> *rwork);
 
 }  // namespace orb::lapack

@@ -226,7 +226,7 @@ struct Call {
   int m = 4, n = 4, kl = 1, ku = 2, nrhs = 2, ldab = 5, ldafb = 5, ldb = 4, ldx = 4;
   float anorm = 1;
 };
-enum class Entry { kTrf, kTrs };
+enum class Entry { kTrf, kTrs, kCon, kRfs };
 
 // The exported entries of one precision on factors that are the identity
 // (and A = I for the refinement), so that every accepted call succeeds.
@@ -251,10 +251,22 @@ class Entries {
       if (e == Entry::kTrf) cgbtrf(&c.m, &c.n, &c.kl, &c.ku, p(fac_), &c.ldab, ipiv_, &info);
       if (e == Entry::kTrs)
         cgbtrs(&o, &c.n, &c.kl, &c.ku, &c.nrhs, p(fac_), &c.ldab, ipiv_, p(b_), &c.ldb, &info, 1);
+      if (e == Entry::kCon)
+        cgbcon(&o, &c.n, &c.kl, &c.ku, p(fac_), &c.ldab, ipiv_, &c.anorm, &rcond_, p(work_), extra_,
+               &info, 1);
+      if (e == Entry::kRfs)
+        cgbrfs(&o, &c.n, &c.kl, &c.ku, &c.nrhs, p(mat_), &c.ldab, p(fac_), &c.ldafb, ipiv_, p(b_),
+               &c.ldb, p(x_), &c.ldx, ferr_, berr_, p(work_), extra_, &info, 1);
     } else {
       if (e == Entry::kTrf) sgbtrf(&c.m, &c.n, &c.kl, &c.ku, fac_, &c.ldab, ipiv_, &info);
       if (e == Entry::kTrs)
         sgbtrs(&o, &c.n, &c.kl, &c.ku, &c.nrhs, fac_, &c.ldab, ipiv_, b_, &c.ldb, &info, 1);
+      if (e == Entry::kCon)
+        sgbcon(&o, &c.n, &c.kl, &c.ku, fac_, &c.ldab, ipiv_, &c.anorm, &rcond_, work_, extra_,
+               &info, 1);
+      if (e == Entry::kRfs)
+        sgbrfs(&o, &c.n, &c.kl, &c.ku, &c.nrhs, mat_, &c.ldab, fac_, &c.ldafb, ipiv_, b_, &c.ldb,
+               x_, &c.ldx, ferr_, berr_, work_, extra_, &info, 1);
     }
     *out = testing::internal::GetCapturedStdout();
     return info;
@@ -306,6 +318,22 @@ TYPED_TEST(Band, EntriesCheckInThePublishedOrder) {
       {Entry::kTrs,
        "GBTRS",
        {opt, n, kl, ku, nrhs, ldab(7, 4), {10, [](Call &c) { c.ldb = 3; }}},
+       "ntc"},
+      {Entry::kCon,
+       "GBCON",
+       {opt, n, kl, ku, ldab(6, 4), {8, [](Call &c) { c.anorm = -1; }}},
+       "1oOi"},
+      {Entry::kRfs,
+       "GBRFS",
+       {opt,
+        n,
+        kl,
+        ku,
+        nrhs,
+        ldab(7, 3),
+        {9, [](Call &c) { c.ldafb = 4; }},
+        {12, [](Call &c) { c.ldb = 3; }},
+        {14, [](Call &c) { c.ldx = 3; }}},
        "ntc"}};
   for (const auto &r : routines) {
     SCOPED_TRACE(r.name);
