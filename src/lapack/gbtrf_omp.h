@@ -37,6 +37,7 @@
 #include <atomic>
 #include <cstddef>
 #include <cstdint>
+#include <thread>
 
 #include "lapack/auxiliary.h"
 #include "lapack/band.h"
@@ -227,10 +228,34 @@ class BandLu {
         if (c >= count) break;
         update(k, start + c, start + std::min(c + chunk_, count), scratch(tid));
       }
-      if (team > 1) {
-#pragma omp barrier
-      }
+      if (team > 1) barrier(team);
     }
+  }
+
+  // The end of a block: each thread waits for the others, spinning briefly
+  // and then giving the processor away, which the thread it waits for may
+  // need on a busy machine. The last to arrive opens the next round; the
+  // counter's read-modify-writes and the round's release and acquire order
+  // every thread's writes of the block before everyone's reads after it.
+  void barrier(int team) {
+    const int round = round_.load(std::memory_order_acquire);
+    if (arrived_.fetch_add(1, std::memory_order_acq_rel) == team - 1) {
+      arrived_.store(0, std::memory_order_relaxed);
+      round_.store(round + 1, std::memory_order_release);
+      return;
+    }
+    for (int idle = 0; round_.load(std::memory_order_acquire) == round; ++idle) {
+      if (idle < 64)
+        pause();
+      else
+        std::this_thread::yield();
+    }
+  }
+
+  static void pause() {
+#if defined(__i386__) || defined(__x86_64__)
+    __builtin_ia32_pause();
+#endif
   }
 
   const int m_, n_, mn_, kl_, ku_, kv_, nb_, ldp_, chunk_, steps_count_;
@@ -240,6 +265,7 @@ class BandLu {
   T *const work_;
   Step steps_[2] = {};
   std::atomic<int> next_[2] = {0, 0};
+  std::atomic<int> arrived_{0}, round_{0};
   int info_ = 0;
   int ju_ = 0;
 };
