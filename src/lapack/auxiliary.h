@@ -82,4 +82,13 @@ real_t<T> lantr(Norm norm, Uplo uplo, Diag diag, int m, int n, const T *a, int l
 template <class T>
 void rscl(int n, real_t<T> a, T *x);
 
+// Band triangular solve with scaling (xLATBS): solves op(A) x = s b for x
+// and the scale s <= 1 (*scale) chosen to keep x from overflowing, A of order
+// n with kd off-diagonals in band storage. cnorm holds the 1-norms of the
+// off-diagonal part of each column: computed here unless `normin` says they
+// are given. A zero diagonal element gives s = 0 and a solution of A x = 0.
+template <class T>
+void latbs(Uplo uplo, Op trans, Diag diag, bool normin, int n, int kd, const T *ab, int ldab, T *x,
+           real_t<T> *scale, real_t<T> *cnorm);
+
 }  // namespace orb::lapack

@@ -653,6 +653,117 @@ Cases trtri(const char *name,
   return out;
 }
 
+// Band shapes (m, n, kl, ku): column by column, blocked, and blocked with a
+// team (past the band LU's crossover at two threads).
+struct BandShape {
+  int m, n, kl, ku;
+};
+const std::vector<BandShape> kBand = {
+    {1, 1, 0, 0}, {17, 13, 2, 3}, {13, 17, 5, 1}, {70, 70, 33, 4}, {200, 200, 40, 40}};
+
+template <class T>
+using BandLu = void (*)(const int *, const int *, const int *, const int *, T *, const int *, int *,
+                        int *);
+template <class T>
+using BandSolve = void (*)(const char *, const int *, const int *, const int *, const int *,
+                           const T *, const int *, const int *, T *, const int *, int *, int);
+
+template <class T>
+Cases gbtrf(const char *name, BandLu<T> f) {
+  Cases out;
+  for (auto [m, n, kl, ku] : kBand) {
+    const int ldab = 2 * kl + ku + 3, k = std::min(m, n);
+    out.push_back(
+        {label(name, m, n, kl, ku),
+         {matrix<T>(ldab - 2, n, ldab, true), matrix<int>(k, 1, k, true), scalar<int>(true)},
+         [=](void *const *p) {
+           f(&m, &n, &kl, &ku, at<T>(p, 0), &ldab, at<int>(p, 1), at<int>(p, 2));
+         }});
+  }
+  return out;
+}
+
+// gbtrs on the factors of a random band matrix, made in the call; three
+// right-hand sides, enough for the split on the widest band.
+template <class T>
+Cases gbtrs(const char *name, BandLu<T> trf, BandSolve<T> f) {
+  Cases out;
+  for (char t : {'N', 'T', 'C'})
+    for (auto [m, n, kl, ku] : kBand) {
+      if (m != n) continue;
+      const int ldab = 2 * kl + ku + 2, ldb = n + 2, nrhs = 3;
+      out.push_back({label(name, t, n, kl, ku),
+                     {matrix<T>(ldab - 1, n, ldab, true), matrix<int>(n, 1, n, true),
+                      matrix<T>(n, nrhs, ldb, true), scalar<int>(true)},
+                     [=](void *const *p) {
+                       trf(&n, &n, &kl, &ku, at<T>(p, 0), &ldab, at<int>(p, 1), at<int>(p, 3));
+                       f(&t, &n, &kl, &ku, &nrhs, at<T>(p, 0), &ldab, at<int>(p, 1), at<T>(p, 2),
+                         &ldb, at<int>(p, 3), 1);
+                     }});
+    }
+  return out;
+}
+
+// gbcon on factors made in the call; X is the integer or real work array.
+template <class T, class X>
+Cases gbcon(const char *name, BandLu<T> trf,
+            void (*f)(const char *, const int *, const int *, const int *, const T *, const int *,
+                      const int *, const float *, float *, T *, X *, int *, int)) {
+  Cases out;
+  for (char norm : {'1', 'I'})
+    for (auto [m, n, kl, ku] : kBand) {
+      if (m != n) continue;
+      const int ldab = 2 * kl + ku + 2;
+      out.push_back(
+          {label(name, norm, n, kl, ku),
+           {matrix<T>(ldab - 1, n, ldab, true), matrix<int>(n, 1, n, true), scalar<float>(true),
+            vector<T>(3 * n, 1, true), vector<X>(n, 1, true), scalar<int>(true)},
+           [=](void *const *p) {
+             const float anorm = 2.5f * static_cast<float>(kl + ku + 1);
+             trf(&n, &n, &kl, &ku, at<T>(p, 0), &ldab, at<int>(p, 1), at<int>(p, 5));
+             f(&norm, &n, &kl, &ku, at<T>(p, 0), &ldab, at<int>(p, 1), &anorm, at<float>(p, 2),
+               at<T>(p, 3), at<X>(p, 4), at<int>(p, 5), 1);
+           }});
+    }
+  return out;
+}
+
+// gbrfs: A, its factors and a first solution made in the call, then the
+// refinement; X is the integer or real work array.
+template <class T, class X>
+Cases gbrfs(const char *name, BandLu<T> trf, BandSolve<T> trs,
+            void (*f)(const char *, const int *, const int *, const int *, const int *, const T *,
+                      const int *, const T *, const int *, const int *, const T *, const int *, T *,
+                      const int *, float *, float *, T *, X *, int *, int)) {
+  Cases out;
+  for (char t : {'N', 'T', 'C'})
+    for (auto [m, n, kl, ku] : kBand) {
+      if (m != n) continue;
+      const int lda = kl + ku + 2, ldf = 2 * kl + ku + 2, ldb = n + 1, ldx = n + 3, nrhs = 2;
+      out.push_back({label(name, t, n, kl, ku),
+                     {matrix<T>(lda - 1, n, lda), matrix<T>(ldf - 1, n, ldf, true),
+                      matrix<int>(n, 1, n, true), matrix<T>(n, nrhs, ldb),
+                      matrix<T>(n, nrhs, ldx, true), vector<float>(2 * nrhs, 1, true),
+                      vector<T>(3 * n, 1, true), vector<X>(n, 1, true), scalar<int>(true)},
+                     [=](void *const *p) {
+                       const T *a = at<T>(p, 0), *b = at<T>(p, 3);
+                       T *af = at<T>(p, 1), *x = at<T>(p, 4);
+                       for (int j = 0; j < n; ++j)
+                         for (int r = 0; r < kl + ku + 1; ++r)
+                           af[kl + r + j * ldf] = a[r + j * lda];
+                       for (int j = 0; j < nrhs; ++j)
+                         for (int i = 0; i < n; ++i) x[i + j * ldx] = b[i + j * ldb];
+                       int *ipiv = at<int>(p, 2), *info = at<int>(p, 8);
+                       float *err = at<float>(p, 5);
+                       trf(&n, &n, &kl, &ku, af, &ldf, ipiv, info);
+                       trs(&t, &n, &kl, &ku, &nrhs, af, &ldf, ipiv, x, &ldx, info, 1);
+                       f(&t, &n, &kl, &ku, &nrhs, a, &lda, af, &ldf, ipiv, b, &ldb, x, &ldx, err,
+                         err + nrhs, at<T>(p, 6), at<X>(p, 7), info, 1);
+                     }});
+    }
+  return out;
+}
+
 // Every exported LAPACK routine, one line each.
 Cases every_lapack_routine() {
   Cases all;
@@ -664,6 +775,10 @@ Cases every_lapack_routine() {
   add(gecon("sgecon", sgecon)), add(gecon("cgecon", cgecon));
   add(trtri("strtri", strtri)), add(trtri("ctrtri", ctrtri));
   add(trtrs("strtrs", strtrs)), add(trtrs("ctrtrs", ctrtrs));
+  add(gbtrf("sgbtrf", sgbtrf)), add(gbtrf("cgbtrf", cgbtrf));
+  add(gbtrs("sgbtrs", sgbtrf, sgbtrs)), add(gbtrs("cgbtrs", cgbtrf, cgbtrs));
+  add(gbcon("sgbcon", sgbtrf, sgbcon)), add(gbcon("cgbcon", cgbtrf, cgbcon));
+  add(gbrfs("sgbrfs", sgbtrf, sgbtrs, sgbrfs)), add(gbrfs("cgbrfs", cgbtrf, cgbtrs, cgbrfs));
   return all;
 }
 
