@@ -27,8 +27,8 @@ enum Query : int {
   kNanSafe = 10,      // comparisons with NaN behave as IEEE says
   kInfSafe = 11,      // arithmetic with infinities behaves as IEEE says
   kLookahead = 17,    // threaded factorizations: panels factored ahead of the updates
-  kChunk = 18,        // threaded factorizations: column blocks per update task
-  kInnerBlock = 19,   // threaded factorizations: the inner block of a panel
+  kChunk = 18,  // threaded factorizations: an update task's width (blocks; columns for the band LU)
+  kInnerBlock = 19,  // threaded factorizations: the inner block of a panel
 };
 
 // ILAENV's argument list; -1 for a query the oracle does not know.
