@@ -7,6 +7,7 @@
 #include "blas/complex_abi.h"
 #include "common/options.h"
 #include "lapack/band.h"
+#include "lapack/entry_args.h"
 #include "orb.h"
 #include "service/check.h"
 #include "service/entry.h"
@@ -82,14 +83,8 @@ template <class T, class Extra>
 void gbcon(const char *norm, const int *n, const int *kl, const int *ku, const T *ab,
            const int *ldab, const int *ipiv, const float *anorm, float *rcond, T *work,
            Extra *extra, int *info) {
-  int *iwork = nullptr;
-  float *rwork = nullptr;
-  if constexpr (std::is_same_v<Extra, int>)
-    iwork = extra;
-  else
-    rwork = extra;
   *info = orb::lapack::gbcon(option<Norm>(*norm), *n, *kl, *ku, ab, *ldab, ipiv, *anorm, rcond,
-                             work, iwork, rwork);
+                             work, orb::lapack::iwork_of(extra), orb::lapack::rwork_of(extra));
 }
 
 template <class T, class Extra>
@@ -97,14 +92,9 @@ void gbrfs(const char *trans, const int *n, const int *kl, const int *ku, const 
            const T *ab, const int *ldab, const T *afb, const int *ldafb, const int *ipiv,
            const T *b, const int *ldb, T *x, const int *ldx, float *ferr, float *berr, T *work,
            Extra *extra, int *) {
-  int *iwork = nullptr;
-  float *rwork = nullptr;
-  if constexpr (std::is_same_v<Extra, int>)
-    iwork = extra;
-  else
-    rwork = extra;
   orb::lapack::gbrfs(option<Op>(*trans), *n, *kl, *ku, *nrhs, ab, *ldab, afb, *ldafb, ipiv, b, *ldb,
-                     x, *ldx, ferr, berr, work, iwork, rwork);
+                     x, *ldx, ferr, berr, work, orb::lapack::iwork_of(extra),
+                     orb::lapack::rwork_of(extra));
 }
 
 }  // namespace

@@ -7,6 +7,7 @@
 
 #include "blas/complex_abi.h"
 #include "lapack/auxiliary.h"
+#include "lapack/entry_args.h"
 #include "lapack/general.h"
 #include "lapack/getrf.h"
 #include "orb.h"
@@ -70,13 +71,8 @@ void getri(const int *n, T *a, const int *lda, const int *ipiv, T *work, const i
 template <class T, class Extra>
 void gecon(const char *norm, const int *n, const T *a, const int *lda, const real_t<T> *anorm,
            real_t<T> *rcond, T *work, Extra *extra, int *) {
-  real_t<T> *rwork = nullptr;
-  int *iwork = nullptr;
-  if constexpr (std::is_same_v<Extra, int>)
-    iwork = extra;
-  else
-    rwork = extra;
-  orb::lapack::gecon(option<orb::Norm>(*norm), *n, a, *lda, *anorm, rcond, work, rwork, iwork);
+  orb::lapack::gecon(option<orb::Norm>(*norm), *n, a, *lda, *anorm, rcond, work,
+                     orb::lapack::rwork_of(extra), orb::lapack::iwork_of(extra));
 }
 
 template <class T>
@@ -90,14 +86,8 @@ template <class T, class Extra>
 void gerfs(const char *trans, const int *n, const int *nrhs, const T *a, const int *lda,
            const T *af, const int *ldaf, const int *ipiv, const T *b, const int *ldb, T *x,
            const int *ldx, real_t<T> *ferr, real_t<T> *berr, T *work, Extra *extra, int *) {
-  real_t<T> *rwork = nullptr;
-  int *iwork = nullptr;
-  if constexpr (std::is_same_v<Extra, int>)
-    iwork = extra;
-  else
-    rwork = extra;
   orb::lapack::gerfs(option<Op>(*trans), *n, *nrhs, a, *lda, af, *ldaf, ipiv, b, *ldb, x, *ldx,
-                     ferr, berr, work, rwork, iwork);
+                     ferr, berr, work, orb::lapack::rwork_of(extra), orb::lapack::iwork_of(extra));
 }
 
 template <class T>
