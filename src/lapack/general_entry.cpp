@@ -23,13 +23,7 @@ using orb::blas::cx;
 using orb::entry::NoWorkspace;
 namespace check = orb::check;
 
-constexpr orb::check::Test kGetrf[] = {orb::check::nonneg(1), orb::check::nonneg(2),
-                                       orb::check::ld(4, orb::check::dim(1))};
-constexpr auto kSgetrf = orb::entry::lapack_checker("SGETRF", kGetrf);
-constexpr auto kCgetrf = orb::entry::lapack_checker("CGETRF", kGetrf);
-constexpr auto kDgetrf = orb::entry::lapack_checker("DGETRF", kGetrf);
-constexpr auto kZgetrf = orb::entry::lapack_checker("ZGETRF", kGetrf);
-
+// The LU makes its own checks (xgetrf_omp): its entries set the hook and call it.
 constexpr check::Test kGetrs[] = {check::option(1, "NTC"), check::nonneg(2), check::nonneg(3),
                                   check::ld(5, check::dim(2)), check::ld(8, check::dim(2))};
 constexpr auto kSgetrs = orb::entry::lapack_checker("SGETRS", kGetrs);
@@ -101,13 +95,13 @@ void laswp(const int *n, T *a, const int *lda, const int *k1, const int *k2, con
 extern "C" {
 
 ORB_API void sgetrf(const int *m, const int *n, float *a, const int *lda, int *ipiv, int *info) {
-  orb::entry::lapack(kSgetrf, NoWorkspace{}, orb::lapack::orb_lapack_sgetrf, m, n, a, lda, ipiv,
+  orb::entry::lapack(orb::entry::kNoChecks, orb::lapack::orb_lapack_sgetrf, m, n, a, lda, ipiv,
                      info);
 }
 
 ORB_API void cgetrf(const int *m, const int *n, orb_complex8 *a, const int *lda, int *ipiv,
                     int *info) {
-  orb::entry::lapack(kCgetrf, NoWorkspace{}, orb::lapack::orb_lapack_cgetrf, m, n, cx(a), lda, ipiv,
+  orb::entry::lapack(orb::entry::kNoChecks, orb::lapack::orb_lapack_cgetrf, m, n, cx(a), lda, ipiv,
                      info);
 }
 
@@ -166,13 +160,13 @@ ORB_API void cgerfs(const char *trans, const int *n, const int *nrhs, const orb_
 }
 
 ORB_API void DGETRF(const int *m, const int *n, double *a, const int *lda, int *ipiv, int *info) {
-  orb::entry::lapack(kDgetrf, NoWorkspace{}, orb::lapack::orb_lapack_dgetrf, m, n, a, lda, ipiv,
+  orb::entry::lapack(orb::entry::kNoChecks, orb::lapack::orb_lapack_dgetrf, m, n, a, lda, ipiv,
                      info);
 }
 
 ORB_API void ZGETRF(const int *m, const int *n, orb_complex16 *a, const int *lda, int *ipiv,
                     int *info) {
-  orb::entry::lapack(kZgetrf, NoWorkspace{}, orb::lapack::orb_lapack_zgetrf, m, n, cx(a), lda, ipiv,
+  orb::entry::lapack(orb::entry::kNoChecks, orb::lapack::orb_lapack_zgetrf, m, n, cx(a), lda, ipiv,
                      info);
 }
 

@@ -81,8 +81,9 @@ inline void lapack(const LapackChecker &routine, Worksize worksize, Impl impl, A
   impl(args...);
 }
 
-// A LAPACK routine without INFO or argument checks (DLASWP, ZLACGV, ...):
-// sets the error hook, then computes.
+// A LAPACK routine without INFO or argument checks (DLASWP, ZLACGV, ...),
+// or one that makes its own (the LU, whose threaded layer is also called
+// inside the library): sets the error hook, then calls it.
 struct NoChecks {};
 inline constexpr NoChecks kNoChecks{};
 template <class Impl, class... Args>
