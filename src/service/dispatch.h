@@ -65,6 +65,17 @@ template <class Fn>
 constexpr Variants<Fn> wider(const Variants<Fn> &v, Fn avx2) {
   return wider<Fn>(v, avx2, avx2);
 }
+// A mapping with its own variants for the 512-bit path of types 4 and 5.
+template <class Fn>
+constexpr Variants<Fn> widest(Variants<Fn> v, Fn avx512_t4, Fn avx512_t5) {
+  v[cpu::kSetType4Avx512] = avx512_t4;
+  v[cpu::kSetType5Avx512] = avx512_t5;
+  return v;
+}
+template <class Fn>
+constexpr Variants<Fn> widest(const Variants<Fn> &v, Fn avx512) {
+  return widest<Fn>(v, avx512, avx512);
+}
 // A mapping with another variant for one kernel set.
 template <class Fn>
 constexpr Variants<Fn> with(Variants<Fn> v, cpu::KernelSet set, Fn f) {

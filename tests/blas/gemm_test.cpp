@@ -1,11 +1,13 @@
 // General matrix multiply: every processor path against a double-precision
 // reference around the block boundaries, the path and thread decisions, and
 // results that do not depend on the thread count.
+#include <cpuid.h>
 #include <gtest/gtest.h>
 #include <omp.h>
 
 #include <cmath>
 #include <complex>
+#include <cstdint>
 #include <cstdio>
 #include <limits>
 #include <string>
@@ -14,6 +16,7 @@
 #include "blas/level3/gemm.h"
 #include "orb.h"
 #include "service/cpu.h"
+#include "service/kernel_set.h"
 #include "support/child.h"
 #include "support/matrix.h"
 
@@ -116,10 +119,10 @@ int sweep(const std::vector<int> &sizes, const char *transposes) {
 int boundary_sweep() {
   Random rng(7);
   int bad = 0;
-  const int cases[][3] = {{241, 9, 65},   {145, 13, 257}, {17, 201, 63},   {121, 7, 129},
-                          {481, 5, 64},   {8, 8, 8},      {50, 50, 50},    {7, 300, 11},
-                          {33, 3073, 20}, {300, 7, 300},  {1, 1, 1},       {16, 16, 513},
-                          {9, 2041, 300}, {65, 65, 1},    {200, 160, 260}, {3, 5, 0}};
+  const int cases[][3] = {
+      {241, 9, 65},   {145, 13, 257}, {17, 201, 63},   {121, 7, 129}, {481, 5, 64},  {8, 8, 8},
+      {50, 50, 50},   {7, 300, 11},   {33, 3073, 20},  {300, 7, 300}, {1, 1, 1},     {16, 16, 513},
+      {9, 2041, 300}, {65, 65, 1},    {200, 160, 260}, {3, 5, 0},     {193, 25, 257}};
   for (auto &x : cases)
     for (char ta : {'N', 'T'})
       for (char tb : {'N', 'T'}) {
@@ -161,6 +164,16 @@ int full_sweep() {
   bad += sweep<double>({1, 9, 31}, "NT");
   bad += sweep<c8>({1, 4, 9, 19}, "NTC");
   bad += sweep<c16>({1, 5, 13}, "NC");
+  // The tiles and blocks of the other precisions' widest kernels: 16 by 12
+  // rows of 96 (double), 16 by 6 rows of 96 (complex), 8 by 6 rows of 64
+  // (double complex), columns of about 2040, 2046 and 1020.
+  Random rng(11);
+  bad += run_case<double>('N', 'T', 97, 13, 257, 1.0, 0.5, rng);
+  bad += run_case<double>('T', 'N', 17, 2053, 40, -1.0, 0.0, rng);
+  bad += run_case<c8>('N', 'C', 97, 7, 257, make<c8>(1, -1), c8(0), rng);
+  bad += run_case<c8>('C', 'N', 17, 2053, 30, c8(1), make<c8>(0.5, 0.5), rng);
+  bad += run_case<c16>('N', 'N', 65, 7, 257, make<c16>(0.5, 2), c16(1), rng);
+  bad += run_case<c16>('T', 'C', 9, 1027, 30, c16(1), c16(0), rng);
   return bad;
 }
 
@@ -170,10 +183,44 @@ ORB_CHILD(gemm_sweep) {
   return bad == 0 ? 0 : 1;
 }
 
-// Every processor path of this machine's build, one process each.
+// The processor as it is, but without the 512-bit instructions: the kernel
+// set then takes the 256-bit path where the processor has it.
+orb::cpu::Regs without_avx512(std::uint32_t leaf, std::uint32_t subleaf) {
+  orb::cpu::Regs r{};
+  __cpuid_count(leaf, subleaf, r.eax, r.ebx, r.ecx, r.edx);
+  if (leaf == 7 && subleaf == 0) r.ebx &= ~((1u << 16) | (1u << 17) | (1u << 30) | (1u << 31));
+  return r;
+}
+
+ORB_CHILD(gemm_sweep_256) {
+  orb::cpu::set_cpuid_source(without_avx512, [] { return true; });
+  orb::cpu::reset_for_testing();
+  const int bad = full_sweep();
+  std::printf("type %d without 512-bit vectors: %d bad\n", orb::cpu::blas_type(), bad);
+  const bool on_256 = orb::cpu::kernel_set() == orb::cpu::kSetType4Avx2 ||
+                      orb::cpu::kernel_set() == orb::cpu::kSetType5Avx2;
+  if (!on_256) std::printf("kernel set %d is not a 256-bit one\n", orb::cpu::kernel_set());
+  return bad == 0 && on_256 ? 0 : 1;
+}
+
+// Every processor path of this machine's build, one process each: the types
+// with the widest vectors the processor has, and types 4 and 5 once more
+// without the 512-bit ones.
 TEST(Gemm, EveryProcessorTypeAgainstTheReference) {
   for (const char *type : {"0", "2", "3", "4", "5"}) {
     auto r = orb::test::run_child("gemm_sweep", {{"ORB_DEBUG_CPU_TYPE", type}});
+    EXPECT_EQ(r.exit_code, 0) << "type " << type << "\n" << r.out;
+  }
+}
+
+// On a processor with 512-bit vectors the types above ran their 512-bit
+// kernels; the 256-bit ones serve the same types where those are missing.
+TEST(Gemm, The256BitKernelsOnAProcessorWith512BitVectors) {
+  if (!orb::cpu::avx512_usable())
+    GTEST_SKIP() << "this processor lacks AVX-512 (F, DQ, BW, VL with the ZMM state): the "
+                    "512-bit kernels did not run, the 256-bit ones were checked above";
+  for (const char *type : {"4", "5"}) {
+    auto r = orb::test::run_child("gemm_sweep_256", {{"ORB_DEBUG_CPU_TYPE", type}});
     EXPECT_EQ(r.exit_code, 0) << "type " << type << "\n" << r.out;
   }
 }

@@ -120,4 +120,20 @@ inline constexpr GemmShape<c16> zgemm_shape{4, 2, 64, 256, 1024, &zgemm_ukr_4x2}
 inline constexpr GemmThin<float> sgemm_thin_kernel{&sgemm_thin, 8};  // sgemm_shape's inner blocks
 }  // namespace avx2
 
+// 512-bit kernels (x86-64), the widest path of types 4 and 5. They sum the
+// inner dimension in the blocks of the 256-bit kernels, whose thin kernel
+// they share.
+namespace avx512 {
+void sgemm_ukr_32x12(int k, const float *a, const float *b, float *c, int ldc, float alpha,
+                     float beta);
+void dgemm_ukr_16x12(int k, const double *a, const double *b, double *c, int ldc, double alpha,
+                     double beta);
+void cgemm_ukr_16x6(int k, const c8 *a, const c8 *b, c8 *c, int ldc, c8 alpha, c8 beta);
+void zgemm_ukr_8x6(int k, const c16 *a, const c16 *b, c16 *c, int ldc, c16 alpha, c16 beta);
+inline constexpr GemmShape<float> sgemm_shape{32, 12, 192, 256, 3072, &sgemm_ukr_32x12};
+inline constexpr GemmShape<double> dgemm_shape{16, 12, 96, 256, 2040, &dgemm_ukr_16x12};
+inline constexpr GemmShape<c8> cgemm_shape{16, 6, 96, 256, 2046, &cgemm_ukr_16x6};
+inline constexpr GemmShape<c16> zgemm_shape{8, 6, 64, 256, 1020, &zgemm_ukr_8x6};
+}  // namespace avx512
+
 }  // namespace orb::kernel

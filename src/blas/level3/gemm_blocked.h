@@ -121,7 +121,7 @@ void scale_c(int m, int n, T beta, T *c, int ldc, const Mask &mask) {
 
 // The most elements of C a micro-kernel's tile may hold (mr nr): the driver
 // forms the tiles that the edges of C cut in a local tile of this size.
-constexpr int kMaxTile = 16 * 8;
+constexpr int kMaxTile = 32 * 12;
 template <class T>
 constexpr bool fits_local_tile(const kernel::GemmShape<T> &s) {
   return s.mr * s.nr <= kMaxTile;

@@ -135,6 +135,14 @@ constexpr Sgemm kType4Avx2{4, true, kernel::avx2::sgemm_shape, &kernel::ssse3::s
 constexpr Sgemm kType5Avx2{5, true, kernel::avx2::sgemm_shape, &kernel::sse42::sgemm_direct,
                            &kernel::avx2::sgemm_thin_kernel};
 #endif
+// The widest path: the 512-bit packed kernel beside the 256-bit thin one,
+// which sums in the same blocks.
+#if defined(ORB_KERNELS_AVX512)
+constexpr Sgemm kType4Avx512{4, true, kernel::avx512::sgemm_shape, &kernel::ssse3::sgemm_direct,
+                             &kernel::avx2::sgemm_thin_kernel};
+constexpr Sgemm kType5Avx512{5, true, kernel::avx512::sgemm_shape, &kernel::sse42::sgemm_direct,
+                             &kernel::avx2::sgemm_thin_kernel};
+#endif
 
 // ---- type 0: the generic path ---------------------------------------------------
 
@@ -316,7 +324,10 @@ constexpr SgemmPaths kPaths{&Paths<K>::serial, &Paths<K>::acc, &Paths<K>::packed
 constexpr Variants<const SgemmPaths *> kNarrow =
     with(each(&kPaths<kType0>, &kPaths<kType2>, &kPaths<kType3>, &kPaths<kType4>, &kPaths<kType5>),
          cpu::kSetType4Sse41, &kPaths<kType4Sse41>);
-#if defined(ORB_KERNELS_AVX2)
+#if defined(ORB_KERNELS_AVX512)
+Slot<const SgemmPaths *> g_sgemm{widest(wider(kNarrow, &kPaths<kType4Avx2>, &kPaths<kType5Avx2>),
+                                        &kPaths<kType4Avx512>, &kPaths<kType5Avx512>)};
+#elif defined(ORB_KERNELS_AVX2)
 Slot<const SgemmPaths *> g_sgemm{wider(kNarrow, &kPaths<kType4Avx2>, &kPaths<kType5Avx2>)};
 #else
 Slot<const SgemmPaths *> g_sgemm{kNarrow};
@@ -360,8 +371,12 @@ GemmShape<float> packed_shape<float>() {
 
 namespace {
 
-// The generic kernel, and the 256-bit one on the wider path of types 4 and 5.
-#if defined(ORB_KERNELS_AVX2)
+// The generic kernel, and the 256-bit and 512-bit ones on the wider paths of
+// types 4 and 5.
+#if defined(ORB_KERNELS_AVX512)
+#define ORB_GEMM_PACKED(shape) \
+  widest(wider(single(&kernel::generic::shape), &kernel::avx2::shape), &kernel::avx512::shape)
+#elif defined(ORB_KERNELS_AVX2)
 #define ORB_GEMM_PACKED(shape) wider(single(&kernel::generic::shape), &kernel::avx2::shape)
 #else
 #define ORB_GEMM_PACKED(shape) single(&kernel::generic::shape)
@@ -373,6 +388,11 @@ static_assert(fits_local_tile(kernel::generic::dgemm_shape) &&
 static_assert(fits_local_tile(kernel::avx2::dgemm_shape) &&
               fits_local_tile(kernel::avx2::cgemm_shape) &&
               fits_local_tile(kernel::avx2::zgemm_shape));
+#endif
+#if defined(ORB_KERNELS_AVX512)
+static_assert(fits_local_tile(kernel::avx512::dgemm_shape) &&
+              fits_local_tile(kernel::avx512::cgemm_shape) &&
+              fits_local_tile(kernel::avx512::zgemm_shape));
 #endif
 Slot<const GemmShape<double> *> g_dgemm{ORB_GEMM_PACKED(dgemm_shape)};
 Slot<const GemmShape<c8> *> g_cgemm{ORB_GEMM_PACKED(cgemm_shape)};

@@ -1,0 +1,246 @@
+// GEMM micro-kernels on 512-bit vectors (x86-64). Each keeps a 24-register
+// accumulator tile, two vectors of A by twelve (real) or six (complex)
+// broadcast elements of B, which leaves eight of the 32 registers for the
+// operands. Every element is summed over the inner dimension in order with
+// fused multiply-adds, and the update of C rounds alpha AB and beta C
+// separately before adding them, as the driver does for partial tiles and as
+// the 256-bit kernels do: the sums of an element do not depend on which of
+// these kernels forms them.
+#include <immintrin.h>
+
+#include <complex>
+#include <cstdint>
+
+#include "blas/kernel/gemm.h"
+
+namespace orb::kernel::avx512 {
+namespace {
+
+// How far ahead of the current step the packed A sliver is prefetched, in
+// steps; each step of a sliver is 128 bytes.
+constexpr int kAhead = 8;
+
+// Twelve columns of a tile, two vectors each, as named variables: GCC keeps
+// arrays of vectors on the stack inside the loop.
+#define ORB_ACC(X) X##0, X##1, X##2, X##3, X##4, X##5, X##6, X##7, X##8, X##9, X##10, X##11
+#define ORB_FOR12(M) M(0) M(1) M(2) M(3) M(4) M(5) M(6) M(7) M(8) M(9) M(10) M(11)
+#define ORB_FOR6(M) M(0) M(1) M(2) M(3) M(4) M(5)
+
+// The parts of complex lanes exchanged (re, im to im, re). The masked form
+// passes x through where nothing is masked off; the unmasked one starts from
+// an undefined register, which the compiler reports.
+inline __m512 swap_parts(__m512 x) {
+  return _mm512_mask_permute_ps(x, static_cast<__mmask16>(-1), x, 0xB1);
+}
+inline __m512d swap_parts(__m512d x) {
+  return _mm512_mask_permute_pd(x, static_cast<__mmask8>(-1), x, 0x55);
+}
+
+// One vector of a column of C := alpha acc + beta C; beta = 0 does not read C.
+inline void update(float *c, __m512 acc, __m512 va, __m512 vb, bool zero_beta) {
+  __m512 r = _mm512_mul_ps(va, acc);
+  if (!zero_beta) r = _mm512_add_ps(r, _mm512_mul_ps(vb, _mm512_loadu_ps(c)));
+  _mm512_storeu_ps(c, r);
+}
+inline void update(double *c, __m512d acc, __m512d va, __m512d vb, bool zero_beta) {
+  __m512d r = _mm512_mul_pd(va, acc);
+  if (!zero_beta) r = _mm512_add_pd(r, _mm512_mul_pd(vb, _mm512_loadu_pd(c)));
+  _mm512_storeu_pd(c, r);
+}
+
+// x * s for complex lanes (re, im pairs) with s given by its broadcast parts:
+// both products rounded, then subtracted in the real lanes and added in the
+// imaginary ones, as a complex product in portable code rounds.
+inline __m512 cmul(__m512 x, __m512 sr, __m512 si) {
+  const __m512 u = _mm512_mul_ps(x, sr), t = _mm512_mul_ps(swap_parts(x), si);
+  return _mm512_fmaddsub_ps(u, _mm512_set1_ps(1.0f), t);
+}
+inline __m512d cmul(__m512d x, __m512d sr, __m512d si) {
+  const __m512d u = _mm512_mul_pd(x, sr), t = _mm512_mul_pd(swap_parts(x), si);
+  return _mm512_fmaddsub_pd(u, _mm512_set1_pd(1.0), t);
+}
+// The complex sums from the parts accumulated against re(b) and im(b):
+// re = sum x u - sum y v, im = sum y u + sum x v.
+inline __m512 combine(__m512 re, __m512 im) {
+  return _mm512_fmaddsub_ps(re, _mm512_set1_ps(1.0f), swap_parts(im));
+}
+inline __m512d combine(__m512d re, __m512d im) {
+  return _mm512_fmaddsub_pd(re, _mm512_set1_pd(1.0), swap_parts(im));
+}
+
+// One vector of a complex column of C := alpha prod + beta C.
+inline void cupdate(float *c, __m512 prod, __m512 ar, __m512 ai, __m512 br, __m512 bi,
+                    bool zero_beta) {
+  __m512 r = cmul(prod, ar, ai);
+  if (!zero_beta) r = _mm512_add_ps(r, cmul(_mm512_loadu_ps(c), br, bi));
+  _mm512_storeu_ps(c, r);
+}
+inline void cupdate(double *c, __m512d prod, __m512d ar, __m512d ai, __m512d br, __m512d bi,
+                    bool zero_beta) {
+  __m512d r = cmul(prod, ar, ai);
+  if (!zero_beta) r = _mm512_add_pd(r, cmul(_mm512_loadu_pd(c), br, bi));
+  _mm512_storeu_pd(c, r);
+}
+
+}  // namespace
+
+void sgemm_ukr_32x12(int k, const float *a, const float *b, float *c, int ldc, float alpha,
+                     float beta) {
+  __m512 ORB_ACC(x), ORB_ACC(y);
+#define ORB_ZERO(j) x##j = _mm512_setzero_ps(), y##j = _mm512_setzero_ps();
+  ORB_FOR12(ORB_ZERO)
+#undef ORB_ZERO
+  for (int j = 0; j < 12; ++j) {
+    _mm_prefetch(reinterpret_cast<const char *>(c + std::int64_t{j} * ldc), _MM_HINT_T0);
+    _mm_prefetch(reinterpret_cast<const char *>(c + std::int64_t{j} * ldc + 31), _MM_HINT_T0);
+  }
+#pragma GCC unroll 4
+  for (int p = 0; p < k; ++p) {
+    const __m512 a0 = _mm512_load_ps(a), a1 = _mm512_load_ps(a + 16);
+    _mm_prefetch(reinterpret_cast<const char *>(a + 32 * kAhead), _MM_HINT_T0);
+    _mm_prefetch(reinterpret_cast<const char *>(a + 32 * kAhead + 16), _MM_HINT_T0);
+#define ORB_STEP(j)                         \
+  {                                         \
+    const __m512 bj = _mm512_set1_ps(b[j]); \
+    x##j = _mm512_fmadd_ps(a0, bj, x##j);   \
+    y##j = _mm512_fmadd_ps(a1, bj, y##j);   \
+  }
+    ORB_FOR12(ORB_STEP)
+#undef ORB_STEP
+    a += 32;
+    b += 12;
+  }
+  const __m512 va = _mm512_set1_ps(alpha), vb = _mm512_set1_ps(beta);
+  const bool zero_beta = beta == 0.0f;
+  constexpr int kLanes = 16;
+#define ORB_UPDATE(j)                                         \
+  update(c + std::int64_t{j} * ldc, x##j, va, vb, zero_beta); \
+  update(c + std::int64_t{j} * ldc + kLanes, y##j, va, vb, zero_beta);
+  ORB_FOR12(ORB_UPDATE)
+}
+
+void dgemm_ukr_16x12(int k, const double *a, const double *b, double *c, int ldc, double alpha,
+                     double beta) {
+  __m512d ORB_ACC(x), ORB_ACC(y);
+#define ORB_ZERO(j) x##j = _mm512_setzero_pd(), y##j = _mm512_setzero_pd();
+  ORB_FOR12(ORB_ZERO)
+#undef ORB_ZERO
+  for (int j = 0; j < 12; ++j) {
+    _mm_prefetch(reinterpret_cast<const char *>(c + std::int64_t{j} * ldc), _MM_HINT_T0);
+    _mm_prefetch(reinterpret_cast<const char *>(c + std::int64_t{j} * ldc + 15), _MM_HINT_T0);
+  }
+#pragma GCC unroll 4
+  for (int p = 0; p < k; ++p) {
+    const __m512d a0 = _mm512_load_pd(a), a1 = _mm512_load_pd(a + 8);
+    _mm_prefetch(reinterpret_cast<const char *>(a + 16 * kAhead), _MM_HINT_T0);
+    _mm_prefetch(reinterpret_cast<const char *>(a + 16 * kAhead + 8), _MM_HINT_T0);
+#define ORB_STEP(j)                          \
+  {                                          \
+    const __m512d bj = _mm512_set1_pd(b[j]); \
+    x##j = _mm512_fmadd_pd(a0, bj, x##j);    \
+    y##j = _mm512_fmadd_pd(a1, bj, y##j);    \
+  }
+    ORB_FOR12(ORB_STEP)
+#undef ORB_STEP
+    a += 16;
+    b += 12;
+  }
+  const __m512d va = _mm512_set1_pd(alpha), vb = _mm512_set1_pd(beta);
+  const bool zero_beta = beta == 0.0;
+  constexpr int kLanes = 8;
+  ORB_FOR12(ORB_UPDATE)
+#undef ORB_UPDATE
+}
+
+// Complex tiles of six columns: xj/yj accumulate a * re(b_j), uj/vj
+// a * im(b_j), for the two vectors of a sliver.
+#define ORB_COMPLEX_STEP(SET1, FMA, j)   \
+  {                                      \
+    const auto br = SET1(bp[2 * j]);     \
+    const auto bi = SET1(bp[2 * j + 1]); \
+    x##j = FMA(a0, br, x##j);            \
+    y##j = FMA(a1, br, y##j);            \
+    u##j = FMA(a0, bi, u##j);            \
+    v##j = FMA(a1, bi, v##j);            \
+  }
+#define ORB_COMPLEX_UPDATE(j, half)                                                        \
+  cupdate(cp + 2 * std::int64_t{j} * ldc, combine(x##j, u##j), ar, ai, br, bi, zero_beta); \
+  cupdate(cp + 2 * std::int64_t{j} * ldc + half, combine(y##j, v##j), ar, ai, br, bi, zero_beta);
+
+void cgemm_ukr_16x6(int k, const c8 *a, const c8 *b, c8 *c, int ldc, c8 alpha, c8 beta) {
+  __m512 x0, x1, x2, x3, x4, x5, y0, y1, y2, y3, y4, y5;
+  __m512 u0, u1, u2, u3, u4, u5, v0, v1, v2, v3, v4, v5;
+#define ORB_ZERO(j) x##j = _mm512_setzero_ps(), y##j = x##j, u##j = x##j, v##j = x##j;
+  ORB_FOR6(ORB_ZERO)
+#undef ORB_ZERO
+  const float *ap = reinterpret_cast<const float *>(a);
+  const float *bp = reinterpret_cast<const float *>(b);
+  float *cp = reinterpret_cast<float *>(c);
+  for (int j = 0; j < 6; ++j) {
+    _mm_prefetch(reinterpret_cast<const char *>(cp + 2 * std::int64_t{j} * ldc), _MM_HINT_T0);
+    _mm_prefetch(reinterpret_cast<const char *>(cp + 2 * std::int64_t{j} * ldc + 31), _MM_HINT_T0);
+  }
+#pragma GCC unroll 2
+  for (int p = 0; p < k; ++p) {
+    const __m512 a0 = _mm512_load_ps(ap), a1 = _mm512_load_ps(ap + 16);
+    _mm_prefetch(reinterpret_cast<const char *>(ap + 32 * kAhead), _MM_HINT_T0);
+    _mm_prefetch(reinterpret_cast<const char *>(ap + 32 * kAhead + 16), _MM_HINT_T0);
+#define ORB_STEP(j) ORB_COMPLEX_STEP(_mm512_set1_ps, _mm512_fmadd_ps, j)
+    ORB_FOR6(ORB_STEP)
+#undef ORB_STEP
+    ap += 32;
+    bp += 12;
+  }
+  const __m512 ar = _mm512_set1_ps(alpha.real()), ai = _mm512_set1_ps(alpha.imag());
+  const __m512 br = _mm512_set1_ps(beta.real()), bi = _mm512_set1_ps(beta.imag());
+  const bool zero_beta = beta == c8(0.0f);
+#define ORB_UPDATE(j) ORB_COMPLEX_UPDATE(j, 16)
+  ORB_FOR6(ORB_UPDATE)
+#undef ORB_UPDATE
+}
+
+void zgemm_ukr_8x6(int k, const c16 *a, const c16 *b, c16 *c, int ldc, c16 alpha, c16 beta) {
+  __m512d x0, x1, x2, x3, x4, x5, y0, y1, y2, y3, y4, y5;
+  __m512d u0, u1, u2, u3, u4, u5, v0, v1, v2, v3, v4, v5;
+#define ORB_ZERO(j) x##j = _mm512_setzero_pd(), y##j = x##j, u##j = x##j, v##j = x##j;
+  ORB_FOR6(ORB_ZERO)
+#undef ORB_ZERO
+  const double *ap = reinterpret_cast<const double *>(a);
+  const double *bp = reinterpret_cast<const double *>(b);
+  double *cp = reinterpret_cast<double *>(c);
+  for (int j = 0; j < 6; ++j) {
+    _mm_prefetch(reinterpret_cast<const char *>(cp + 2 * std::int64_t{j} * ldc), _MM_HINT_T0);
+    _mm_prefetch(reinterpret_cast<const char *>(cp + 2 * std::int64_t{j} * ldc + 15), _MM_HINT_T0);
+  }
+#pragma GCC unroll 2
+  for (int p = 0; p < k; ++p) {
+    const __m512d a0 = _mm512_load_pd(ap), a1 = _mm512_load_pd(ap + 8);
+    _mm_prefetch(reinterpret_cast<const char *>(ap + 16 * kAhead), _MM_HINT_T0);
+    _mm_prefetch(reinterpret_cast<const char *>(ap + 16 * kAhead + 8), _MM_HINT_T0);
+#define ORB_STEP(j) ORB_COMPLEX_STEP(_mm512_set1_pd, _mm512_fmadd_pd, j)
+    ORB_FOR6(ORB_STEP)
+#undef ORB_STEP
+    ap += 16;
+    bp += 12;
+  }
+  const __m512d ar = _mm512_set1_pd(alpha.real()), ai = _mm512_set1_pd(alpha.imag());
+  const __m512d br = _mm512_set1_pd(beta.real()), bi = _mm512_set1_pd(beta.imag());
+  const bool zero_beta = beta == c16(0.0);
+#define ORB_UPDATE(j) ORB_COMPLEX_UPDATE(j, 8)
+  ORB_FOR6(ORB_UPDATE)
+#undef ORB_UPDATE
+}
+
+#undef ORB_COMPLEX_STEP
+#undef ORB_COMPLEX_UPDATE
+#undef ORB_FOR6
+#undef ORB_FOR12
+#undef ORB_ACC
+
+// The tiles these kernels are written for.
+static_assert(sgemm_shape.mr == 32 && sgemm_shape.nr == 12 && dgemm_shape.mr == 16 &&
+                  dgemm_shape.nr == 12 && cgemm_shape.mr == 16 && cgemm_shape.nr == 6 &&
+                  zgemm_shape.mr == 8 && zgemm_shape.nr == 6,
+              "the tiles of the kernels");
+
+}  // namespace orb::kernel::avx512
