@@ -147,38 +147,58 @@ std::function<void()> with_threads(const Library &l, int nt, std::function<void(
   };
 }
 
-// The single-precision FMA peak of one core, measured.
-double fma_peak() {
+// The single-precision FMA peaks of one core, measured with twelve
+// independent chains of multiply-adds per vector width. The chains start from
+// different values read through a volatile, so that the compiler cannot merge
+// them into one (which would time the latency of a single chain instead).
 #if defined(__x86_64__)
-  auto kernel = []() __attribute__((target("avx2,fma"))) {
-    __m256 a0 = _mm256_set1_ps(1), a1 = a0, a2 = a0, a3 = a0, a4 = a0, a5 = a0, a6 = a0, a7 = a0,
-           a8 = a0, a9 = a0, a10 = a0, a11 = a0;
-    const __m256 x = _mm256_set1_ps(0.999999f), y = _mm256_set1_ps(1e-7f);
-    const long iters = 20000000;
-    auto t0 = std::chrono::steady_clock::now();
-    for (long i = 0; i < iters; ++i) {
-      a0 = _mm256_fmadd_ps(a0, x, y), a1 = _mm256_fmadd_ps(a1, x, y);
-      a2 = _mm256_fmadd_ps(a2, x, y), a3 = _mm256_fmadd_ps(a3, x, y);
-      a4 = _mm256_fmadd_ps(a4, x, y), a5 = _mm256_fmadd_ps(a5, x, y);
-      a6 = _mm256_fmadd_ps(a6, x, y), a7 = _mm256_fmadd_ps(a7, x, y);
-      a8 = _mm256_fmadd_ps(a8, x, y), a9 = _mm256_fmadd_ps(a9, x, y);
-      a10 = _mm256_fmadd_ps(a10, x, y), a11 = _mm256_fmadd_ps(a11, x, y);
-    }
-    double t = std::chrono::duration<double>(std::chrono::steady_clock::now() - t0).count();
-    __m256 s = _mm256_add_ps(_mm256_add_ps(_mm256_add_ps(a0, a1), _mm256_add_ps(a2, a3)),
-                             _mm256_add_ps(_mm256_add_ps(a4, a5), _mm256_add_ps(a6, a7)));
-    s = _mm256_add_ps(s, _mm256_add_ps(_mm256_add_ps(a8, a9), _mm256_add_ps(a10, a11)));
-    volatile float sink = _mm256_cvtss_f32(s);
-    (void)sink;
-    return iters * 12.0 * 16 / t * 1e-9;
-  };
-  if (!__builtin_cpu_supports("avx2") || !__builtin_cpu_supports("fma")) return 0;
-  double best = 0;
-  for (int r = 0; r < 5; ++r) best = std::max(best, kernel());
-  return best;
-#else
-  return 0;
+#define ORB_PEAK_LOOP(V, SET1, FMA, LANES)                                                 \
+  volatile float seed = 1.0f;                                                              \
+  V a[12];                                                                                 \
+  for (int i = 0; i < 12; ++i) a[i] = SET1(seed + i);                                      \
+  const V x = SET1(0.999999f), y = SET1(1e-7f);                                            \
+  const long iters = 20000000;                                                             \
+  V a0 = a[0], a1 = a[1], a2 = a[2], a3 = a[3], a4 = a[4], a5 = a[5], a6 = a[6], a7 = a[7], \
+    a8 = a[8], a9 = a[9], a10 = a[10], a11 = a[11];                                        \
+  auto t0 = std::chrono::steady_clock::now();                                              \
+  for (long i = 0; i < iters; ++i) {                                                       \
+    a0 = FMA(a0, x, y), a1 = FMA(a1, x, y), a2 = FMA(a2, x, y), a3 = FMA(a3, x, y);        \
+    a4 = FMA(a4, x, y), a5 = FMA(a5, x, y), a6 = FMA(a6, x, y), a7 = FMA(a7, x, y);        \
+    a8 = FMA(a8, x, y), a9 = FMA(a9, x, y), a10 = FMA(a10, x, y), a11 = FMA(a11, x, y);    \
+  }                                                                                        \
+  double t = std::chrono::duration<double>(std::chrono::steady_clock::now() - t0).count(); \
+  a[0] = a0, a[1] = a1, a[2] = a2, a[3] = a3, a[4] = a4, a[5] = a5, a[6] = a6, a[7] = a7;  \
+  a[8] = a8, a[9] = a9, a[10] = a10, a[11] = a11;                                          \
+  float sum = 0;                                                                           \
+  for (int i = 0; i < 12; ++i) sum += reinterpret_cast<const float *>(&a[i])[0];           \
+  volatile float sink = sum;                                                               \
+  (void)sink;                                                                              \
+  return iters * 12.0 * 2 * LANES / t * 1e-9;
+
+__attribute__((target("avx2,fma"), noinline)) double peak_256() {
+  ORB_PEAK_LOOP(__m256, _mm256_set1_ps, _mm256_fmadd_ps, 8)
+}
+__attribute__((target("avx512f"), noinline)) double peak_512() {
+  ORB_PEAK_LOOP(__m512, _mm512_set1_ps, _mm512_fmadd_ps, 16)
+}
+#undef ORB_PEAK_LOOP
 #endif
+
+struct Peaks {
+  double avx2 = 0, avx512 = 0;
+  double widest() const { return avx512 > 0 ? avx512 : avx2; }
+};
+
+Peaks fma_peaks() {
+  Peaks p;
+#if defined(__x86_64__)
+  for (int r = 0; r < 5; ++r) {
+    if (__builtin_cpu_supports("avx2") && __builtin_cpu_supports("fma"))
+      p.avx2 = std::max(p.avx2, peak_256());
+    if (__builtin_cpu_supports("avx512f")) p.avx512 = std::max(p.avx512, peak_512());
+  }
+#endif
+  return p;
 }
 
 struct Case {
@@ -361,8 +381,13 @@ int main(int argc, char **argv) {
   orb.set_threads = [](int n) { ORB_Set_Num_Threads(n); };
   libs.push_back(orb);
 #endif
-  const double peak = fma_peak();
-  if (peak > 0) std::printf("single-precision FMA peak of one core: %.1f GFLOP/s\n", peak);
+  const Peaks peaks = fma_peaks();
+  if (peaks.avx2 > 0)
+    std::printf("single-precision FMA peak of one core: %.1f GFLOP/s with 256-bit vectors",
+                peaks.avx2);
+  if (peaks.avx512 > 0) std::printf(", %.1f GFLOP/s with 512-bit vectors", peaks.avx512);
+  if (peaks.avx2 > 0) std::printf("\n");
+  const double peak = peaks.widest();
   print_header("shape", libs);
 
   // The GEMM family: square products and the shapes LAPACK and the sparse
