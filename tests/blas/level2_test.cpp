@@ -140,7 +140,7 @@ TYPED_TEST(Level2Kernels, MatrixVectorProducts) {
   Random g;
   for (const Variant<T> &v : variants<T>())
     for (int m = 0; m <= 67; ++m)
-      for (int n : {1, 2, 3, 4, 5, 6, 9})
+      for (int n : {1, 2, 3, 4, 5, 6, 7, 9, 13})
         for (int pad : {0, 3})
           for (int off : {0, 1}) {
             const Matrix<T> a = operand<T>(m, n, pad, off, g);
@@ -171,6 +171,22 @@ TYPED_TEST(Level2Kernels, MatrixVectorProducts) {
             ASSERT_EQ(bad, 0) << v.name << " m=" << m << " n=" << n << " pad=" << pad
                               << " offset=" << off;
           }
+}
+
+// Infinity in any column of a pass reaches y (as NaN) where x is zero.
+TYPED_TEST(Level2Kernels, ProductUsesColumnsWhereXIsZero) {
+  using T = TypeParam;
+  const int m = 11, n = 13;
+  for (const Variant<T> &v : variants<T>())
+    for (int j = 0; j < n; ++j) {
+      std::vector<T> a(std::size_t{m} * n, make<T>(0.5, -0.25)), x(n, T(1)), y(m, T(0));
+      a[5 + static_cast<std::size_t>(j) * m] =
+          T(std::numeric_limits<orb::test::real_t<T>>::infinity());
+      x[j] = T(0);
+      v.gemv_n(m, n, T(1), a.data(), m, x.data(), y.data());
+      EXPECT_TRUE(is_nan(y[5])) << v.name << " column " << j;
+      EXPECT_FALSE(is_nan(y[4])) << v.name << " column " << j;
+    }
 }
 
 TYPED_TEST(Level2Kernels, VectorUpdates) {
@@ -525,6 +541,8 @@ TYPED_TEST(Level2Routines, LongVectorsAndNoWorkBuffers) {
     EXPECT_EQ(run_gemv(g, trans, 3, rb + 5, 0, -3, 2, alpha, beta), 0);
     EXPECT_EQ(run_gemv(g, trans, rb + 5, 3, 0, 1, 1, alpha, beta), 0);
   }
+  // y += A x at unit increments takes longer row blocks (64 KiB of y).
+  EXPECT_EQ(run_gemv(g, Op::kNone, 65536 / int{sizeof(T)} + 5, 7, 1, 1, 1, alpha, beta), 0);
   EXPECT_EQ(run_ger(g, rb + 5, 2, 0, -2, 1, alpha, false), 0);
   struct Refuse {
     Refuse() { l2::g_refuse_work_buffers = true; }

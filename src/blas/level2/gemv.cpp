@@ -33,6 +33,9 @@ Kernels<c16> &kernels<c16>() {
 
 namespace {
 
+// Rows per block of y += A x when y needs no copy: 64 KiB of y.
+constexpr int kDirectRowBytes = 65536;
+
 // The product over row blocks of rb rows and column blocks of cb columns.
 // The row-side vector (y for op(A) = A, x otherwise) is staged per row block
 // in `rs` when strided; the column-side vector in `cs`, once for all when cb
@@ -87,7 +90,12 @@ void blocks(Op trans, int m, int n, T alpha, const T *a, int lda, Vec<const T> x
 template <class T>
 void gemv_update(Op trans, int m, int n, T alpha, const T *a, int lda, Vec<const T> x, Vec<T> y) {
   if (m <= 0 || n <= 0) return;
-  const int rb = std::min(m, row_block<T>());
+  // y += A x at unit increment stages nothing: its row block only keeps that
+  // part of y in the second-level cache while the columns stream past, and
+  // the longer runs of each column keep the memory's prefetchers ahead.
+  const bool direct_rows = trans == Op::kNone && y.inc == 1;
+  const int rb =
+      std::min(m, direct_rows ? kDirectRowBytes / static_cast<int>(sizeof(T)) : row_block<T>());
   const bool row_strided = trans == Op::kNone ? y.inc != 1 : x.inc != 1;
   const bool col_strided = trans == Op::kNone ? x.inc != 1 : y.inc != 1;
   if (!row_strided && !col_strided)

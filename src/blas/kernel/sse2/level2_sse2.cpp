@@ -6,8 +6,9 @@
 //
 // Complex data are handled as interleaved reals: a complex product t * a is
 // re(t) a + (-im(t), im(t)) swap(a), where swap exchanges the two parts of each
-// element, and a complex dot product keeps the lane sums of a x and a swap(x)
-// and combines them once at the end.
+// element; a sum of such products keeps the sums of re(t) a and im(t) a apart
+// and swaps once, and a complex dot product keeps the lane sums of a x and
+// a swap(x) and combines them once at the end.
 //
 // Matrix columns are read with aligned loads when the leading dimension keeps
 // every column on the same alignment. The results never depend on that choice,
@@ -58,6 +59,8 @@ struct VF {
   static reg madd(reg a, reg b, reg c) { return _mm256_fmadd_ps(a, b, c); }
   static R madd1(R a, R b, R c) { return std::fma(a, b, c); }
   static reg swap(reg v) { return _mm256_permute_ps(v, 0xB1); }
+  // Even lanes a - b, odd lanes a + b.
+  static reg addsub(reg a, reg b) { return _mm256_addsub_ps(a, b); }
   // The sums of the even lanes and of the odd lanes.
   static void pairsum(reg v, R &even, R &odd) {
     __m128 h = _mm_add_ps(_mm256_castps256_ps128(v), _mm256_extractf128_ps(v, 1));
@@ -90,6 +93,7 @@ struct VD {
   static reg madd(reg a, reg b, reg c) { return _mm256_fmadd_pd(a, b, c); }
   static R madd1(R a, R b, R c) { return std::fma(a, b, c); }
   static reg swap(reg v) { return _mm256_permute_pd(v, 0x5); }
+  static reg addsub(reg a, reg b) { return _mm256_addsub_pd(a, b); }
   static void pairsum(reg v, R &even, R &odd) {
     const __m128d h = _mm_add_pd(_mm256_castpd256_pd128(v), _mm256_extractf128_pd(v, 1));
     even = _mm_cvtsd_f64(h);
@@ -125,6 +129,15 @@ struct VF {
   static reg madd(reg a, reg b, reg c) { return _mm_add_ps(_mm_mul_ps(a, b), c); }
   static R madd1(R a, R b, R c) { return a * b + c; }  // never contracted here
   static reg swap(reg v) { return _mm_shuffle_ps(v, v, 0xB1); }
+  // Even lanes a - b, odd lanes a + b (without SSE3: b's even lanes negated,
+  // which is exact, then added).
+  static reg addsub(reg a, reg b) {
+#if defined(__SSE3__)
+    return _mm_addsub_ps(a, b);
+#else
+    return _mm_add_ps(a, _mm_xor_ps(b, _mm_setr_ps(-0.0f, 0.0f, -0.0f, 0.0f)));
+#endif
+  }
   static void pairsum(reg v, R &even, R &odd) {
     const reg h = _mm_add_ps(v, _mm_movehl_ps(v, v));
     even = _mm_cvtss_f32(h);
@@ -162,6 +175,13 @@ struct VD {
   static reg madd(reg a, reg b, reg c) { return _mm_add_pd(_mm_mul_pd(a, b), c); }
   static R madd1(R a, R b, R c) { return a * b + c; }
   static reg swap(reg v) { return _mm_shuffle_pd(v, v, 1); }
+  static reg addsub(reg a, reg b) {
+#if defined(__SSE3__)
+    return _mm_addsub_pd(a, b);
+#else
+    return _mm_add_pd(a, _mm_xor_pd(b, _mm_setr_pd(-0.0, 0.0)));
+#endif
+  }
   static void pairsum(reg v, R &even, R &odd) {
     even = _mm_cvtsd_f64(v);
     odd = _mm_cvtsd_f64(_mm_unpackhi_pd(v, v));
@@ -170,12 +190,16 @@ struct VD {
 
 #endif
 
-// Columns per pass: enough to keep the adders busy and to read y few times,
-// few enough to stay in the vector registers (eight in the 32-bit build).
+// Columns per pass: enough to keep the adders busy, to read y few times and
+// to keep several streams of the matrix going, few enough to stay in the
+// vector registers (eight in the 32-bit build). A complex pass of y += A x
+// holds two broadcasts per column.
 #if defined(__x86_64__)
-constexpr int kRealGroupN = 8, kRealGroupT = 4, kComplexGroup = 4, kRealDotUnroll = 2;
+constexpr int kRealGroupN = 8, kRealGroupT = 4, kComplexGroupN = 6, kComplexGroupT = 4,
+              kRealDotUnroll = 2;
 #else
-constexpr int kRealGroupN = 4, kRealGroupT = 4, kComplexGroup = 2, kRealDotUnroll = 1;
+constexpr int kRealGroupN = 4, kRealGroupT = 4, kComplexGroupN = 2, kComplexGroupT = 2,
+              kRealDotUnroll = 1;
 #endif
 
 // The kernels over vector traits V, for real (kC false) or complex data.
@@ -185,8 +209,8 @@ struct Kernels {
   using R = typename V::R;
   using reg = typename V::reg;
   static constexpr int kE = kC ? 2 : 1;  // reals per element
-  static constexpr int kGroupN = kC ? kComplexGroup : kRealGroupN;
-  static constexpr int kGroupT = kC ? kComplexGroup : kRealGroupT;
+  static constexpr int kGroupN = kC ? kComplexGroupN : kRealGroupN;
+  static constexpr int kGroupT = kC ? kComplexGroupT : kRealGroupT;
   static constexpr int kDotUnroll = kC ? 1 : kRealDotUnroll;
 
   // A scalar: its real part and, for complex data, its imaginary part.
@@ -218,6 +242,14 @@ struct Kernels {
     if constexpr (kC) return V::add(acc, V::madd(tim, V::swap(v), V::mul(tre, v)));
     return V::madd(tre, v, acc);
   }
+  // v held in a register: a loaded vector used twice is otherwise read from
+  // memory by both of its uses, and the loads become the bottleneck.
+  static reg in_register(reg v) {
+#if defined(__GNUC__)
+    __asm__("" : "+x"(v));
+#endif
+    return v;
+  }
   template <bool kAligned>
   static reg load(const R *p) {
     if constexpr (kAligned) return V::load(p);
@@ -236,26 +268,47 @@ struct Kernels {
   // One pass over y with C columns: y += sum_c t_c col_c. Aligned loads read
   // the columns from `off` reals before their start; the partial vectors at
   // either end take the same lane operations.
+  //
+  // Complex columns are not multiplied one by one (a swap per column): the
+  // pass keeps p = y + sum_c re(t_c) col_c and q = sum_c im(t_c) col_c and
+  // adds i q to p once, y = (p.re - q.im, p.im + q.re), the way the matrix
+  // product's kernels combine their parts.
   template <int C, bool kAligned>
   static void pass_n(i64 m, i64 off, const R *const *col, const S *t, R *y) {
     constexpr int W = V::kW;
     const i64 end = m * kE + off;
     reg tre[C], tim[C];
-    for (int c = 0; c < C; ++c) tre[c] = bre(t[c]), tim[c] = bim(t[c]);
+    for (int c = 0; c < C; ++c) tre[c] = V::set1(t[c].re), tim[c] = V::set1(t[c].im);
+    // One vector of y, its column vectors read by `get`.
+    auto step = [&](reg yv, auto get) {
+      if constexpr (kC) {
+        reg a = in_register(get(0));
+        reg p = V::madd(tre[0], a, yv), q = V::mul(tim[0], a);
+        for (int c = 1; c < C; ++c) {
+          a = in_register(get(c));
+          p = V::madd(tre[c], a, p);
+          q = V::madd(tim[c], a, q);
+        }
+        return V::addsub(p, V::swap(q));
+      } else {
+        for (int c = 0; c < C; ++c) yv = V::madd(tre[c], get(c), yv);
+        return yv;
+      }
+    };
     auto part = [&](i64 b, int lo, int hi) {
       const i64 r = b * W - off;
-      reg acc = V::loadpart(y + r, lo, hi);
-      for (int c = 0; c < C; ++c)
-        acc = vupdate(acc, tre[c], tim[c], V::loadpart(col[c] + r, lo, hi));
-      V::storepart(y + r, acc, lo, hi);
+      const reg v =
+          step(V::loadpart(y + r, lo, hi), [&](int c) { return V::loadpart(col[c] + r, lo, hi); });
+      V::storepart(y + r, v, lo, hi);
     };
     const i64 first = off > 0 ? 1 : 0, last = end / W;  // whole vectors [first, last)
     if (off > 0) part(0, static_cast<int>(off), end < W ? static_cast<int>(end) : W);
-    for (i64 r = first * W - off; r < last * W - off; r += W) {
-      reg acc = V::loadu(y + r);
-      for (int c = 0; c < C; ++c) acc = vupdate(acc, tre[c], tim[c], load<kAligned>(col[c] + r));
-      V::storeu(y + r, acc);
-    }
+    auto whole = [&](i64 r) {
+      V::storeu(y + r, step(V::loadu(y + r), [&](int c) { return load<kAligned>(col[c] + r); }));
+    };
+    i64 r = first * W - off;
+    const i64 stop = last * W - off;
+    for (; r < stop; r += W) whole(r);
     if (end % W != 0 && last >= first) part(last, 0, static_cast<int>(end % W));
   }
 
