@@ -30,6 +30,57 @@ void scale_c(int m, int n, T beta, T *c, int ldc) {
   }
 }
 
+// A whole sliver of width W (a kernel's mr or nr) over kb steps, element
+// (p, w) at dst[p * W + w], from runs of W contiguous elements ld apart
+// (copy) or from W runs of kb contiguous elements ld apart (gather). The
+// width is a constant here, so the copies unroll; every kernel tile width
+// has one.
+template <int W, bool Conj, class T>
+void copy_runs(const T *src, std::int64_t ld, int kb, T *dst) {
+  for (int p = 0; p < kb; ++p, src += ld, dst += W)
+    for (int w = 0; w < W; ++w) dst[w] = conj_if(src[w], Conj);
+}
+template <int W, bool Conj, class T>
+void gather_runs(const T *src, std::int64_t ld, int kb, T *dst) {
+  for (int p0 = 0; p0 < kb; p0 += 8) {
+    const int pn = std::min(8, kb - p0);
+    for (int w = 0; w < W; ++w) {
+      const T *run = src + w * ld + p0;
+      for (int p = 0; p < pn; ++p) dst[(p0 + p) * W + w] = conj_if(run[p], Conj);
+    }
+  }
+}
+template <int W, bool Conj, class T>
+void whole_sliver(bool gather, const T *src, std::int64_t ld, int kb, T *dst) {
+  if (gather)
+    gather_runs<W, Conj>(src, ld, kb, dst);
+  else
+    copy_runs<W, Conj>(src, ld, kb, dst);
+}
+template <class T>
+bool pack_whole_sliver(int width, bool gather, bool conj, const T *src, std::int64_t ld, int kb,
+                       T *dst) {
+#define ORB_WIDTH(W)                                    \
+  case W:                                               \
+    if (conj)                                           \
+      whole_sliver<W, true>(gather, src, ld, kb, dst);  \
+    else                                                \
+      whole_sliver<W, false>(gather, src, ld, kb, dst); \
+    return true;
+  switch (width) {
+    ORB_WIDTH(2)
+    ORB_WIDTH(4)
+    ORB_WIDTH(6)
+    ORB_WIDTH(8)
+    ORB_WIDTH(12)
+    ORB_WIDTH(16)
+    ORB_WIDTH(32)
+    default:
+      return false;
+  }
+#undef ORB_WIDTH
+}
+
 // Packs rows [i0, i0 + mb) and columns [p0, p0 + kb) of op(A) into slivers of
 // mr rows, zero-padded to a whole sliver.
 template <class T>
@@ -37,6 +88,14 @@ void pack_a(Op ta, const T *a, int lda, int i0, int p0, int mb, int kb, int mr, 
   const bool conj = ta == Op::kConjTrans;
   for (int is = 0; is < mb; is += mr) {
     const int rows = std::min(mr, mb - is);
+    if (rows == mr) {
+      const T *src = ta == Op::kNone ? a + (i0 + is) + std::int64_t{p0} * lda
+                                     : a + p0 + std::int64_t{i0 + is} * lda;
+      if (pack_whole_sliver(mr, ta != Op::kNone, conj, src, lda, kb, dst)) {
+        dst += std::int64_t{mr} * kb;
+        continue;
+      }
+    }
     if (ta == Op::kNone) {
       const T *src = a + (i0 + is) + std::int64_t{p0} * lda;
       for (int p = 0; p < kb; ++p, src += lda, dst += mr) {
@@ -63,6 +122,14 @@ void pack_b(Op tb, const T *b, int ldb, int p0, int j0, int kb, int nb, int nr, 
   const bool conj = tb == Op::kConjTrans;
   for (int js = 0; js < nb; js += nr) {
     const int cols = std::min(nr, nb - js);
+    if (cols == nr) {
+      const T *src = tb == Op::kNone ? b + p0 + std::int64_t{j0 + js} * ldb
+                                     : b + (j0 + js) + std::int64_t{p0} * ldb;
+      if (pack_whole_sliver(nr, tb == Op::kNone, conj, src, ldb, kb, dst)) {
+        dst += std::int64_t{nr} * kb;
+        continue;
+      }
+    }
     if (tb == Op::kNone) {
       for (int j = 0; j < cols; ++j) {
         const T *src = b + p0 + std::int64_t{j0 + js + j} * ldb;
