@@ -311,6 +311,35 @@ TEST(Gemm, ResultsDoNotDependOnTheThreadCount) {
   ORB_Set_Num_Threads(2);
 }
 
+// The kernels that read small or thin products in place form the packed
+// kernel's sums: the rows (columns) of a product come out the same, bit for
+// bit, whether it is small enough for them or part of a larger one.
+TEST(Gemm, KernelsWithoutPackingFormThePackedSums) {
+  ORB_Set_Num_Threads(1);
+  Random rng(5);
+  for (char tb : {'N', 'T'})
+    for (int k : {7, 300}) {
+      const int m = 100, n = 37, tall = 300, wide = 200;
+      const Matrix<float> a = operand<float>(tall, k, 0, rng);
+      const Matrix<float> b = operand<float>(tb == 'N' ? k : wide, tb == 'N' ? wide : k, 0, rng);
+      const Matrix<float> c0 = operand<float>(tall, wide, 0, rng);
+      Matrix<float> whole = c0, part = c0, thin = c0;
+      call<float>('N', tb, tall, wide, k, 1.5f, a.data(), a.ld, b.data(), b.ld, -0.5f, whole.data(),
+                  whole.ld);
+      call<float>('N', tb, m, n, k, 1.5f, a.data(), a.ld, b.data(), b.ld, -0.5f, part.data(),
+                  part.ld);
+      call<float>('N', tb, tall, 5, k, 1.5f, a.data(), a.ld, b.data(), b.ld, -0.5f, thin.data(),
+                  thin.ld);
+      int differ = 0;
+      for (int j = 0; j < n; ++j)
+        for (int i = 0; i < m; ++i) differ += part(i, j) != whole(i, j);
+      for (int j = 0; j < 5; ++j)
+        for (int i = 0; i < tall; ++i) differ += thin(i, j) != whole(i, j);
+      EXPECT_EQ(differ, 0) << tb << " k " << k;
+    }
+  ORB_Set_Num_Threads(2);
+}
+
 // Called from inside an application's parallel region, each call is correct.
 TEST(Gemm, InsideAnApplicationsParallelRegion) {
   ORB_Set_Num_Threads(2);

@@ -49,6 +49,15 @@ struct GemmThin {
   int max_n;
 };
 
+// A kernel for small products, C := alpha A op(B) + beta C with op(A) = A,
+// m <= max_m and n <= max_n, read in place with the sums of a packed kernel
+// over inner blocks of kc.
+template <class T>
+struct GemmSmall {
+  decltype(GemmThin<T>::run) run;
+  int max_m, max_n;
+};
+
 // Portable kernels: the type-0 path (block parameter 64: its buffers hold a
 // 16-by-64 block of A and a 64-by-200 panel of B) and the precisions without
 // a vector kernel.
@@ -134,6 +143,12 @@ inline constexpr GemmShape<float> sgemm_shape{32, 12, 192, 256, 3072, &sgemm_ukr
 inline constexpr GemmShape<double> dgemm_shape{16, 12, 96, 256, 2040, &dgemm_ukr_16x12};
 inline constexpr GemmShape<c8> cgemm_shape{16, 6, 96, 256, 2046, &cgemm_ukr_16x6};
 inline constexpr GemmShape<c16> zgemm_shape{8, 6, 64, 256, 1020, &zgemm_ukr_8x6};
+// C := alpha A op(B) + beta C read in place, with the sums of sgemm_ukr_32x12
+// over inner blocks of kc: the packed kernel's work without its packing, for
+// products of at most max_m rows and max_n columns.
+void sgemm_small(Op tb, int m, int n, int k, int kc, float alpha, const float *a, int lda,
+                 const float *b, int ldb, float beta, float *c, int ldc);
+inline constexpr GemmSmall<float> sgemm_small_kernel{&sgemm_small, 128, 128};
 }  // namespace avx512
 
 }  // namespace orb::kernel

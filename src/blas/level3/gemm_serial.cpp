@@ -113,10 +113,11 @@ void packed_or_direct(const GemmShape<T> &s, kernel::GemmDirect<T> direct, Op ta
 // and 5 three kernels and the pieces of the threaded driver's wide-kernel path.
 struct Sgemm {
   int type;
-  bool sse41;                           // the large-panel kernel may run
-  const GemmShape<float> &packed;       // the packed kernel and its blocking
-  kernel::GemmDirect<float> direct;     // the unpacked kernel
-  const kernel::GemmThin<float> *thin;  // products of few columns, or null
+  bool sse41;                                       // the large-panel kernel may run
+  const GemmShape<float> &packed;                   // the packed kernel and its blocking
+  kernel::GemmDirect<float> direct;                 // the unpacked kernel
+  const kernel::GemmThin<float> *thin;              // products of few columns, or null
+  const kernel::GemmSmall<float> *small = nullptr;  // small products read in place, or null
 };
 
 constexpr Sgemm kType0{0, false, kernel::generic::sgemm_shape, &kernel::generic::gemm_direct<float>,
@@ -138,10 +139,18 @@ constexpr Sgemm kType5Avx2{5, true, kernel::avx2::sgemm_shape, &kernel::sse42::s
 // The widest path: the 512-bit packed kernel beside the 256-bit thin one,
 // which sums in the same blocks.
 #if defined(ORB_KERNELS_AVX512)
-constexpr Sgemm kType4Avx512{4, true, kernel::avx512::sgemm_shape, &kernel::ssse3::sgemm_direct,
-                             &kernel::avx2::sgemm_thin_kernel};
-constexpr Sgemm kType5Avx512{5, true, kernel::avx512::sgemm_shape, &kernel::sse42::sgemm_direct,
-                             &kernel::avx2::sgemm_thin_kernel};
+constexpr Sgemm kType4Avx512{4,
+                             true,
+                             kernel::avx512::sgemm_shape,
+                             &kernel::ssse3::sgemm_direct,
+                             &kernel::avx2::sgemm_thin_kernel,
+                             &kernel::avx512::sgemm_small_kernel};
+constexpr Sgemm kType5Avx512{5,
+                             true,
+                             kernel::avx512::sgemm_shape,
+                             &kernel::sse42::sgemm_direct,
+                             &kernel::avx2::sgemm_thin_kernel,
+                             &kernel::avx512::sgemm_small_kernel};
 #endif
 
 // ---- type 0: the generic path ---------------------------------------------------
@@ -219,9 +228,27 @@ void run_thin(int m, const float *a, float beta, float *c, const Args &x) {
     K.thin->run(x.tb, m, x.n, x.k, K.packed.kc, x.alpha, a, x.lda, x.b, x.ldb, beta, c, x.ldc);
 }
 
+// Small products with op(A) = A go straight through the small kernel, which
+// forms the same sums as the packed kernel without packing.
+template <const Sgemm &K>
+bool small(const Args &x) {
+  if constexpr (K.small == nullptr)
+    return false;
+  else
+    return x.ta == Op::kNone && x.m <= K.small->max_m && x.n <= K.small->max_n && x.alpha != 0.0f &&
+           x.k > 0;
+}
+
 template <const Sgemm &K>
 void serial_type45(const Args &x, bool accumulate) {
   if (x.m <= 0 || x.n <= 0) return;
+  if constexpr (K.small != nullptr) {
+    if (small<K>(x)) {
+      K.small->run(x.tb, x.m, x.n, x.k, K.packed.kc, x.alpha, x.a, x.lda, x.b, x.ldb,
+                   accumulate ? 1.0f : x.beta, x.c, x.ldc);
+      return;
+    }
+  }
   if (thin<K>(x) && x.k > 0) {
     run_thin<K>(x.m, x.a, accumulate ? 1.0f : x.beta, x.c, x);
     return;

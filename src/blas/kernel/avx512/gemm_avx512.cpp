@@ -8,8 +8,10 @@
 // these kernels forms them.
 #include <immintrin.h>
 
+#include <array>
 #include <complex>
 #include <cstdint>
+#include <utility>
 
 #include "blas/kernel/gemm.h"
 
@@ -242,5 +244,95 @@ static_assert(sgemm_shape.mr == 32 && sgemm_shape.nr == 12 && dgemm_shape.mr == 
                   dgemm_shape.nr == 12 && cgemm_shape.mr == 16 && cgemm_shape.nr == 6 &&
                   zgemm_shape.mr == 8 && zgemm_shape.nr == 6,
               "the tiles of the kernels");
+
+}  // namespace orb::kernel::avx512
+
+namespace orb::kernel::avx512 {
+namespace {
+
+// A tile of up to 16 RV rows by NB columns of C over one inner block, read
+// straight from A (columns lda apart) and B (columns ldb apart, or rows when
+// BT: op(B) = B^T): the sums of sgemm_ukr_32x12, in the same order and with
+// the same rounding of the update. Masked loads and stores keep the partial
+// rows inside the matrices.
+template <int RV, int NB, bool BT>
+void small_tile(int kb, const float *a, int lda, const float *b, int ldb, float *c, int ldc,
+                int rows, float alpha, float beta) {
+  __m512 acc[RV][NB];
+  __mmask16 mask[RV];
+#pragma GCC unroll 2
+  for (int v = 0; v < RV; ++v) {
+    const int left = rows - 16 * v;
+    mask[v] =
+        left >= 16 ? static_cast<__mmask16>(0xFFFF) : static_cast<__mmask16>((1u << left) - 1);
+#pragma GCC unroll 12
+    for (int j = 0; j < NB; ++j) acc[v][j] = _mm512_setzero_ps();
+  }
+  for (int p = 0; p < kb; ++p) {
+    const float *ap = a + std::int64_t{p} * lda;
+    __m512 av[RV];
+#pragma GCC unroll 2
+    for (int v = 0; v < RV; ++v) av[v] = _mm512_maskz_loadu_ps(mask[v], ap + 16 * v);
+#pragma GCC unroll 12
+    for (int j = 0; j < NB; ++j) {
+      const __m512 bj =
+          _mm512_set1_ps(BT ? b[std::int64_t{p} * ldb + j] : b[p + std::int64_t{j} * ldb]);
+#pragma GCC unroll 2
+      for (int v = 0; v < RV; ++v) acc[v][j] = _mm512_fmadd_ps(av[v], bj, acc[v][j]);
+    }
+  }
+  const __m512 va = _mm512_set1_ps(alpha), vb = _mm512_set1_ps(beta);
+#pragma GCC unroll 12
+  for (int j = 0; j < NB; ++j) {
+    float *cj = c + std::int64_t{j} * ldc;
+#pragma GCC unroll 2
+    for (int v = 0; v < RV; ++v) {
+      __m512 r = _mm512_mul_ps(va, acc[v][j]);
+      if (beta != 0.0f)
+        r = _mm512_add_ps(r, _mm512_mul_ps(vb, _mm512_maskz_loadu_ps(mask[v], cj + 16 * v)));
+      _mm512_mask_storeu_ps(cj + 16 * v, mask[v], r);
+    }
+  }
+}
+
+using SmallTile = void (*)(int, const float *, int, const float *, int, float *, int, int, float,
+                           float);
+
+template <int RV, bool BT, int... NB>
+constexpr std::array<SmallTile, sizeof...(NB)> small_tiles(std::integer_sequence<int, NB...>) {
+  return {&small_tile<RV, NB + 1, BT>...};
+}
+// By [rows above 16][op(B) transposed][columns - 1].
+const std::array<SmallTile, 12> kSmallTiles[2][2] = {
+    {small_tiles<1, false>(std::make_integer_sequence<int, 12>{}),
+     small_tiles<1, true>(std::make_integer_sequence<int, 12>{})},
+    {small_tiles<2, false>(std::make_integer_sequence<int, 12>{}),
+     small_tiles<2, true>(std::make_integer_sequence<int, 12>{})}};
+
+}  // namespace
+
+// C := alpha A op(B) + beta C without packing, tile by tile of 32 by 12, in
+// inner blocks of kc: for products small enough that packing would cost as
+// much as the multiply-adds.
+void sgemm_small(Op tb, int m, int n, int k, int kc, float alpha, const float *a, int lda,
+                 const float *b, int ldb, float beta, float *c, int ldc) {
+  const bool bt = tb != Op::kNone;
+  for (int pc = 0; pc < k; pc += kc) {
+    const int kb = k - pc < kc ? k - pc : kc;
+    const float beta_here = pc == 0 ? beta : 1.0f;
+    const float *ablock = a + std::int64_t{pc} * lda;
+    const float *bblock = bt ? b + std::int64_t{pc} * ldb : b + pc;
+    for (int j0 = 0; j0 < n; j0 += 12) {
+      const int cols = n - j0 < 12 ? n - j0 : 12;
+      const float *bj = bt ? bblock + j0 : bblock + std::int64_t{j0} * ldb;
+      for (int i0 = 0; i0 < m; i0 += 32) {
+        const int rows = m - i0 < 32 ? m - i0 : 32;
+        kSmallTiles[rows > 16][bt][cols - 1](kb, ablock + i0, lda, bj, ldb,
+                                             c + i0 + std::int64_t{j0} * ldc, ldc, rows, alpha,
+                                             beta_here);
+      }
+    }
+  }
+}
 
 }  // namespace orb::kernel::avx512
