@@ -125,7 +125,8 @@ void serial(const Triangular &t, int m, int n, T alpha, const T *a, int lda, T *
 // ---- the panel drivers' pieces ----------------------------------------------------
 
 // The packed GEMM kernel of this processor and its buffers: blocks of op(A)
-// of at least `rows_a` rows by kc, and a panel of B of kc rows by nc columns.
+// of at least `rows_a` rows by kc, and a panel of B of kc rows by nc columns
+// (fewer when B has fewer).
 // A left-side operation works through B panel by panel; each diagonal block
 // of kc rows packs its rows of the panel once, and every update it lends
 // (or receives) runs from that one packed copy.
@@ -134,10 +135,10 @@ struct Packed {
   kernel::GemmShape<T> s;
   mem::Buffer<T> a, b;
 
-  explicit Packed(int rows_a)
+  Packed(int rows_a, int n)
       : s(packed_shape<T>()),
         a(std::int64_t{round_up(std::max(s.mc, rows_a), s.mr)} * s.kc, 128),
-        b(packed_b_size(s), 128) {}
+        b(std::int64_t{round_up(std::min(s.nc, n), s.nr)} * s.kc, 128) {}
   explicit operator bool() const { return a && b; }
 };
 

@@ -131,7 +131,7 @@ void diagonal_block(const tri::Packed<T> &w, const OpA<T> &t, int p, int kb, int
 // the last. False, with B untouched, without work memory.
 template <class T>
 bool left_packed(const OpA<T> &t, int m, int n, T alpha, T *b, int ldb) {
-  const tri::Packed<T> w(0);
+  const tri::Packed<T> w(0, n);
   if (!w) return false;
   const kernel::GemmShape<T> &s = w.s;
   const int blocks = (m + s.kc - 1) / s.kc;

@@ -151,7 +151,7 @@ void right_small(const OpA<T> &t, int m, int n, T alpha, T *b, int ldb) {
 template <class T>
 bool left_packed(const OpA<T> &t, int m, int n, T alpha, T *b, int ldb) {
   constexpr int sb = kOrder<T>;
-  const tri::Packed<T> w(sb);
+  const tri::Packed<T> w(sb, n);
   if (!w) return false;
   const kernel::GemmShape<T> &s = w.s;
   const int blocks = (m + s.kc - 1) / s.kc;
