@@ -13,6 +13,7 @@
 #include <limits>
 #include <vector>
 
+#include "blas/level3/gemm.h"
 #include "blas/level3/level3.h"
 #include "orb.h"
 #include "service/cpu.h"
@@ -333,6 +334,29 @@ TEST(Level3, TriangularSolve) {
 TEST(Level3, TriangularMultiply) {
   EXPECT_EQ(triangular_sweep<float>(false, kOrders, kOthers, "NTC"), 0);
   EXPECT_EQ(triangular_sweep<c8>(false, {0, 1, 17, 65, 257}, {1, 9}, "NTC"), 0);
+  EXPECT_EQ(triangular_sweep<double>(false, {0, 1, 17, 65, 257}, {1, 9}, "NT"), 0);
+  EXPECT_EQ(triangular_sweep<c16>(false, {0, 1, 17, 65}, {1, 9}, "NTC"), 0);
+}
+
+// A left side with more columns than one panel of the packed kernel holds:
+// the panels after the first start from their own columns of B.
+template <class T>
+int wider_than_a_panel(bool solve) {
+  Random rng(17);
+  const int n = orb::blas::packed_shape<T>().nc + 7;
+  int bad = 0;
+  for (bool upper : {true, false}) {
+    const Triangular t{true, upper, kComplex<T> ? Op::kConjTrans : Op::kNone, !upper};
+    bad += triangular_case<T>(solve, t, 70, n, make<T>(-0.75, 0.5), rng);
+  }
+  return bad;
+}
+
+TEST(Level3, TriangularLeftSideWiderThanAPanel) {
+  EXPECT_EQ(wider_than_a_panel<float>(false), 0);
+  EXPECT_EQ(wider_than_a_panel<float>(true), 0);
+  EXPECT_EQ(wider_than_a_panel<c16>(false), 0);
+  EXPECT_EQ(wider_than_a_panel<c16>(true), 0);
 }
 
 // ---- threads ------------------------------------------------------------------------
@@ -340,16 +364,18 @@ TEST(Level3, TriangularMultiply) {
 // Slabs cover the output once, on the grain, with about equal work.
 // An infinity in B reaches only the elements whose sums take it with a
 // coefficient of the triangle; the other triangle's zeros never multiply it.
+// The same for a NaN, and with a unit diagonal.
 TEST(Level3, TriangularMultiplyKeepsAnInfinityToItsOwnSums) {
   const float inf = std::numeric_limits<float>::infinity();
   for (int order : {40, 300})
     for (bool left : {true, false})
       for (bool upper : {true, false})
         for (Op trans : {Op::kNone, Op::kTrans}) {
-          const Triangular tr{left, upper, trans, false};
+          const bool unit = order == 300;
+          const Triangular tr{left, upper, trans, unit};
           const int m = left ? order : 30, n = left ? 30 : order, k0 = order / 2, j0 = 7;
           std::vector<float> a(std::size_t(order) * order, 0.5f), b(std::size_t(m) * n, 1.0f);
-          b[left ? k0 + std::size_t(j0) * m : j0 + std::size_t(k0) * m] = inf;
+          b[left ? k0 + std::size_t(j0) * m : j0 + std::size_t(k0) * m] = unit ? float(kNaN) : inf;
           orb::blas::trmm_omp<float>(tr, m, n, 1.0f, a.data(), order, b.data(), m);
           int bad = 0;
           for (int j = 0; j < n; ++j)

@@ -1,12 +1,17 @@
 // What the triangular multiply and solve share: op(A) seen as an upper or
 // lower triangular matrix, its blocks as GEMM operands, the ladder of block
-// sizes and the dense copy of a small diagonal block.
+// sizes and the dense copy of a small diagonal block, and the pieces of the
+// panel drivers that run the packed GEMM kernel over B.
 #pragma once
 
 #include <algorithm>
+#include <cmath>
 #include <cstdint>
+#include <cstring>
+#include <type_traits>
 
 #include "blas/level3/level3_common.h"
+#include "service/memory.h"
 
 namespace orb::blas::tri {
 
@@ -115,6 +120,107 @@ void serial(const Triangular &t, int m, int n, T alpha, const T *a, int lda, T *
     left(op, m, n, alpha, b, ldb);
   else
     right(op, m, n, alpha, b, ldb);
+}
+
+// ---- the panel drivers' pieces ----------------------------------------------------
+
+// The packed GEMM kernel of this processor and its buffers: blocks of op(A)
+// of at least `rows_a` rows by kc, and a panel of B of kc rows by nc columns
+// (fewer when B has fewer).
+// A left-side operation works through B panel by panel; each diagonal block
+// of kc rows packs its rows of the panel once, and every update it lends
+// (or receives) runs from that one packed copy.
+template <class T>
+struct Packed {
+  kernel::GemmShape<T> s;
+  mem::Buffer<T> a, b;
+
+  Packed(int rows_a, int n)
+      : s(packed_shape<T>()),
+        a(std::int64_t{round_up(std::max(s.mc, rows_a), s.mr)} * s.kc, 128),
+        b(std::int64_t{round_up(std::min(s.nc, n), s.nr)} * s.kc, 128) {}
+  explicit operator bool() const { return a && b; }
+};
+
+// C := alpha A B + beta C over an mb-by-nb block: A as pack_a leaves it
+// (slivers of mr rows by k), B k rows of a packed panel from `pb` on, its
+// slivers of nr columns `stride` elements apart. Tiles the block's edge cuts
+// are formed as macro_kernel forms them, so an element never depends on
+// where the tiles fall.
+template <class T>
+void multiply_packed(const kernel::GemmShape<T> &s, int mb, int nb, int k, T alpha, const T *pa,
+                     const T *pb, std::int64_t stride, T beta, T *c, int ldc) {
+  alignas(64) T tile[kMaxTile];
+  for (int jr = 0; jr < nb; jr += s.nr) {
+    const int cols = std::min(s.nr, nb - jr);
+    const T *bj = pb + jr / s.nr * stride;
+    for (int ir = 0; ir < mb; ir += s.mr) {
+      const int rows = std::min(s.mr, mb - ir);
+      const T *ai = pa + std::int64_t{ir} * k;
+      T *cij = c + at(ir, jr, ldc);
+      if (rows == s.mr && cols == s.nr) {
+        s.ukr(k, ai, bj, cij, ldc, alpha, beta);
+        continue;
+      }
+      s.ukr(k, ai, bj, tile, s.mr, alpha, T(0));
+      for (int j = 0; j < cols; ++j) {
+        T *cj = cij + at(0, j, ldc);
+        const T *tj = tile + j * s.mr;
+        for (int i = 0; i < rows; ++i) cj[i] = beta == T(0) ? tj[i] : tj[i] + beta * cj[i];
+      }
+    }
+  }
+}
+
+// B(r0 .. r0 + rn - 1, panel) := alpha op(A)(those rows, p .. p + kb - 1) P
+// + beta B(those rows, panel), P the packed panel in w.b (kb rows, nb
+// columns); c is B's first row at the panel's first column.
+template <class T>
+void update_rows(const Packed<T> &w, const OpA<T> &t, int r0, int rn, int p, int kb, int nb,
+                 T alpha, T beta, T *c, int ldc) {
+  const kernel::GemmShape<T> &s = w.s;
+  for (int ic = 0; ic < rn; ic += s.mc) {
+    const int mb = std::min(s.mc, rn - ic);
+    pack_a(t.trans, t.a, t.lda, r0 + ic, p, mb, kb, s.mr, w.a.get());
+    macro_kernel(s, mb, nb, kb, alpha, w.a.get(), w.b.get(), beta, c + r0 + ic, ldc);
+  }
+}
+
+// Rows of a rows-by-nb block of B into a packed panel of kb rows, from the
+// row `dst` points to in its first sliver on; the lanes past nb are zero.
+// Returns whether every element copied is finite.
+template <class T>
+bool pack_rows(const T *b, int ldb, int rows, int nb, int nr, int kb, T *dst) {
+  using R = real_t<T>;
+  using Bits = std::conditional_t<sizeof(R) == 4, std::uint32_t, std::uint64_t>;
+  constexpr Bits kExponent = sizeof(R) == 4 ? Bits(0x7f800000u) : Bits(0x7ff0000000000000u);
+  constexpr int kParts = sizeof(T) / sizeof(R);
+  Bits wide = 0;  // nonzero once an exponent is all ones: an infinity or NaN
+  for (int js = 0; js < nb; js += nr) {
+    const int cols = std::min(nr, nb - js);
+    T *d = dst + std::int64_t{js} * kb;
+    for (int j = 0; j < cols; ++j) {
+      const T *bj = b + at(0, js + j, ldb);
+      for (int i = 0; i < rows; ++i) d[i * nr + j] = bj[i];
+      const R *parts = reinterpret_cast<const R *>(bj);
+      for (int i = 0; i < rows * kParts; ++i) {
+        Bits x;
+        std::memcpy(&x, parts + i, sizeof x);
+        wide |= (x & kExponent) == kExponent;
+      }
+    }
+    for (int j = cols; j < nr; ++j)
+      for (int i = 0; i < rows; ++i) d[i * nr + j] = T(0);
+  }
+  return wide == 0;
+}
+
+template <class T>
+bool finite(T x) {
+  if constexpr (is_complex_v<T>)
+    return std::isfinite(x.real()) && std::isfinite(x.imag());
+  else
+    return std::isfinite(x);
 }
 
 // Runs serial(m', n', b') over slabs of the right-hand sides of B (its

@@ -1,9 +1,13 @@
 // trmm_omp: triangular multiplies. Each block of op(A) off the diagonal is a
 // GEMM update of B, made while the rows (columns) of B it reads still hold
-// their old values; a diagonal block is multiplied with the next smaller
-// block size in turn, down to blocks of order 16 done element by element.
-// Threads take independent slabs of B: columns for a left-side multiply,
-// rows for a right-side one.
+// their old values. A left-side multiply runs the packed GEMM kernel over
+// panels of B's columns: each diagonal block of op(A) packs its rows of the
+// panel once, lends them to the other rows and then overwrites them with
+// its own triangle, packed in slivers whose part outside the triangle is
+// zero. Without work memory, and on the right side, a diagonal block is
+// multiplied with the next smaller block size in turn, down to blocks of
+// order 16 done element by element. Threads take independent slabs of B:
+// columns for a left-side multiply, rows for a right-side one.
 #include "blas/level3/triangular.h"
 
 namespace orb::blas {
@@ -63,6 +67,88 @@ void right_small(const OpA<T> &t, int m, int n, T alpha, T *b, int ldb) {
   }
 }
 
+// Rows i0 .. i0 + rows - 1 of op(A) in one sliver of mr rows of pack_a's
+// layout, the columns a diagonal block from column p to column p + kb - 1
+// holds of them in its triangle: the rectangle beside the diagonal block
+// as pack_a packs it, and the diagonal block with zeros outside the triangle
+// and ones on a unit diagonal. Returns the first column packed.
+template <class T>
+int pack_triangle(const OpA<T> &t, int p, int kb, int i0, int rows, int mr, T *dst) {
+  const int q0 = t.upper ? i0 : p, rect0 = t.upper ? i0 + rows : p;
+  const int rect = t.upper ? p + kb - rect0 : i0 - p;
+  T *tri = dst, *rest = dst + std::int64_t{rows} * mr;
+  if (!t.upper) tri = dst + std::int64_t{rect} * mr, rest = dst;
+  if (rect > 0) pack_a(t.trans, t.a, t.lda, i0, rect0, rows, rect, mr, rest);
+  for (int q = 0; q < rows; ++q) {
+    T *d = tri + q * mr;
+    for (int i = 0; i < mr; ++i) {
+      T x(0);
+      if (i < rows && (t.upper ? i <= q : i >= q)) x = i == q && t.unit ? T(1) : t(i0 + i, i0 + q);
+      d[i] = x;
+    }
+  }
+  return q0;
+}
+
+// Rows p .. p + kb - 1 of the panel c := alpha op(A)(those rows and columns)
+// P, P their old values packed in w.b. Each sliver of rows takes the
+// columns of the triangle it reaches.
+template <class T>
+void diagonal_block(const tri::Packed<T> &w, const OpA<T> &t, int p, int kb, int nb, T alpha,
+                    bool finite, T *c, int ldc) {
+  const kernel::GemmShape<T> &s = w.s;
+  const std::int64_t stride = std::int64_t{s.nr} * kb;
+  for (int ir = 0; ir < kb; ir += s.mr) {
+    const int rows = std::min(s.mr, kb - ir);
+    const int q0 = pack_triangle(t, p, kb, p + ir, rows, s.mr, w.a.get()) - p;
+    const int q1 = t.upper ? kb : ir + rows;
+    tri::multiply_packed(s, rows, nb, q1 - q0, alpha, w.a.get(),
+                         w.b.get() + std::int64_t{q0} * s.nr, stride, T(0), c + p + ir, ldc);
+  }
+  if (finite) return;
+  // A zero outside the triangle times an infinity or NaN of B would reach
+  // sums that never take it: a column holding one is formed again from the
+  // triangle alone.
+  for (int j = 0; j < nb; ++j) {
+    const T *pj = w.b.get() + j / s.nr * stride + j % s.nr;
+    bool ok = true;
+    for (int q = 0; q < kb; ++q) ok &= tri::finite(pj[std::int64_t{q} * s.nr]);
+    if (ok) continue;
+    for (int i = 0; i < kb; ++i) {
+      const int q0 = t.upper ? i : 0, q1 = t.upper ? kb : i + 1;
+      T sum(0);
+      for (int q = q0; q < q1; ++q) {
+        const T x = pj[std::int64_t{q} * s.nr];
+        sum += q == i && t.unit ? x : t(p + i, p + q) * x;
+      }
+      c[at(p + i, j, ldc)] = alpha * sum;
+    }
+  }
+}
+
+// B := alpha op(A) B through the packed kernel, panel by panel of B's
+// columns: an upper op(A) from the first diagonal block on, a lower one from
+// the last. False, with B untouched, without work memory.
+template <class T>
+bool left_packed(const OpA<T> &t, int m, int n, T alpha, T *b, int ldb) {
+  const tri::Packed<T> w(0, n);
+  if (!w) return false;
+  const kernel::GemmShape<T> &s = w.s;
+  const int blocks = (m + s.kc - 1) / s.kc;
+  for (int jc = 0; jc < n; jc += s.nc) {
+    const int nb = std::min(s.nc, n - jc);
+    T *c = b + at(0, jc, ldb);
+    for (int step = 0; step < blocks; ++step) {
+      const int p = (t.upper ? step : blocks - 1 - step) * s.kc, kb = std::min(s.kc, m - p);
+      const bool finite = tri::pack_rows(c + p, ldb, kb, nb, s.nr, kb, w.b.get());
+      const int r0 = t.upper ? 0 : p + kb, rn = t.upper ? p : m - p - kb;
+      if (rn > 0) tri::update_rows(w, t, r0, rn, p, kb, nb, alpha, T(1), c, ldb);
+      diagonal_block(w, t, p, kb, nb, alpha, finite, c, ldb);
+    }
+  }
+  return true;
+}
+
 // B := alpha op(A) B: an upper op(A) from the first block on, each block of
 // rows of B first lending its old values to the rows above; a lower one from
 // the last block, lending to the rows below.
@@ -104,11 +190,19 @@ void right(const OpA<T> &t, int m, int n, T alpha, T *b, int ldb) {
   }
 }
 
+template <class T>
+void left_any(const OpA<T> &t, int m, int n, T alpha, T *b, int ldb) {
+  if (m <= kSmall)
+    left_small(t, m, n, alpha, b, ldb);
+  else if (!left_packed(t, m, n, alpha, b, ldb))
+    left(t, m, n, alpha, b, ldb);
+}
+
 }  // namespace
 
 template <class T>
 void trmm_serial(const Triangular &t, int m, int n, T alpha, const T *a, int lda, T *b, int ldb) {
-  tri::serial(t, m, n, alpha, a, lda, b, ldb, left<T>, right<T>);
+  tri::serial(t, m, n, alpha, a, lda, b, ldb, left_any<T>, right<T>);
 }
 
 template <class T>

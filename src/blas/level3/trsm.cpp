@@ -1,10 +1,14 @@
-// trsm_omp: triangular solves with several right-hand sides. A diagonal
-// block of op(A) is solved with the next smaller block size in turn, down to
-// blocks of order 16 (64 in single precision) solved on their own; the rest
-// of the work is a GEMM update of the right-hand sides not yet solved. The
-// first update also applies alpha to them, so B is never scaled on its own.
-// Threads take independent slabs of B: columns for a left-side solve, rows
-// for a right-side one.
+// trsm_omp: triangular solves with several right-hand sides. Blocks of order
+// 16 (64 in single precision) are solved on their own; the rest of the work
+// is a GEMM update of the right-hand sides not yet solved. The first update
+// also applies alpha to them, so B is never scaled on its own. A left-side
+// solve runs the packed GEMM kernel over panels of B's columns: the rows of
+// a diagonal block of kc rows are solved block by block, each block's
+// solution packed into the panel as it is found and updating the next from
+// there, and the whole packed block then updates the rows not yet solved.
+// Without work memory, and on the right side, a diagonal block is solved
+// with the next smaller block size in turn. Threads take independent slabs
+// of B: columns for a left-side solve, rows for a right-side one.
 #include <type_traits>
 
 #include "blas/kernel/trsm.h"
@@ -141,6 +145,44 @@ void right_small(const OpA<T> &t, int m, int n, T alpha, T *b, int ldb) {
   }
 }
 
+// op(A) X = alpha B through the packed kernel, panel by panel of B's
+// columns: op(A) lower from the first diagonal block on, upper from the
+// last. False, with B untouched, without work memory.
+template <class T>
+bool left_packed(const OpA<T> &t, int m, int n, T alpha, T *b, int ldb) {
+  constexpr int sb = kOrder<T>;
+  const tri::Packed<T> w(sb, n);
+  if (!w) return false;
+  const kernel::GemmShape<T> &s = w.s;
+  const int blocks = (m + s.kc - 1) / s.kc;
+  for (int jc = 0; jc < n; jc += s.nc) {
+    const int nb = std::min(s.nc, n - jc);
+    T *c = b + at(0, jc, ldb);
+    for (int step = 0; step < blocks; ++step) {
+      const int p = (t.upper ? blocks - 1 - step : step) * s.kc, kb = std::min(s.kc, m - p);
+      const std::int64_t stride = std::int64_t{s.nr} * kb;
+      // The first update of a row applies alpha to it.
+      const T scale = step == 0 ? alpha : T(1);
+      const int subs = (kb + sb - 1) / sb;
+      for (int q = 0; q < subs; ++q) {
+        const int i0 = (t.upper ? subs - 1 - q : q) * sb, ib = std::min(sb, kb - i0);
+        const int k0 = t.upper ? i0 + ib : 0, k1 = t.upper ? kb : i0;
+        T *ci = c + p + i0;
+        if (k1 > k0) {
+          pack_a(t.trans, t.a, t.lda, p + i0, p + k0, ib, k1 - k0, s.mr, w.a.get());
+          tri::multiply_packed(s, ib, nb, k1 - k0, T(-1), w.a.get(),
+                               w.b.get() + std::int64_t{k0} * s.nr, stride, scale, ci, ldb);
+        }
+        left_small(t.diagonal(p + i0), ib, nb, k1 > k0 ? T(1) : scale, ci, ldb);
+        tri::pack_rows(ci, ldb, ib, nb, s.nr, kb, w.b.get() + std::int64_t{i0} * s.nr);
+      }
+      const int r0 = t.upper ? 0 : p + kb, rn = t.upper ? p : m - p - kb;
+      if (rn > 0) tri::update_rows(w, t, r0, rn, p, kb, nb, T(-1), scale, c, ldb);
+    }
+  }
+  return true;
+}
+
 // op(A) X = alpha B: op(A) lower is solved from the first block on, each
 // step updating the rows below; upper from the last block, updating the rows
 // above.
@@ -183,11 +225,19 @@ void right(const OpA<T> &t, int m, int n, T alpha, T *b, int ldb) {
   }
 }
 
+template <class T>
+void left_any(const OpA<T> &t, int m, int n, T alpha, T *b, int ldb) {
+  if (m <= kOrder<T>)
+    left_small(t, m, n, alpha, b, ldb);
+  else if (!left_packed(t, m, n, alpha, b, ldb))
+    left(t, m, n, alpha, b, ldb);
+}
+
 }  // namespace
 
 template <class T>
 void trsm_serial(const Triangular &t, int m, int n, T alpha, const T *a, int lda, T *b, int ldb) {
-  tri::serial(t, m, n, alpha, a, lda, b, ldb, left<T>, right<T>);
+  tri::serial(t, m, n, alpha, a, lda, b, ldb, left_any<T>, right<T>);
 }
 
 template <class T>
