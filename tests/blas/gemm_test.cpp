@@ -216,6 +216,9 @@ TEST(Gemm, EveryProcessorTypeAgainstTheReference) {
 // On a processor with 512-bit vectors the types above ran their 512-bit
 // kernels; the 256-bit ones serve the same types where those are missing.
 TEST(Gemm, The256BitKernelsOnAProcessorWith512BitVectors) {
+#if !defined(ORB_KERNELS_AVX512) || !defined(ORB_KERNELS_AVX2)
+  GTEST_SKIP() << "this build has no 512-bit and 256-bit kernels to choose between";
+#endif
   if (!orb::cpu::avx512_usable())
     GTEST_SKIP() << "this processor lacks AVX-512 (F, DQ, BW, VL with the ZMM state): the "
                     "512-bit kernels did not run, the 256-bit ones were checked above";
