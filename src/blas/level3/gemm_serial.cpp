@@ -217,37 +217,31 @@ GemmShape<float> panel_shape(PanelKernel which) {
 // at op(A) and n, which every slab of a split product shares.
 template <const Sgemm &K>
 bool thin(const Args &x) {
-  if constexpr (K.thin == nullptr)
-    return false;
-  else
-    return x.ta == Op::kNone && x.n <= K.thin->max_n && x.alpha != 0.0f;
+  return K.thin != nullptr && x.ta == Op::kNone && x.n <= K.thin->max_n && x.alpha != 0.0f;
 }
 template <const Sgemm &K>
 void run_thin(int m, const float *a, float beta, float *c, const Args &x) {
-  if constexpr (K.thin != nullptr)
+  if (K.thin != nullptr)
     K.thin->run(x.tb, m, x.n, x.k, K.packed.kc, x.alpha, a, x.lda, x.b, x.ldb, beta, c, x.ldc);
 }
 
 // Small products with op(A) = A go straight through the small kernel, which
-// forms the same sums as the packed kernel without packing.
+// forms the same sums as the packed kernel without packing. (The kernels'
+// presence is tested at run time: with the address sanitizer their addresses
+// are no constant expressions.)
 template <const Sgemm &K>
 bool small(const Args &x) {
-  if constexpr (K.small == nullptr)
-    return false;
-  else
-    return x.ta == Op::kNone && x.m <= K.small->max_m && x.n <= K.small->max_n && x.alpha != 0.0f &&
-           x.k > 0;
+  return K.small != nullptr && x.ta == Op::kNone && x.m <= K.small->max_m &&
+         x.n <= K.small->max_n && x.alpha != 0.0f && x.k > 0;
 }
 
 template <const Sgemm &K>
 void serial_type45(const Args &x, bool accumulate) {
   if (x.m <= 0 || x.n <= 0) return;
-  if constexpr (K.small != nullptr) {
-    if (small<K>(x)) {
-      K.small->run(x.tb, x.m, x.n, x.k, K.packed.kc, x.alpha, x.a, x.lda, x.b, x.ldb,
-                   accumulate ? 1.0f : x.beta, x.c, x.ldc);
-      return;
-    }
+  if (small<K>(x)) {
+    K.small->run(x.tb, x.m, x.n, x.k, K.packed.kc, x.alpha, x.a, x.lda, x.b, x.ldb,
+                 accumulate ? 1.0f : x.beta, x.c, x.ldc);
+    return;
   }
   if (thin<K>(x) && x.k > 0) {
     run_thin<K>(x.m, x.a, accumulate ? 1.0f : x.beta, x.c, x);
