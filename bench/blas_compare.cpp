@@ -29,6 +29,11 @@
 #if defined(__linux__)
 #include <dlfcn.h>
 #else
+#ifndef NOMINMAX
+#define NOMINMAX
+#endif
+#include <windows.h>
+
 #include "orb.h"
 #endif
 
@@ -152,27 +157,27 @@ std::function<void()> with_threads(const Library &l, int nt, std::function<void(
 // different values read through a volatile, so that the compiler cannot merge
 // them into one (which would time the latency of a single chain instead).
 #if defined(__x86_64__)
-#define ORB_PEAK_LOOP(V, SET1, FMA, LANES)                                                 \
-  volatile float seed = 1.0f;                                                              \
-  V a[12];                                                                                 \
-  for (int i = 0; i < 12; ++i) a[i] = SET1(seed + i);                                      \
-  const V x = SET1(0.999999f), y = SET1(1e-7f);                                            \
-  const long iters = 20000000;                                                             \
+#define ORB_PEAK_LOOP(V, SET1, FMA, LANES)                                                  \
+  volatile float seed = 1.0f;                                                               \
+  V a[12];                                                                                  \
+  for (int i = 0; i < 12; ++i) a[i] = SET1(seed + i);                                       \
+  const V x = SET1(0.999999f), y = SET1(1e-7f);                                             \
+  const long iters = 20000000;                                                              \
   V a0 = a[0], a1 = a[1], a2 = a[2], a3 = a[3], a4 = a[4], a5 = a[5], a6 = a[6], a7 = a[7], \
-    a8 = a[8], a9 = a[9], a10 = a[10], a11 = a[11];                                        \
-  auto t0 = std::chrono::steady_clock::now();                                              \
-  for (long i = 0; i < iters; ++i) {                                                       \
-    a0 = FMA(a0, x, y), a1 = FMA(a1, x, y), a2 = FMA(a2, x, y), a3 = FMA(a3, x, y);        \
-    a4 = FMA(a4, x, y), a5 = FMA(a5, x, y), a6 = FMA(a6, x, y), a7 = FMA(a7, x, y);        \
-    a8 = FMA(a8, x, y), a9 = FMA(a9, x, y), a10 = FMA(a10, x, y), a11 = FMA(a11, x, y);    \
-  }                                                                                        \
-  double t = std::chrono::duration<double>(std::chrono::steady_clock::now() - t0).count(); \
-  a[0] = a0, a[1] = a1, a[2] = a2, a[3] = a3, a[4] = a4, a[5] = a5, a[6] = a6, a[7] = a7;  \
-  a[8] = a8, a[9] = a9, a[10] = a10, a[11] = a11;                                          \
-  float sum = 0;                                                                           \
-  for (int i = 0; i < 12; ++i) sum += reinterpret_cast<const float *>(&a[i])[0];           \
-  volatile float sink = sum;                                                               \
-  (void)sink;                                                                              \
+    a8 = a[8], a9 = a[9], a10 = a[10], a11 = a[11];                                         \
+  auto t0 = std::chrono::steady_clock::now();                                               \
+  for (long i = 0; i < iters; ++i) {                                                        \
+    a0 = FMA(a0, x, y), a1 = FMA(a1, x, y), a2 = FMA(a2, x, y), a3 = FMA(a3, x, y);         \
+    a4 = FMA(a4, x, y), a5 = FMA(a5, x, y), a6 = FMA(a6, x, y), a7 = FMA(a7, x, y);         \
+    a8 = FMA(a8, x, y), a9 = FMA(a9, x, y), a10 = FMA(a10, x, y), a11 = FMA(a11, x, y);     \
+  }                                                                                         \
+  double t = std::chrono::duration<double>(std::chrono::steady_clock::now() - t0).count();  \
+  a[0] = a0, a[1] = a1, a[2] = a2, a[3] = a3, a[4] = a4, a[5] = a5, a[6] = a6, a[7] = a7;   \
+  a[8] = a8, a[9] = a9, a[10] = a10, a[11] = a11;                                           \
+  float sum = 0;                                                                            \
+  for (int i = 0; i < 12; ++i) sum += reinterpret_cast<const float *>(&a[i])[0];            \
+  volatile float sink = sum;                                                                \
+  (void)sink;                                                                               \
   return iters * 12.0 * 2 * LANES / t * 1e-9;
 
 __attribute__((target("avx2,fma"), noinline)) double peak_256() {
@@ -259,13 +264,19 @@ using TrsvFn = void (*)(const char *, const char *, const char *, const int *, c
 using GerFn = void (*)(const int *, const int *, const float *, const float *, const int *,
                        const float *, const int *, float *, const int *);
 
+// A routine by its Fortran-convention name; on Windows ORB's own export of
+// the name without the trailing underscore, from the DLL this program links.
 template <class Fn>
 Fn find(const Library &l, const char *name) {
 #if defined(__linux__)
   return reinterpret_cast<Fn>(l.sym(name));
 #else
   (void)l;
-  return nullptr;
+  std::string plain(name);
+  if (!plain.empty() && plain.back() == '_') plain.pop_back();
+  HMODULE orb = GetModuleHandleA("orb.dll");
+  return orb ? reinterpret_cast<Fn>(reinterpret_cast<void *>(GetProcAddress(orb, plain.c_str())))
+             : nullptr;
 #endif
 }
 
