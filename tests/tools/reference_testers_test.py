@@ -37,6 +37,23 @@ class Verdicts(unittest.TestCase):
         self.assertEqual(rt.compare(report(EIG), report(EIG.replace(SEV2_PASS, SEV2_FAIL))),
                          [SEV2_FAIL.strip()])
 
+    def test_failures_by_rounding_alone_are_excused(self):
+        head = " Routines pass computational tests if test ratio is less than   20.00\n"
+        shs = " SHS:    {} out of  1764 tests failed to pass the threshold\n"
+        one = " Matrix order=   16, type=11, seed=3436, 404,2879,3877, result  11 is   {}\n"
+        lin = " M=   50, type  8, test(  3) =   {}\n"
+        base = report(head + " All tests for SHS routines passed the threshold (  1764 tests run)\n")
+        self.assertEqual(rt.compare(base, report(head + one.format("20.32") + shs.format(1))), [])
+        self.assertEqual(rt.compare(base, report(head + lin.format("20.5") + shs.format(1))), [])
+        # Far over the threshold, one ratio too many, or ratios not listed.
+        for text in (one.format("22.50") + shs.format(1),
+                     one.format("20.32") + one.format("1.0E+07") + shs.format(2),
+                     one.format("20.32") + shs.format(2)):
+            self.assertEqual(len(rt.compare(base, report(head + text))), 1, text)
+        # Ratios before an earlier summary belong to it.
+        text = one.format("20.32") + shs.format(1) + shs.format(1)
+        self.assertEqual(len(rt.compare(base, report(head + text))), 1)
+
     def test_a_run_cut_short_fails(self):
         base = report(EIG)
         crashed = report(EIG.split(CST_PASS)[0], status=3)
