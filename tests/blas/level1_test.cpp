@@ -203,7 +203,7 @@ std::vector<Set<T>> levels() {
     v.emplace_back();
     ORB_FILL(v.back(), sse42)
   }
-#if defined(__x86_64__)
+#if defined(ORB_KERNELS_AVX2)
   if (cpu::avx2_fma_usable()) {
     v.emplace_back();
     ORB_FILL(v.back(), avx2)

@@ -123,7 +123,7 @@ template <class T>
 std::vector<Variant<T>> variants() {
   std::vector<Variant<T>> v{ORB_VARIANT(generic), ORB_VARIANT(sse2), ORB_VARIANT(sse3),
                             ORB_VARIANT(ssse3), ORB_VARIANT(sse42)};
-#if defined(__x86_64__)
+#if defined(ORB_KERNELS_AVX2)
   if (orb::cpu::avx2_fma_usable()) v.push_back(ORB_VARIANT(avx2));
 #endif
   return v;
@@ -576,7 +576,7 @@ ORB_CHILD(level2_forced_type) {
   Z z[] = {&k2::generic::axpy_dot, nullptr,
            &k2::sse2::axpy_dot,    &k2::sse3::axpy_dot,
            &k2::ssse3::axpy_dot,   &k2::sse42::axpy_dot};
-#if defined(__x86_64__)
+#if defined(ORB_KERNELS_AVX2)
   namespace cpu = orb::cpu;
   if (cpu::avx2_fma_usable() && (type == 5 || (type == 4 && cpu::has_sse41())))
     f[type] = &k2::avx2::gemv_n, z[type] = &k2::avx2::axpy_dot;

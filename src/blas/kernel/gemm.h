@@ -12,6 +12,7 @@
 
 #include <complex>
 
+#include "blas/kernel/registers.h"
 #include "common/options.h"
 #include "common/scalar.h"
 
@@ -78,12 +79,11 @@ void gemm_direct(int kc, Op ta, Op tb, int m, int n, int k, T alpha, const T *a,
 
 // 128-bit kernels for the 32- and 64-bit builds, one compilation per level,
 // each with the blocking of the processor type that runs it. The tile fills
-// the vector registers: 4 by 6 with the eight registers of the 32-bit build,
-// 8 by 6 with sixteen.
-#if defined(__x86_64__)
-inline constexpr int kSseGemmMr = 8;
-#else
+// the vector registers: 4 by 6 with eight registers, 8 by 6 with sixteen.
+#if defined(ORB_EIGHT_REGISTERS)
 inline constexpr int kSseGemmMr = 4;
+#else
+inline constexpr int kSseGemmMr = 8;
 #endif
 #define ORB_SSE_GEMM_DECLS(mc, kc, nc)                                                         \
   void sgemm_ukr(int k, const float *a, const float *b, float *c, int ldc, float alpha,        \
@@ -109,30 +109,60 @@ ORB_SSE_GEMM_DECLS(120, 256, 2040)
 }
 #undef ORB_SSE_GEMM_DECLS
 
-// 256-bit FMA kernels (x86-64), the wider path of types 4 and 5. Every one
-// sums the inner dimension in blocks of 256.
+// 256-bit FMA kernels, the wider path of types 4 and 5. Every one sums the
+// inner dimension in blocks of 256.
 namespace avx2 {
+#if defined(ORB_EIGHT_REGISTERS)
+// Eight registers: one vector of A, six accumulators (real) or three columns
+// of two (complex), and the broadcast element of B.
+void sgemm_ukr_8x6(int k, const float *a, const float *b, float *c, int ldc, float alpha,
+                   float beta);
+void dgemm_ukr_4x6(int k, const double *a, const double *b, double *c, int ldc, double alpha,
+                   double beta);
+void cgemm_ukr_4x3(int k, const c8 *a, const c8 *b, c8 *c, int ldc, c8 alpha, c8 beta);
+void zgemm_ukr_2x3(int k, const c16 *a, const c16 *b, c16 *c, int ldc, c16 alpha, c16 beta);
+inline constexpr GemmShape<float> sgemm_shape{8, 6, 144, 256, 3072, &sgemm_ukr_8x6};
+inline constexpr GemmShape<double> dgemm_shape{4, 6, 96, 256, 2046, &dgemm_ukr_4x6};
+inline constexpr GemmShape<c8> cgemm_shape{4, 3, 96, 256, 2046, &cgemm_ukr_4x3};
+inline constexpr GemmShape<c16> zgemm_shape{2, 3, 64, 256, 1020, &zgemm_ukr_2x3};
+#else
 void sgemm_ukr_16x6(int k, const float *a, const float *b, float *c, int ldc, float alpha,
                     float beta);
 void dgemm_ukr_8x6(int k, const double *a, const double *b, double *c, int ldc, double alpha,
                    double beta);
 void cgemm_ukr_8x2(int k, const c8 *a, const c8 *b, c8 *c, int ldc, c8 alpha, c8 beta);
 void zgemm_ukr_4x2(int k, const c16 *a, const c16 *b, c16 *c, int ldc, c16 alpha, c16 beta);
-// C := alpha A op(B) + beta C for n <= 8 with the summation order of
-// sgemm_ukr_16x6 over inner blocks of kc <= 256.
-void sgemm_thin(Op tb, int m, int n, int k, int kc, float alpha, const float *a, int lda,
-                const float *b, int ldb, float beta, float *c, int ldc);
 inline constexpr GemmShape<float> sgemm_shape{16, 6, 144, 256, 3072, &sgemm_ukr_16x6};
 inline constexpr GemmShape<double> dgemm_shape{8, 6, 96, 256, 2048, &dgemm_ukr_8x6};
 inline constexpr GemmShape<c8> cgemm_shape{8, 2, 96, 256, 2048, &cgemm_ukr_8x2};
 inline constexpr GemmShape<c16> zgemm_shape{4, 2, 64, 256, 1024, &zgemm_ukr_4x2};
+#endif
+// C := alpha A op(B) + beta C for n <= 8 with the summation order of the
+// packed kernel over inner blocks of kc <= 256.
+void sgemm_thin(Op tb, int m, int n, int k, int kc, float alpha, const float *a, int lda,
+                const float *b, int ldb, float beta, float *c, int ldc);
 inline constexpr GemmThin<float> sgemm_thin_kernel{&sgemm_thin, 8};  // sgemm_shape's inner blocks
 }  // namespace avx2
 
-// 512-bit kernels (x86-64), the widest path of types 4 and 5. They sum the
-// inner dimension in the blocks of the 256-bit kernels, whose thin kernel
-// they share.
+// 512-bit kernels, the widest path of types 4 and 5. They sum the inner
+// dimension in the blocks of the 256-bit kernels, whose thin kernel they
+// share.
 namespace avx512 {
+#if defined(ORB_EIGHT_REGISTERS)
+// Eight registers: one vector of A and seven accumulators (real) or three
+// columns of two (complex); the elements of B are broadcast from memory
+// inside the multiply-adds.
+void sgemm_ukr_16x7(int k, const float *a, const float *b, float *c, int ldc, float alpha,
+                    float beta);
+void dgemm_ukr_8x7(int k, const double *a, const double *b, double *c, int ldc, double alpha,
+                   double beta);
+void cgemm_ukr_8x3(int k, const c8 *a, const c8 *b, c8 *c, int ldc, c8 alpha, c8 beta);
+void zgemm_ukr_4x3(int k, const c16 *a, const c16 *b, c16 *c, int ldc, c16 alpha, c16 beta);
+inline constexpr GemmShape<float> sgemm_shape{16, 7, 192, 256, 3066, &sgemm_ukr_16x7};
+inline constexpr GemmShape<double> dgemm_shape{8, 7, 96, 256, 2037, &dgemm_ukr_8x7};
+inline constexpr GemmShape<c8> cgemm_shape{8, 3, 96, 256, 2046, &cgemm_ukr_8x3};
+inline constexpr GemmShape<c16> zgemm_shape{4, 3, 64, 256, 1020, &zgemm_ukr_4x3};
+#else
 void sgemm_ukr_32x12(int k, const float *a, const float *b, float *c, int ldc, float alpha,
                      float beta);
 void dgemm_ukr_16x12(int k, const double *a, const double *b, double *c, int ldc, double alpha,
@@ -143,8 +173,9 @@ inline constexpr GemmShape<float> sgemm_shape{32, 12, 192, 256, 3072, &sgemm_ukr
 inline constexpr GemmShape<double> dgemm_shape{16, 12, 96, 256, 2040, &dgemm_ukr_16x12};
 inline constexpr GemmShape<c8> cgemm_shape{16, 6, 96, 256, 2046, &cgemm_ukr_16x6};
 inline constexpr GemmShape<c16> zgemm_shape{8, 6, 64, 256, 1020, &zgemm_ukr_8x6};
-// C := alpha A op(B) + beta C read in place, with the sums of sgemm_ukr_32x12
-// over inner blocks of kc: the packed kernel's work without its packing, for
+#endif
+// C := alpha A op(B) + beta C read in place, with the sums of the packed
+// kernel over inner blocks of kc: the packed kernel's work without its packing, for
 // products of at most max_m rows and max_n columns.
 void sgemm_small(Op tb, int m, int n, int k, int kc, float alpha, const float *a, int lda,
                  const float *b, int ldb, float beta, float *c, int ldc);

@@ -69,8 +69,10 @@ bool pack_whole_sliver(int width, bool gather, bool conj, const T *src, std::int
     return true;
   switch (width) {
     ORB_WIDTH(2)
+    ORB_WIDTH(3)
     ORB_WIDTH(4)
     ORB_WIDTH(6)
+    ORB_WIDTH(7)
     ORB_WIDTH(8)
     ORB_WIDTH(12)
     ORB_WIDTH(16)

@@ -1,9 +1,9 @@
-// GEMM micro-kernels on 256-bit vectors with fused multiply-add (x86-64).
-// Each keeps a 12-register accumulator tile; the complex kernels accumulate
-// a * re(b) and a * im(b) separately and combine them once at the end. The
-// update of C rounds alpha AB and beta C separately and then adds, exactly as
-// the driver does for partial tiles, so a result does not depend on where the
-// tile boundaries fall.
+// GEMM micro-kernels on 256-bit vectors with fused multiply-add, for sixteen
+// registers or for eight (blas/kernel/registers.h), and the thin kernel.
+// With sixteen each micro-kernel keeps a 12-register accumulator tile; the complex kernels
+// accumulate a * re(b) and a * im(b) separately and combine them once at the end. The update of C
+// rounds alpha AB and beta C separately and then adds, exactly as the driver does for partial
+// tiles, so a result does not depend on where the tile boundaries fall.
 #include <immintrin.h>
 
 #include <complex>
@@ -23,6 +23,8 @@ inline __m256d cmul(__m256d x, __m256d sr, __m256d si) {
 }
 
 }  // namespace
+
+#if !defined(ORB_EIGHT_REGISTERS)
 
 void sgemm_ukr_16x6(int k, const float *a, const float *b, float *c, int ldc, float alpha,
                     float beta) {
@@ -205,6 +207,146 @@ void zgemm_ukr_4x2(int k, const c16 *a, const c16 *b, c16 *c, int ldc, c16 alpha
 #undef ORB_COMPLEX_STEP
 #undef ORB_ZERO12
 
+// The tiles these kernels are written for.
+static_assert(sgemm_shape.mr == 16 && sgemm_shape.nr == 6 && dgemm_shape.mr == 8 &&
+                  dgemm_shape.nr == 6 && cgemm_shape.mr == 8 && cgemm_shape.nr == 2 &&
+                  zgemm_shape.mr == 4 && zgemm_shape.nr == 2,
+              "the tiles of the kernels");
+
+#else
+
+// Eight registers: six accumulators, the vector of A and the broadcast
+// element of B. The sums and the update are those of the wider tiles.
+#define ORB_FOR3(M) M(0) M(1) M(2)
+#define ORB_FOR6(M) M(0) M(1) M(2) M(3) M(4) M(5)
+
+// Six columns of one vector: c_j += a0 * b[j] with the vector type's
+// broadcast and multiply-add.
+#define ORB_REAL_LOOP(V, ZERO, LOAD, BCAST, FMA, LANES)                          \
+  V c0 = ZERO(), c1 = c0, c2 = c0, c3 = c0, c4 = c0, c5 = c0;                    \
+  _Pragma("GCC unroll 4") for (int p = 0; p < k; ++p) {                          \
+    const V a0 = LOAD(a);                                                        \
+    _mm_prefetch(reinterpret_cast<const char *>(a + 16 * (LANES)), _MM_HINT_T0); \
+    ORB_FOR6(ORB_REAL_STEP)                                                      \
+    a += LANES;                                                                  \
+    b += 6;                                                                      \
+  }
+#define ORB_REAL_STEP(j) c##j = FMA(a0, BCAST(b + j), c##j);
+
+void sgemm_ukr_8x6(int k, const float *a, const float *b, float *c, int ldc, float alpha,
+                   float beta) {
+#define FMA _mm256_fmadd_ps
+#define BCAST _mm256_broadcast_ss
+  ORB_REAL_LOOP(__m256, _mm256_setzero_ps, _mm256_load_ps, BCAST, FMA, 8)
+#undef FMA
+#undef BCAST
+  const __m256 va = _mm256_set1_ps(alpha), vb = _mm256_set1_ps(beta);
+  const bool zero_beta = beta == 0.0f;
+#define ORB_UPDATE(j)                                                             \
+  {                                                                               \
+    float *cj = c + std::int64_t{j} * ldc;                                        \
+    __m256 r = _mm256_mul_ps(va, c##j);                                           \
+    if (!zero_beta) r = _mm256_add_ps(r, _mm256_mul_ps(vb, _mm256_loadu_ps(cj))); \
+    _mm256_storeu_ps(cj, r);                                                      \
+  }
+  ORB_FOR6(ORB_UPDATE)
+#undef ORB_UPDATE
+}
+
+void dgemm_ukr_4x6(int k, const double *a, const double *b, double *c, int ldc, double alpha,
+                   double beta) {
+#define FMA _mm256_fmadd_pd
+#define BCAST _mm256_broadcast_sd
+  ORB_REAL_LOOP(__m256d, _mm256_setzero_pd, _mm256_load_pd, BCAST, FMA, 4)
+#undef FMA
+#undef BCAST
+  const __m256d va = _mm256_set1_pd(alpha), vb = _mm256_set1_pd(beta);
+  const bool zero_beta = beta == 0.0;
+#define ORB_UPDATE(j)                                                             \
+  {                                                                               \
+    double *cj = c + std::int64_t{j} * ldc;                                       \
+    __m256d r = _mm256_mul_pd(va, c##j);                                          \
+    if (!zero_beta) r = _mm256_add_pd(r, _mm256_mul_pd(vb, _mm256_loadu_pd(cj))); \
+    _mm256_storeu_pd(cj, r);                                                      \
+  }
+  ORB_FOR6(ORB_UPDATE)
+#undef ORB_UPDATE
+}
+#undef ORB_REAL_STEP
+#undef ORB_REAL_LOOP
+
+// Complex tiles of three columns: xj accumulates a * re(b_j), uj a * im(b_j).
+#define ORB_COMPLEX_LOOP(V, ZERO, LOAD, BCAST, FMA, REALS)                        \
+  V x0 = ZERO(), x1 = x0, x2 = x0, u0 = x0, u1 = x0, u2 = x0;                     \
+  _Pragma("GCC unroll 2") for (int p = 0; p < k; ++p) {                           \
+    const V a0 = LOAD(ap);                                                        \
+    _mm_prefetch(reinterpret_cast<const char *>(ap + 16 * (REALS)), _MM_HINT_T0); \
+    ORB_FOR3(ORB_COMPLEX_STEP)                                                    \
+    ap += REALS;                                                                  \
+    bp += 6;                                                                      \
+  }
+#define ORB_COMPLEX_STEP(j)                \
+  x##j = FMA(a0, BCAST(bp + 2 * j), x##j); \
+  u##j = FMA(a0, BCAST(bp + 2 * j + 1), u##j);
+
+void cgemm_ukr_4x3(int k, const c8 *a, const c8 *b, c8 *c, int ldc, c8 alpha, c8 beta) {
+  const float *ap = reinterpret_cast<const float *>(a);
+  const float *bp = reinterpret_cast<const float *>(b);
+#define FMA _mm256_fmadd_ps
+#define BCAST _mm256_broadcast_ss
+  ORB_COMPLEX_LOOP(__m256, _mm256_setzero_ps, _mm256_load_ps, BCAST, FMA, 8)
+#undef FMA
+#undef BCAST
+  const __m256 ar = _mm256_set1_ps(alpha.real()), ai = _mm256_set1_ps(alpha.imag());
+  const __m256 br = _mm256_set1_ps(beta.real()), bi = _mm256_set1_ps(beta.imag());
+  const bool zero_beta = beta == c8(0.0f);
+  // (x + iy)(u + iv) summed: re = x u - y v, im = y u + x v.
+#define ORB_UPDATE(j)                                                          \
+  {                                                                            \
+    float *cj = reinterpret_cast<float *>(c + std::int64_t{j} * ldc);          \
+    const __m256 prod = _mm256_addsub_ps(x##j, _mm256_permute_ps(u##j, 0xB1)); \
+    __m256 r = cmul(prod, ar, ai);                                             \
+    if (!zero_beta) r = _mm256_add_ps(r, cmul(_mm256_loadu_ps(cj), br, bi));   \
+    _mm256_storeu_ps(cj, r);                                                   \
+  }
+  ORB_FOR3(ORB_UPDATE)
+#undef ORB_UPDATE
+}
+
+void zgemm_ukr_2x3(int k, const c16 *a, const c16 *b, c16 *c, int ldc, c16 alpha, c16 beta) {
+  const double *ap = reinterpret_cast<const double *>(a);
+  const double *bp = reinterpret_cast<const double *>(b);
+#define FMA _mm256_fmadd_pd
+#define BCAST _mm256_broadcast_sd
+  ORB_COMPLEX_LOOP(__m256d, _mm256_setzero_pd, _mm256_load_pd, BCAST, FMA, 4)
+#undef FMA
+#undef BCAST
+  const __m256d ar = _mm256_set1_pd(alpha.real()), ai = _mm256_set1_pd(alpha.imag());
+  const __m256d br = _mm256_set1_pd(beta.real()), bi = _mm256_set1_pd(beta.imag());
+  const bool zero_beta = beta == c16(0.0);
+#define ORB_UPDATE(j)                                                          \
+  {                                                                            \
+    double *cj = reinterpret_cast<double *>(c + std::int64_t{j} * ldc);        \
+    const __m256d prod = _mm256_addsub_pd(x##j, _mm256_permute_pd(u##j, 0x5)); \
+    __m256d r = cmul(prod, ar, ai);                                            \
+    if (!zero_beta) r = _mm256_add_pd(r, cmul(_mm256_loadu_pd(cj), br, bi));   \
+    _mm256_storeu_pd(cj, r);                                                   \
+  }
+  ORB_FOR3(ORB_UPDATE)
+#undef ORB_UPDATE
+}
+#undef ORB_COMPLEX_STEP
+#undef ORB_COMPLEX_LOOP
+
+static_assert(sgemm_shape.mr == 8 && sgemm_shape.nr == 6 && dgemm_shape.mr == 4 &&
+                  dgemm_shape.nr == 6 && cgemm_shape.mr == 4 && cgemm_shape.nr == 3 &&
+                  zgemm_shape.mr == 2 && zgemm_shape.nr == 3,
+              "the tiles of the kernels");
+
+#undef ORB_FOR3
+#undef ORB_FOR6
+#endif
+
 }  // namespace orb::kernel::avx2
 
 namespace orb::kernel::avx2 {
@@ -300,12 +442,7 @@ void sgemm_thin(Op tb, int m, int n, int k, int kc, float alpha, const float *a,
   }
 }
 
-// The tiles these kernels are written for, and the inner blocks sgemm_thin
-// has room for.
-static_assert(sgemm_shape.mr == 16 && sgemm_shape.nr == 6 && dgemm_shape.mr == 8 &&
-                  dgemm_shape.nr == 6 && cgemm_shape.mr == 8 && cgemm_shape.nr == 2 &&
-                  zgemm_shape.mr == 4 && zgemm_shape.nr == 2,
-              "the tiles of the kernels");
+// The inner blocks sgemm_thin has room for.
 static_assert(sgemm_shape.kc <= 256 && sgemm_thin_kernel.max_n <= 8, "sgemm_thin's packed B");
 
 }  // namespace orb::kernel::avx2

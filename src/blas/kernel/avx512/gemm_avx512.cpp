@@ -1,11 +1,11 @@
-// GEMM micro-kernels on 512-bit vectors (x86-64). Each keeps a 24-register
-// accumulator tile, two vectors of A by twelve (real) or six (complex)
-// broadcast elements of B, which leaves eight of the 32 registers for the
-// operands. Every element is summed over the inner dimension in order with
-// fused multiply-adds, and the update of C rounds alpha AB and beta C
-// separately before adding them, as the driver does for partial tiles and as
-// the 256-bit kernels do: the sums of an element do not depend on which of
-// these kernels forms them.
+// GEMM micro-kernels on 512-bit vectors, for 32 registers or for eight
+// (blas/kernel/registers.h), and the small-product kernel. With 32 each
+// micro-kernel keeps a 24-register accumulator tile, two vectors of A by twelve (real) or six
+// (complex) broadcast elements of B, which leaves eight of the 32 registers for the operands. Every
+// element is summed over the inner dimension in order with fused multiply-adds, and the update of C
+// rounds alpha AB and beta C separately before adding them, as the driver does for partial tiles
+// and as the 256-bit kernels do: the sums of an element do not depend on which of these kernels
+// forms them.
 #include <immintrin.h>
 
 #include <array>
@@ -85,6 +85,8 @@ inline void cupdate(double *c, __m512d prod, __m512d ar, __m512d ai, __m512d br,
 }
 
 }  // namespace
+
+#if !defined(ORB_EIGHT_REGISTERS)
 
 void sgemm_ukr_32x12(int k, const float *a, const float *b, float *c, int ldc, float alpha,
                      float beta) {
@@ -244,6 +246,115 @@ static_assert(sgemm_shape.mr == 32 && sgemm_shape.nr == 12 && dgemm_shape.mr == 
                   dgemm_shape.nr == 12 && cgemm_shape.mr == 16 && cgemm_shape.nr == 6 &&
                   zgemm_shape.mr == 8 && zgemm_shape.nr == 6,
               "the tiles of the kernels");
+
+#else
+
+// Eight registers: one vector of A and seven accumulators, or three complex
+// columns of two; every element of B is broadcast from memory by the
+// multiply-add that uses it. The sums and the update are those of the wider
+// tiles.
+#define ORB_FOR3(M) M(0) M(1) M(2)
+#define ORB_FOR7(M) M(0) M(1) M(2) M(3) M(4) M(5) M(6)
+
+#define ORB_REAL_LOOP(V, ZERO, LOAD, SET1, FMA, LANES)                             \
+  V c0 = ZERO(), c1 = c0, c2 = c0, c3 = c0, c4 = c0, c5 = c0, c6 = c0;             \
+  _Pragma("GCC unroll 4") for (int p = 0; p < k; ++p) {                            \
+    const V a0 = LOAD(a);                                                          \
+    _mm_prefetch(reinterpret_cast<const char *>(a + (LANES)*kAhead), _MM_HINT_T0); \
+    ORB_FOR7(ORB_REAL_STEP)                                                        \
+    a += LANES;                                                                    \
+    b += 7;                                                                        \
+  }
+#define ORB_REAL_STEP(j) c##j = FMA(a0, SET1(b[j]), c##j);
+#define ORB_REAL_UPDATE(j) update(c + std::int64_t{j} * ldc, c##j, va, vb, zero_beta);
+
+void sgemm_ukr_16x7(int k, const float *a, const float *b, float *c, int ldc, float alpha,
+                    float beta) {
+#define SET1 _mm512_set1_ps
+#define FMA _mm512_fmadd_ps
+  ORB_REAL_LOOP(__m512, _mm512_setzero_ps, _mm512_load_ps, SET1, FMA, 16)
+#undef SET1
+#undef FMA
+  const __m512 va = _mm512_set1_ps(alpha), vb = _mm512_set1_ps(beta);
+  const bool zero_beta = beta == 0.0f;
+  ORB_FOR7(ORB_REAL_UPDATE)
+}
+
+void dgemm_ukr_8x7(int k, const double *a, const double *b, double *c, int ldc, double alpha,
+                   double beta) {
+#define SET1 _mm512_set1_pd
+#define FMA _mm512_fmadd_pd
+  ORB_REAL_LOOP(__m512d, _mm512_setzero_pd, _mm512_load_pd, SET1, FMA, 8)
+#undef SET1
+#undef FMA
+  const __m512d va = _mm512_set1_pd(alpha), vb = _mm512_set1_pd(beta);
+  const bool zero_beta = beta == 0.0;
+  ORB_FOR7(ORB_REAL_UPDATE)
+}
+#undef ORB_REAL_UPDATE
+#undef ORB_REAL_STEP
+#undef ORB_REAL_LOOP
+
+// Complex tiles of three columns: xj accumulates a * re(b_j), uj a * im(b_j).
+#define ORB_COMPLEX_LOOP(V, ZERO, LOAD, SET1, FMA, REALS)                           \
+  V x0 = ZERO(), x1 = x0, x2 = x0, u0 = x0, u1 = x0, u2 = x0;                       \
+  _Pragma("GCC unroll 2") for (int p = 0; p < k; ++p) {                             \
+    const V a0 = LOAD(ap);                                                          \
+    _mm_prefetch(reinterpret_cast<const char *>(ap + (REALS)*kAhead), _MM_HINT_T0); \
+    ORB_FOR3(ORB_COMPLEX_STEP)                                                      \
+    ap += REALS;                                                                    \
+    bp += 6;                                                                        \
+  }
+#define ORB_COMPLEX_STEP(j)              \
+  x##j = FMA(a0, SET1(bp[2 * j]), x##j); \
+  u##j = FMA(a0, SET1(bp[2 * j + 1]), u##j);
+#define ORB_COMPLEX_UPDATE(j) \
+  cupdate(cp + 2 * std::int64_t{j} * ldc, combine(x##j, u##j), ar, ai, br, bi, zero_beta);
+
+void cgemm_ukr_8x3(int k, const c8 *a, const c8 *b, c8 *c, int ldc, c8 alpha, c8 beta) {
+  const float *ap = reinterpret_cast<const float *>(a);
+  const float *bp = reinterpret_cast<const float *>(b);
+  float *cp = reinterpret_cast<float *>(c);
+#define SET1 _mm512_set1_ps
+#define FMA _mm512_fmadd_ps
+  ORB_COMPLEX_LOOP(__m512, _mm512_setzero_ps, _mm512_load_ps, SET1, FMA, 16)
+#undef SET1
+#undef FMA
+  const __m512 ar = _mm512_set1_ps(alpha.real()), ai = _mm512_set1_ps(alpha.imag());
+  const __m512 br = _mm512_set1_ps(beta.real()), bi = _mm512_set1_ps(beta.imag());
+  const bool zero_beta = beta == c8(0.0f);
+  ORB_FOR3(ORB_COMPLEX_UPDATE)
+}
+
+void zgemm_ukr_4x3(int k, const c16 *a, const c16 *b, c16 *c, int ldc, c16 alpha, c16 beta) {
+  const double *ap = reinterpret_cast<const double *>(a);
+  const double *bp = reinterpret_cast<const double *>(b);
+  double *cp = reinterpret_cast<double *>(c);
+#define SET1 _mm512_set1_pd
+#define FMA _mm512_fmadd_pd
+  ORB_COMPLEX_LOOP(__m512d, _mm512_setzero_pd, _mm512_load_pd, SET1, FMA, 8)
+#undef SET1
+#undef FMA
+  const __m512d ar = _mm512_set1_pd(alpha.real()), ai = _mm512_set1_pd(alpha.imag());
+  const __m512d br = _mm512_set1_pd(beta.real()), bi = _mm512_set1_pd(beta.imag());
+  const bool zero_beta = beta == c16(0.0);
+  ORB_FOR3(ORB_COMPLEX_UPDATE)
+}
+#undef ORB_COMPLEX_UPDATE
+#undef ORB_COMPLEX_STEP
+#undef ORB_COMPLEX_LOOP
+#undef ORB_FOR7
+#undef ORB_FOR3
+#undef ORB_FOR6
+#undef ORB_FOR12
+#undef ORB_ACC
+
+static_assert(sgemm_shape.mr == 16 && sgemm_shape.nr == 7 && dgemm_shape.mr == 8 &&
+                  dgemm_shape.nr == 7 && cgemm_shape.mr == 8 && cgemm_shape.nr == 3 &&
+                  zgemm_shape.mr == 4 && zgemm_shape.nr == 3,
+              "the tiles of the kernels");
+
+#endif
 
 }  // namespace orb::kernel::avx512
 

@@ -22,6 +22,7 @@
 #include <cstdint>
 
 #include "blas/kernel/level2.h"
+#include "blas/kernel/registers.h"
 
 #ifndef ORB_L2_LEVEL
 #define ORB_L2_LEVEL sse2
@@ -194,7 +195,7 @@ struct VD {
 // to keep several streams of the matrix going, few enough to stay in the
 // vector registers (eight in the 32-bit build). A complex pass of y += A x
 // holds two broadcasts per column.
-#if defined(__x86_64__)
+#if !defined(ORB_EIGHT_REGISTERS)
 constexpr int kRealGroupN = 8, kRealGroupT = 4, kComplexGroupN = 6, kComplexGroupT = 4,
               kRealDotUnroll = 2;
 #else
