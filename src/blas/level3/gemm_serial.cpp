@@ -128,33 +128,36 @@ constexpr Sgemm kType4{4, false, kernel::ssse3::sgemm_shape, &kernel::ssse3::sge
 constexpr Sgemm kType4Sse41{4, true, kernel::ssse3::sgemm_shape, &kernel::ssse3::sgemm_direct,
                             nullptr};
 constexpr Sgemm kType5{5, true, kernel::sse42::sgemm_shape, &kernel::sse42::sgemm_direct, nullptr};
-// The thin and small kernels keep more accumulators than eight registers
-// hold; there the packed kernel serves every shape.
-#if defined(ORB_EIGHT_REGISTERS)
-constexpr const kernel::GemmThin<float> *kWideThin = nullptr;
-#else
-constexpr const kernel::GemmThin<float> *kWideThin = &kernel::avx2::sgemm_thin_kernel;
-#endif
 // The wider path: the 256-bit packed and thin kernels; a product without its
 // packing buffers still goes through the type's own unpacked kernel.
 #if defined(ORB_KERNELS_AVX2)
 constexpr Sgemm kType4Avx2{4, true, kernel::avx2::sgemm_shape, &kernel::ssse3::sgemm_direct,
-                           kWideThin};
+                           &kernel::avx2::sgemm_thin_kernel};
 constexpr Sgemm kType5Avx2{5, true, kernel::avx2::sgemm_shape, &kernel::sse42::sgemm_direct,
-                           kWideThin};
+                           &kernel::avx2::sgemm_thin_kernel};
 #endif
 // The widest path: the 512-bit packed and small kernels beside the 256-bit
 // thin one, all summing in the same blocks.
 #if defined(ORB_KERNELS_AVX512)
+// The small kernel keeps more accumulators than eight registers hold; there
+// the packed kernel serves small products too.
 #if defined(ORB_EIGHT_REGISTERS)
 constexpr const kernel::GemmSmall<float> *kWideSmall = nullptr;
 #else
 constexpr const kernel::GemmSmall<float> *kWideSmall = &kernel::avx512::sgemm_small_kernel;
 #endif
-constexpr Sgemm kType4Avx512{
-    4, true, kernel::avx512::sgemm_shape, &kernel::ssse3::sgemm_direct, kWideThin, kWideSmall};
-constexpr Sgemm kType5Avx512{
-    5, true, kernel::avx512::sgemm_shape, &kernel::sse42::sgemm_direct, kWideThin, kWideSmall};
+constexpr Sgemm kType4Avx512{4,
+                             true,
+                             kernel::avx512::sgemm_shape,
+                             &kernel::ssse3::sgemm_direct,
+                             &kernel::avx2::sgemm_thin_kernel,
+                             kWideSmall};
+constexpr Sgemm kType5Avx512{5,
+                             true,
+                             kernel::avx512::sgemm_shape,
+                             &kernel::sse42::sgemm_direct,
+                             &kernel::avx2::sgemm_thin_kernel,
+                             kWideSmall};
 #endif
 
 // ---- type 0: the generic path ---------------------------------------------------

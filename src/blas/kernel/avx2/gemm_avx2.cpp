@@ -431,6 +431,20 @@ void sgemm_thin(Op tb, int m, int n, int k, int kc, float alpha, const float *a,
                                              : b[j + std::int64_t{pc + p} * ldb];
     const float beta_here = pc == 0 ? beta : 1.0f;
     const float *ablock = a + std::int64_t{pc} * lda;
+#if defined(ORB_EIGHT_REGISTERS)
+    // Four accumulators at most; more than four columns in two passes over
+    // A, the second on columns 4 on of the packed B.
+    if (n == 1)
+      thin_rows<4, 1>(kb, m, ablock, lda, bpack, c, ldc, n, alpha, beta_here);
+    else if (n == 2)
+      thin_rows<2, 2>(kb, m, ablock, lda, bpack, c, ldc, n, alpha, beta_here);
+    else {
+      thin_rows<1, 4>(kb, m, ablock, lda, bpack, c, ldc, n, alpha, beta_here);
+      if (n > 4)
+        thin_rows<1, 4>(kb, m, ablock, lda, bpack + 4, c + 4 * std::int64_t{ldc}, ldc, n - 4, alpha,
+                        beta_here);
+    }
+#else
     if (n == 1)
       thin_rows<4, 1>(kb, m, ablock, lda, bpack, c, ldc, n, alpha, beta_here);
     else if (n == 2)
@@ -439,6 +453,7 @@ void sgemm_thin(Op tb, int m, int n, int k, int kc, float alpha, const float *a,
       thin_rows<2, 4>(kb, m, ablock, lda, bpack, c, ldc, n, alpha, beta_here);
     else
       thin_rows<1, 8>(kb, m, ablock, lda, bpack, c, ldc, n, alpha, beta_here);
+#endif
   }
 }
 
