@@ -157,6 +157,29 @@ int alpha_zero() {
   return bad;
 }
 
+// The same product on one thread and on three, whose slabs of C cut the
+// kernel's tiles elsewhere: the elements agree bit for bit.
+template <class T>
+int thread_count_differences() {
+  Random rng(13);
+  const int m = 203, n = 45, k = 70;
+  const Matrix<T> a = operand<T>(m, k, 1, rng);
+  const Matrix<T> b = operand<T>(n, k, 0, rng);
+  const Matrix<T> c0 = operand<T>(m, n, 2, rng);
+  Matrix<T> one = c0, three = c0;
+  const T alpha = make<T>(1.25, -0.5), beta = make<T>(0.5, 0.75);
+  ORB_Set_Num_Threads(1);
+  call<T>('N', 'T', m, n, k, alpha, a.data(), a.ld, b.data(), b.ld, beta, one.data(), one.ld);
+  ORB_Set_Num_Threads(3);
+  call<T>('N', 'T', m, n, k, alpha, a.data(), a.ld, b.data(), b.ld, beta, three.data(), three.ld);
+  ORB_Set_Num_Threads(2);
+  int differ = 0;
+  for (int j = 0; j < n; ++j)
+    for (int i = 0; i < m; ++i) differ += one(i, j) != three(i, j);
+  if (differ) std::printf("  %d elements depend on the thread count\n", differ);
+  return differ;
+}
+
 int full_sweep() {
   const std::vector<int> small = {1, 2, 7, 8, 17, 33};
   int bad = boundary_sweep() + alpha_zero();
@@ -174,6 +197,13 @@ int full_sweep() {
   bad += run_case<c8>('C', 'N', 17, 2053, 30, c8(1), make<c8>(0.5, 0.5), rng);
   bad += run_case<c16>('N', 'N', 65, 7, 257, make<c16>(0.5, 2), c16(1), rng);
   bad += run_case<c16>('T', 'C', 9, 1027, 30, c16(1), c16(0), rng);
+  // Blocks of rows of the 128-bit kernels: 192 (double and complex) and 128
+  // (double complex).
+  bad += run_case<double>('T', 'T', 193, 10, 20, 2.0, 0.0, rng, true);
+  bad += run_case<c8>('N', 'T', 193, 6, 12, make<c8>(0, 1), make<c8>(-1, 0.5), rng);
+  bad += run_case<c16>('C', 'N', 129, 5, 9, make<c16>(1, 1), c16(0), rng, true);
+  bad += thread_count_differences<double>() + thread_count_differences<c8>() +
+         thread_count_differences<c16>();
   return bad;
 }
 
@@ -183,17 +213,23 @@ ORB_CHILD(gemm_sweep) {
   return bad == 0 ? 0 : 1;
 }
 
-// The processor as it is, but without the 512-bit instructions: the kernel
-// set then takes the 256-bit path where the processor has it.
-orb::cpu::Regs without_avx512(std::uint32_t leaf, std::uint32_t subleaf) {
+// The processor as it is, but without the 512-bit instructions, or without
+// any of the wider paths (no AVX2, FMA or AVX-512): the kernel set then
+// takes the widest path that remains.
+template <bool Narrow>
+orb::cpu::Regs without_wide(std::uint32_t leaf, std::uint32_t subleaf) {
   orb::cpu::Regs r{};
   __cpuid_count(leaf, subleaf, r.eax, r.ebx, r.ecx, r.edx);
-  if (leaf == 7 && subleaf == 0) r.ebx &= ~((1u << 16) | (1u << 17) | (1u << 30) | (1u << 31));
+  if (leaf == 7 && subleaf == 0) {
+    r.ebx &= ~((1u << 16) | (1u << 17) | (1u << 30) | (1u << 31));
+    if (Narrow) r.ebx &= ~(1u << 5);
+  }
+  if (Narrow && leaf == 1) r.ecx &= ~(1u << 12);
   return r;
 }
 
 ORB_CHILD(gemm_sweep_256) {
-  orb::cpu::set_cpuid_source(without_avx512, [] { return true; });
+  orb::cpu::set_cpuid_source(without_wide<false>, [] { return true; });
   orb::cpu::reset_for_testing();
   const int bad = full_sweep();
   std::printf("type %d without 512-bit vectors: %d bad\n", orb::cpu::blas_type(), bad);
@@ -201,6 +237,18 @@ ORB_CHILD(gemm_sweep_256) {
                       orb::cpu::kernel_set() == orb::cpu::kSetType5Avx2;
   if (!on_256) std::printf("kernel set %d is not a 256-bit one\n", orb::cpu::kernel_set());
   return bad == 0 && on_256 ? 0 : 1;
+}
+
+ORB_CHILD(gemm_sweep_128) {
+  orb::cpu::set_cpuid_source(without_wide<true>, [] { return true; });
+  orb::cpu::reset_for_testing();
+  const int bad = full_sweep();
+  std::printf("type %d without the wider paths: %d bad\n", orb::cpu::blas_type(), bad);
+  const orb::cpu::KernelSet set = orb::cpu::kernel_set();
+  const bool narrow =
+      set == orb::cpu::kSetType4 || set == orb::cpu::kSetType4Sse41 || set == orb::cpu::kSetType5;
+  if (!narrow) std::printf("kernel set %d is not a 128-bit one\n", set);
+  return bad == 0 && narrow ? 0 : 1;
 }
 
 // Every processor path of this machine's build, one process each: the types
@@ -224,6 +272,15 @@ TEST(Gemm, The256BitKernelsOnAProcessorWith512BitVectors) {
                     "512-bit kernels did not run, the 256-bit ones were checked above";
   for (const char *type : {"4", "5"}) {
     auto r = orb::test::run_child("gemm_sweep_256", {{"ORB_DEBUG_CPU_TYPE", type}});
+    EXPECT_EQ(r.exit_code, 0) << "type " << type << "\n" << r.out;
+  }
+}
+
+// Types 4 and 5 on a processor without the wider paths run the 128-bit
+// kernels of types 2 and 3 for the other precisions.
+TEST(Gemm, Types4And5WithoutTheWiderPaths) {
+  for (const char *type : {"4", "5"}) {
+    auto r = orb::test::run_child("gemm_sweep_128", {{"ORB_DEBUG_CPU_TYPE", type}});
     EXPECT_EQ(r.exit_code, 0) << "type " << type << "\n" << r.out;
   }
 }

@@ -95,7 +95,26 @@ inline constexpr int kSseGemmMr = 8;
 // caches are large, see sse_packed_block) over inner blocks of 64.
 namespace sse2 {
 ORB_SSE_GEMM_DECLS(240, 64, 240)
-}
+// The other precisions, on every type from 2 up without a wider path (one
+// compilation, for SSE2). Each tile keeps two sums per vector of it: 2 by 4
+// (double), 2 by 2 (complex) and 1 by 2 (double complex) with eight
+// registers, 4 by 4, 4 by 2 and 2 by 2 with sixteen. Inner blocks of 256 keep
+// a sliver of A and one of B within 16 KiB of L1; a block of A takes 384 or
+// 512 KiB of L2.
+void dgemm_ukr(int k, const double *a, const double *b, double *c, int ldc, double alpha,
+               double beta);
+void cgemm_ukr(int k, const c8 *a, const c8 *b, c8 *c, int ldc, c8 alpha, c8 beta);
+void zgemm_ukr(int k, const c16 *a, const c16 *b, c16 *c, int ldc, c16 alpha, c16 beta);
+#if defined(ORB_EIGHT_REGISTERS)
+inline constexpr GemmShape<double> dgemm_shape{2, 4, 192, 256, 2048, &dgemm_ukr};
+inline constexpr GemmShape<c8> cgemm_shape{2, 2, 192, 256, 2048, &cgemm_ukr};
+inline constexpr GemmShape<c16> zgemm_shape{1, 2, 128, 256, 1024, &zgemm_ukr};
+#else
+inline constexpr GemmShape<double> dgemm_shape{4, 4, 192, 256, 2048, &dgemm_ukr};
+inline constexpr GemmShape<c8> cgemm_shape{4, 2, 192, 256, 2048, &cgemm_ukr};
+inline constexpr GemmShape<c16> zgemm_shape{2, 2, 128, 256, 1024, &zgemm_ukr};
+#endif
+}  // namespace sse2
 namespace sse3 {
 ORB_SSE_GEMM_DECLS(240, 64, 240)
 }

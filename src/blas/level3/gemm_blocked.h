@@ -68,6 +68,7 @@ bool pack_whole_sliver(int width, bool gather, bool conj, const T *src, std::int
       whole_sliver<W, false>(gather, src, ld, kb, dst); \
     return true;
   switch (width) {
+    ORB_WIDTH(1)
     ORB_WIDTH(2)
     ORB_WIDTH(3)
     ORB_WIDTH(4)

@@ -399,19 +399,25 @@ GemmShape<float> packed_shape<float>() {
 
 namespace {
 
-// The generic kernel, and the 256-bit and 512-bit ones on the wider paths of
-// types 4 and 5.
+// The generic kernel on type 0, the 128-bit one from type 2 up, and the
+// 256-bit and 512-bit ones on the wider paths of types 4 and 5.
+#define ORB_GEMM_NARROW(shape)                                                                    \
+  each(&kernel::generic::shape, &kernel::sse2::shape, &kernel::sse2::shape, &kernel::sse2::shape, \
+       &kernel::sse2::shape)
 #if defined(ORB_KERNELS_AVX512)
 #define ORB_GEMM_PACKED(shape) \
-  widest(wider(single(&kernel::generic::shape), &kernel::avx2::shape), &kernel::avx512::shape)
+  widest(wider(ORB_GEMM_NARROW(shape), &kernel::avx2::shape), &kernel::avx512::shape)
 #elif defined(ORB_KERNELS_AVX2)
-#define ORB_GEMM_PACKED(shape) wider(single(&kernel::generic::shape), &kernel::avx2::shape)
+#define ORB_GEMM_PACKED(shape) wider(ORB_GEMM_NARROW(shape), &kernel::avx2::shape)
 #else
-#define ORB_GEMM_PACKED(shape) single(&kernel::generic::shape)
+#define ORB_GEMM_PACKED(shape) ORB_GEMM_NARROW(shape)
 #endif
 static_assert(fits_local_tile(kernel::generic::dgemm_shape) &&
               fits_local_tile(kernel::generic::cgemm_shape) &&
               fits_local_tile(kernel::generic::zgemm_shape));
+static_assert(fits_local_tile(kernel::sse2::dgemm_shape) &&
+              fits_local_tile(kernel::sse2::cgemm_shape) &&
+              fits_local_tile(kernel::sse2::zgemm_shape));
 #if defined(ORB_KERNELS_AVX2)
 static_assert(fits_local_tile(kernel::avx2::dgemm_shape) &&
               fits_local_tile(kernel::avx2::cgemm_shape) &&
@@ -426,6 +432,7 @@ Slot<const GemmShape<double> *> g_dgemm{ORB_GEMM_PACKED(dgemm_shape)};
 Slot<const GemmShape<c8> *> g_cgemm{ORB_GEMM_PACKED(cgemm_shape)};
 Slot<const GemmShape<c16> *> g_zgemm{ORB_GEMM_PACKED(zgemm_shape)};
 #undef ORB_GEMM_PACKED
+#undef ORB_GEMM_NARROW
 
 const GemmShape<double> &packed_kernel(double) {
   return *g_dgemm.get();
