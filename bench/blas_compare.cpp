@@ -1,17 +1,25 @@
 // ORB against its peers, side by side in one run: each library is loaded on
-// its own (OpenBLAS and BLIS from Debian's pthread builds), called through its
-// Fortran-convention names, and timed on the same operands. Prints GFLOP/s
-// (or GB/s for memory-bound routines) and ORB's ratio to the best peer.
+// its own (on Linux OpenBLAS and BLIS from Debian's pthread builds), called
+// through its Fortran-convention names, and timed on the same operands.
+// Prints GFLOP/s (or GB/s for memory-bound routines) and ORB's ratio to the
+// best peer.
 //
 //   blas_compare [--threads 1,2] [--filter gemm] [--orb path/to/liborb.so]
-//                [--base path/to/other/liborb.so]
+//                [--base path/to/other/liborb.so] [--peer NAME=path]...
 //
 // --base adds another build of ORB (say, main's, beside a change) as the column
-// "base", with ORB's ratio to it; the ratio to the best peer leaves it out. The
-// libraries of a row are timed in turn, call by call, so a drift in the
-// machine's speed moves them alike. The Windows build (orb.dll under wine) has
-// no peers and reports ORB alone.
+// "base", with ORB's ratio to it; the ratio to the best peer leaves it out.
+// --peer adds a library of the BLAS interface as a peer column. The libraries
+// of a row are timed in turn, call by call, so a drift in the machine's speed
+// moves them alike.
+//
+// The Windows build runs under wine; it loads orb.dll (beside the program
+// unless --orb names another) and has only the peers given with --peer, say
+// the 32-bit OpenBLAS of tools/build-openblas-win32.sh:
+//
+//   wine blas_compare.exe --threads 1,2 --peer OpenBLAS=path/to/libopenblas.dll
 #include <algorithm>
+#include <cctype>
 #include <chrono>
 #include <complex>
 #include <cstdio>
@@ -33,8 +41,6 @@
 #define NOMINMAX
 #endif
 #include <windows.h>
-
-#include "orb.h"
 #endif
 
 namespace {
@@ -53,33 +59,57 @@ using SyrkFn = void (*)(const char *, const char *, const int *, const int *, co
 struct Library {
   std::string name;
   void *handle = nullptr;
+  bool orb_dll = false;  // orb.dll, whose names are not the Fortran ones
   std::function<void(int)> set_threads;
   void *sym(const char *s) const {
+    if (!handle) return nullptr;
 #if defined(__linux__)
-    return handle ? dlsym(handle, s) : nullptr;
+    return dlsym(handle, s);
 #else
-    return nullptr;
+    return reinterpret_cast<void *>(GetProcAddress(static_cast<HMODULE>(handle), s));
 #endif
   }
 };
 
-std::vector<Library> load_libraries(const std::string &orb_path, const std::string &base_path) {
+// A peer given as NAME=path.
+struct Peer {
+  std::string name, path;
+};
+
+std::vector<Library> load_libraries(const std::string &orb_path, const std::string &base_path,
+                                    const std::vector<Peer> &peers) {
   std::vector<Library> libs;
-#if defined(__linux__)
-  auto open = [&](const char *name, const char *path) {
+  auto open = [&](const std::string &name, const std::string &path, bool orb) {
     Library l;
     l.name = name;
-    l.handle = dlopen(path, RTLD_NOW | RTLD_LOCAL);
+#if defined(__linux__)
+    (void)orb;
+    l.handle = dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL);
     if (!l.handle) {
-      std::fprintf(stderr, "cannot load %s: %s\n", path, dlerror());
+      std::fprintf(stderr, "cannot load %s: %s\n", path.c_str(), dlerror());
       return;
     }
+#else
+    // A DLL given by its path finds the DLLs it needs beside it (orb.dll its
+    // message DLL); one given by name is searched for as usual.
+    l.handle = LoadLibraryExA(
+        path.c_str(), nullptr,
+        path.find_first_of("/\\") != std::string::npos ? LOAD_WITH_ALTERED_SEARCH_PATH : 0);
+    if (!l.handle) {
+      std::fprintf(stderr, "cannot load %s: error %lu\n", path.c_str(), GetLastError());
+      return;
+    }
+    l.orb_dll = orb;
+#endif
     libs.push_back(l);
   };
-  open("ORB", orb_path.c_str());
-  if (!base_path.empty()) open("base", base_path.c_str());
-  open("OpenBLAS", "/usr/lib/x86_64-linux-gnu/openblas-pthread/libopenblas.so.0");
-  open("BLIS", "/usr/lib/x86_64-linux-gnu/blis-pthread/libblis.so.4");
+  open("ORB", orb_path, true);
+  if (!base_path.empty()) open("base", base_path, true);
+#if defined(__linux__)
+  open("OpenBLAS", "/usr/lib/x86_64-linux-gnu/openblas-pthread/libopenblas.so.0", false);
+  open("BLIS", "/usr/lib/x86_64-linux-gnu/blis-pthread/libblis.so.4", false);
+#endif
+  for (const Peer &p : peers) open(p.name, p.path, false);
   for (Library &l : libs) {
     if (auto f = reinterpret_cast<void (*)(int)>(l.sym("ORB_Set_Num_Threads")))
       l.set_threads = f;
@@ -88,9 +118,6 @@ std::vector<Library> load_libraries(const std::string &orb_path, const std::stri
     else if (auto h = reinterpret_cast<void (*)(long)>(l.sym("bli_thread_set_num_threads")))
       l.set_threads = [h](int n) { h(n); };
   }
-#else
-  (void)orb_path;
-#endif
   return libs;
 }
 
@@ -264,20 +291,19 @@ using TrsvFn = void (*)(const char *, const char *, const char *, const int *, c
 using GerFn = void (*)(const int *, const int *, const float *, const float *, const int *,
                        const float *, const int *, float *, const int *);
 
-// A routine by its Fortran-convention name; on Windows ORB's own export of
-// the name without the trailing underscore, from the DLL this program links.
+// A routine by its Fortran-convention name. orb.dll exports no such names:
+// there a single-precision routine goes by its plain lower-case name and a
+// double-precision one by its upper-case name, since orb.dll binds some
+// lower-case double names (dgemm, dtrsm, ...) to single precision.
 template <class Fn>
-Fn find(const Library &l, const char *name) {
-#if defined(__linux__)
-  return reinterpret_cast<Fn>(l.sym(name));
-#else
-  (void)l;
-  std::string plain(name);
-  if (!plain.empty() && plain.back() == '_') plain.pop_back();
-  HMODULE orb = GetModuleHandleA("orb.dll");
-  return orb ? reinterpret_cast<Fn>(reinterpret_cast<void *>(GetProcAddress(orb, plain.c_str())))
-             : nullptr;
-#endif
+Fn find(const Library &l, const char *fortran_name) {
+  std::string name(fortran_name);
+  if (l.orb_dll) {
+    if (!name.empty() && name.back() == '_') name.pop_back();
+    if (!name.empty() && (name[0] == 'd' || name[0] == 'z'))
+      for (char &ch : name) ch = char(std::toupper(static_cast<unsigned char>(ch)));
+  }
+  return reinterpret_cast<Fn>(l.sym(name.c_str()));
 }
 
 void level12(std::vector<Library> &libs, const std::vector<int> &thread_counts,
@@ -371,7 +397,13 @@ void level12(std::vector<Library> &libs, const std::vector<int> &thread_counts,
 
 int main(int argc, char **argv) {
   std::vector<int> thread_counts = {1, 2};
-  std::string filter, orb_path = "liborb.so", base_path;
+#if defined(__linux__)
+  std::string orb_path = "liborb.so";
+#else
+  std::string orb_path = "orb.dll";
+#endif
+  std::string filter, base_path;
+  std::vector<Peer> peers;
   for (int i = 1; i < argc; ++i) {
     if (!std::strcmp(argv[i], "--threads") && i + 1 < argc) {
       thread_counts.clear();
@@ -383,15 +415,22 @@ int main(int argc, char **argv) {
       orb_path = argv[++i];
     } else if (!std::strcmp(argv[i], "--base") && i + 1 < argc) {
       base_path = argv[++i];
+    } else if (!std::strcmp(argv[i], "--peer") && i + 1 < argc) {
+      const std::string arg = argv[++i];
+      const std::size_t eq = arg.find('=');
+      if (eq == std::string::npos || eq == 0 || eq + 1 == arg.size()) {
+        std::fprintf(stderr, "--peer wants NAME=path, not %s\n", arg.c_str());
+        return 2;
+      }
+      peers.push_back({arg.substr(0, eq), arg.substr(eq + 1)});
     }
   }
-  std::vector<Library> libs = load_libraries(orb_path, base_path);
-#if !defined(__linux__)
-  Library orb;
-  orb.name = "ORB";
-  orb.set_threads = [](int n) { ORB_Set_Num_Threads(n); };
-  libs.push_back(orb);
-#endif
+  std::vector<Library> libs = load_libraries(orb_path, base_path, peers);
+  if (libs.empty() || libs[0].name != "ORB") return 1;
+  // What an OpenBLAS built for several processors chose on this one.
+  for (const Library &l : libs)
+    if (auto config = reinterpret_cast<const char *(*)()>(l.sym("openblas_get_config")))
+      std::printf("%s: %s\n", l.name.c_str(), config());
   const Peaks peaks = fma_peaks();
   if (peaks.avx2 > 0)
     std::printf("single-precision FMA peak of one core: %.1f GFLOP/s with 256-bit vectors",
@@ -447,14 +486,7 @@ int main(int argc, char **argv) {
         const float one[2] = {1, 0}, zero[2] = {0, 0};
         const double done = 1, dzero = 0;
         if (routine == "sgemm" || routine == "cgemm" || routine == "dgemm") {
-          GemmFn f = nullptr;
-#if defined(__linux__)
-          f = reinterpret_cast<GemmFn>(l.sym((routine + "_").c_str()));
-#else
-          if (routine == "sgemm") f = reinterpret_cast<GemmFn>(&sgemm);
-          if (routine == "cgemm") f = reinterpret_cast<GemmFn>(&cgemm);
-          if (routine == "dgemm") f = reinterpret_cast<GemmFn>(&DGEMM);
-#endif
+          GemmFn f = find<GemmFn>(l, (routine + "_").c_str());
           if (!f) {
             runs.emplace_back();
             continue;
@@ -465,24 +497,14 @@ int main(int argc, char **argv) {
             f("N", "N", &m, &n, &k, al, a.data(), &m, b.data(), &k, be, c.data(), &m, 1, 1);
           };
         } else if (routine == "ssyrk") {
-          SyrkFn f = nullptr;
-#if defined(__linux__)
-          f = reinterpret_cast<SyrkFn>(l.sym("ssyrk_"));
-#else
-          f = reinterpret_cast<SyrkFn>(&ssyrk);
-#endif
+          SyrkFn f = find<SyrkFn>(l, "ssyrk_");
           if (!f) {
             runs.emplace_back();
             continue;
           }
           run = [=, &a, &c] { f("L", "N", &n, &k, one, a.data(), &n, zero, c.data(), &n, 1, 1); };
         } else {  // strsm, strmm: left, lower, no transpose, non-unit
-          TrsmFn f = nullptr;
-#if defined(__linux__)
-          f = reinterpret_cast<TrsmFn>(l.sym((routine + "_").c_str()));
-#else
-          f = reinterpret_cast<TrsmFn>(routine == "strsm" ? &strsm : &strmm);
-#endif
+          TrsmFn f = find<TrsmFn>(l, (routine + "_").c_str());
           if (!f) {
             runs.emplace_back();
             continue;
