@@ -128,7 +128,7 @@ exports=$($cross-objdump -p "$dll" | sed -n '/^\[Ordinal\/Name Pointer\] Table/,
 for name in sgemm_ dgemm_ cgemm_ zgemm_ sdot_ sgemv_ strsm_ openblas_set_num_threads; do
   grep -qw "$name" <<<"$exports" || die "$dll does not export $name"
 done
-imports=$($cross-objdump -p "$dll" | sed -n 's/^[[:space:]]*DLL Name: //p' | tr 'A-Z' 'a-z' | sort -u)
+imports=$($cross-objdump -p "$dll" | sed -n 's/^[[:space:]]*DLL Name: //p' | tr '[:upper:]' '[:lower:]' | sort -u)
 for d in $imports; do
   case $d in
     kernel32.dll|msvcrt.dll|advapi32.dll|user32.dll|api-ms-win-*) ;;
