@@ -20,8 +20,8 @@
 #   tools/build-openblas-win32.sh --force    unpack and build again
 #   JOBS=4 tools/build-openblas-win32.sh     more make jobs (default 2)
 #
-# About 50 CPU-minutes, half an hour with 2 jobs on an idle machine (every
-# kernel is compiled once for each of 16 processor types). Needs network access to Debian's archive only. Runs as root
+# About an hour of processor time, half an hour with 2 jobs on an idle
+# machine (every kernel is compiled once for each of 16 processor types). Needs network access to Debian's archive only. Runs as root
 # or through sudo for apt; installs dpkg-dev, xz-utils, make, perl, a host gcc
 # and the mingw-w64 i686 compiler when they are missing.
 set -euo pipefail
