@@ -4,6 +4,7 @@
 #pragma once
 
 #include <complex>
+#include <cstddef>
 #include <limits>
 
 #include "common/options.h"
@@ -58,6 +59,26 @@ inline real_t<T> abs1(T x) {
   else
     return std::abs(x);
 }
+
+// x := conj(x) for n elements at stride incx (xLACGV; a negative incx
+// starts from the far end, as the BLAS do); nothing for real data.
+template <class T>
+inline void lacgv(int n, T *x, int incx) {
+  if constexpr (is_complex_v<T>) {
+    std::ptrdiff_t ix = incx < 0 ? -static_cast<std::ptrdiff_t>(n - 1) * incx : 0;
+    for (int i = 0; i < n; ++i, ix += incx) x[ix] = std::conj(x[ix]);
+  } else {
+    (void)n, (void)x, (void)incx;
+  }
+}
+
+// Eigen-decomposition of the 2-by-2 symmetric [a b; b c] (xLAEV2):
+// rt1 >= rt2 in absolute value, and (cs1, sn1) the unit eigenvector of
+// rt1, with [cs1 sn1; -sn1 cs1] [a b; b c] [cs1 -sn1; sn1 cs1] =
+// diag(rt1, rt2). rt1 is accurate to a few ulps; rt2 may lose accuracy
+// only by cancellation in the determinant.
+template <class R>
+void laev2(R a, R b, R c, R *rt1, R *rt2, R *cs1, R *sn1);
 
 // Triangular solve with scaling against overflow (xLATRS): x := s op(A)^-1 x
 // with op(A) = A, A^T or A^H, s = *scale <= 1 chosen so that no element of

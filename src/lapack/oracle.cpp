@@ -36,6 +36,12 @@ constexpr Row kRows[] = {
     // at 72 for real data, 1.15 at 48 for complex; 1.7 and 1.85 at 400)
     {"GBTRF", "SD", 32, 2, 72},
     {"GBTRF", "CZ", 32, 2, 48},
+    // Cholesky: the recursive factorization down to blocks of 16 columns,
+    // which the column-by-column code then factors; nb is the scheduled
+    // factorization's block (by order and team: potrf_block)
+    {"POTRF", "SDCZ", 128, 2, 16},
+    // band Cholesky: blocks of up to 32 columns inside the band
+    {"PBTRF", "SDCZ", 32, 2, 0},
 };
 
 // The routine's name as the table spells it, and its precision letter.
@@ -129,15 +135,40 @@ int gbtrf_chunk() {
   return 96;
 }
 
-// Query 3 for the band solve (arguments n, kl, ku): the fewest right-hand
-// sides worth a team, from the work of one column. A team of two halves the
-// time from about 2000 multiply-adds in all; the margin covers waking the
-// team.
-int gbtrs_crossover(int n, int kl, int ku) {
-  const double per_column = static_cast<double>(n) * (2.0 * kl + ku + 1);
+// The fewest right-hand sides worth a team for a solve that takes each
+// column on its own, from the multiply-adds of one column. A team of two
+// halves the time from about 2000 multiply-adds in all; the margin covers
+// waking the team.
+int columns_for_team(double per_column) {
   constexpr double kTeamWork = 2.0e4;
   const double columns = kTeamWork / std::max(per_column, 1.0);
   return columns >= 1.0e6 ? 1000000 : std::max(2, static_cast<int>(std::ceil(columns)));
+}
+
+// Query 3 for the band LU's solve (arguments n, kl, ku).
+int gbtrs_crossover(int n, int kl, int ku) {
+  return columns_for_team(static_cast<double>(n) * (2.0 * kl + ku + 1));
+}
+
+// ---- Cholesky ("POTRF") and the band Cholesky's solve ("PBTRS") ------------------------
+
+// Query 3 with a team (third argument): the smallest order the scheduled
+// factorization takes.
+int potrf_team_crossover() {
+  return 256;
+}
+
+// Query 1 with a team: the scheduled factorization's block of columns.
+int potrf_block(int n) {
+  if (n <= 1500) return 64;
+  if (n <= 4000) return 128;
+  return 192;
+}
+
+// Query 3 for the band Cholesky's solve (arguments n, kd): two band
+// triangular solves per column.
+int pbtrs_crossover(int n, int kd) {
+  return columns_for_team(static_cast<double>(n) * (2.0 * kd + 2));
 }
 
 bool is_routine(const Name &n, const char *routine) {
@@ -166,6 +197,7 @@ int oracle(int query, const char *name, const char *opts, int n1, int n2, int n3
   switch (query) {
     case kBlockSize:
       if (is_getrf(n) && threads >= 2) return getrf_block(n2, threads);
+      if (is_routine(n, "POTRF") && threads >= 2) return potrf_block(n1);
       return row ? row->nb : 1;
     case kMinBlockSize:
       return row ? row->nbmin : 2;
@@ -173,6 +205,8 @@ int oracle(int query, const char *name, const char *opts, int n1, int n2, int n3
       if (is_getrf(n)) return getrf_crossover(n.prec, n2, threads);
       if (is_routine(n, "GBTRF") && row) return gbtrf_crossover(*row, n1, n2);
       if (is_routine(n, "GBTRS")) return gbtrs_crossover(n1, n2, n3);
+      if (is_routine(n, "POTRF") && threads >= 2) return potrf_team_crossover();
+      if (is_routine(n, "PBTRS")) return pbtrs_crossover(n1, n2);
       return row ? row->nx : 0;
     case kShifts:
       return 6;

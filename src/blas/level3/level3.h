@@ -4,8 +4,8 @@
 // with several right-hand sides (trsm_omp).
 //
 // Each is one template over the scalar type (float and std::complex<float>;
-// the triangular multiply and solve also double and std::complex<double>,
-// for the LAPACK routines) that puts its
+// the rank-k updates and the triangular multiply and solve also double and
+// std::complex<double>, for the LAPACK routines) that puts its
 // heavy work into the serial GEMM kernels. The *_omp drivers split their
 // output into independent slabs over the BLAS domain's threads and run the
 // serial routine on each; small problems stay on the calling thread. Results

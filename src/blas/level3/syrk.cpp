@@ -192,7 +192,9 @@ void syr2k_omp(bool upper, Op trans, bool herm, int n, int k, T alpha, const T *
   template void syr2k_omp<T>(bool, Op, bool, int, int, T, const T *, int, const T *, int, T, T *, \
                              int);
 ORB_SYRK(float)
+ORB_SYRK(double)
 ORB_SYRK(c8)
+ORB_SYRK(c16)
 #undef ORB_SYRK
 
 }  // namespace orb::blas
