@@ -65,6 +65,9 @@ using GetrsFn = void (*)(const char *, const int *, const int *, const void *, c
                          const int *, void *, const int *, int *, Fortran_len);
 using GeconFn = void (*)(const char *, const int *, const void *, const int *, const float *,
                          float *, float *, int *, int *, Fortran_len);
+using PotrfFn = void (*)(const char *, const int *, void *, const int *, int *, Fortran_len);
+using PotrsFn = void (*)(const char *, const int *, const int *, const void *, const int *, void *,
+                         const int *, int *, Fortran_len);
 
 const char *const kOpenblasDir = "/usr/lib/x86_64-linux-gnu/openblas-pthread";
 const char *const kReferenceLapack = "/usr/lib/x86_64-linux-gnu/lapack/liblapack.so.3";
@@ -771,6 +774,156 @@ void factored_rows(const std::vector<Library> &libs, const Options &o, const cha
   }
 }
 
+// ---- Cholesky ----------------------------------------------------------------------
+
+template <class T>
+T conj_of(T x) {
+  if constexpr (std::is_floating_point_v<T>)
+    return x;
+  else
+    return std::conj(x);
+}
+
+// A Hermitian positive definite matrix: random elements in [-1, 1], the
+// diagonal real and raised by n.
+template <class T>
+std::vector<T> positive_definite(int n, unsigned seed) {
+  std::vector<T> a = random_matrix<T>(std::size_t(n) * n, seed);
+  for (std::size_t j = 0; j < std::size_t(n); ++j) {
+    for (std::size_t i = 0; i < j; ++i) a[j + i * n] = conj_of(a[i + j * n]);
+    a[j + j * n] = T(std::real(a[j + j * n]) + float(n));
+  }
+  return a;
+}
+
+// ||A x - L L^H x||_inf / (n ||A||_inf ||x||_inf eps) for a random x, L the
+// lower triangle potrf left.
+template <class T>
+double cholesky_residual(const std::vector<T> &a, double a_norm, const T *l, int n) {
+  std::vector<Wide<T>> x(n);
+  std::mt19937 rng(11);
+  std::uniform_real_distribution<double> d(-1, 1);
+  for (auto &v : x) v = Wide<T>(d(rng));
+  const std::vector<Wide<T>> ax = times(a.data(), n, x);
+  std::vector<Wide<T>> y(n, Wide<T>(0)), lly(n, Wide<T>(0));
+  for (std::size_t i = 0; i < std::size_t(n); ++i)  // y = L^H x
+    for (std::size_t k = i; k < std::size_t(n); ++k) y[i] += conj_of(Wide<T>(l[k + i * n])) * x[k];
+  for (std::size_t j = 0; j < std::size_t(n); ++j)
+    for (std::size_t i = j; i < std::size_t(n); ++i) lly[i] += Wide<T>(l[i + j * n]) * y[j];
+  double r = 0;
+  for (int i = 0; i < n; ++i) r = std::max(r, std::abs(ax[i] - lly[i]));
+  if (!std::isfinite(r)) return std::numeric_limits<double>::infinity();
+  return r / (double(n) * a_norm * std::numeric_limits<float>::epsilon());
+}
+
+// spotrf, cpotrf on the lower triangle; each call factors a fresh copy.
+template <class T>
+void potrf_rows(const std::vector<Library> &libs, const Options &o, const char *routine) {
+  if (!wanted(o, routine)) return;
+  const std::string name = std::string(routine) + "_";
+  for (int n : o.sizes) {
+    const std::vector<T> a = positive_definite<T>(n, 3);
+    const double a_norm = norm_inf(a, n);
+    std::vector<T> work(a.size());
+    std::vector<Run> runs;
+    for (const Library &l : libs) {
+      auto f = reinterpret_cast<PotrfFn>(l.sym(name.c_str()));
+      if (!f) {
+        runs.emplace_back();
+        continue;
+      }
+      runs.push_back([f, n, a_norm, &a, &work](bool check) {
+        std::copy(a.begin(), a.end(), work.begin());
+        int info = -1;
+        const auto t0 = std::chrono::steady_clock::now();
+        f("L", &n, work.data(), &n, &info, 1);
+        Outcome out;
+        out.seconds = seconds_since(t0);
+        if (check) {
+          out.fault = info_fault(info);
+          if (out.fault.empty())
+            out.fault = residual_fault(cholesky_residual(a, a_norm, work.data(), n));
+        }
+        return out;
+      });
+    }
+    double flops = double(n) * n * n / 3;
+    if (std::is_same_v<T, c8>) flops *= 4;
+    for (int nt : o.threads) print_row(measure(routine, n, nt, false, flops, runs, libs), libs);
+  }
+}
+
+// spotrs with nrhs right-hand sides on factors every library agrees on (the
+// first correct spotrf among the peers, then ORB's).
+void potrs_rows(const std::vector<Library> &libs, const Options &o) {
+  if (!wanted(o, "spotrs")) return;
+  for (int n : o.sizes) {
+    const int nrhs = o.nrhs;
+    const std::vector<float> a = positive_definite<float>(n, 3);
+    const double a_norm = norm_inf(a, n);
+    std::vector<float> l;
+    std::vector<const Library *> order;
+    for (const Library &lib : libs)
+      if (!lib.orb) order.push_back(&lib);
+    for (const Library &lib : libs)
+      if (lib.orb) order.push_back(&lib);
+    bool factored = false;
+    for (const Library *lib : order) {
+      auto f = reinterpret_cast<PotrfFn>(lib->sym("spotrf_"));
+      if (!f) continue;
+      l = a;
+      int info = -1;
+      f("L", &n, l.data(), &n, &info, 1);
+      if (info == 0 && cholesky_residual(a, a_norm, l.data(), n) < kResidualLimit) {
+        factored = true;
+        break;
+      }
+    }
+    if (!factored) {
+      std::printf("spotrs %d: no library factored the matrix correctly\n", n);
+      continue;
+    }
+    const std::vector<float> b = random_matrix<float>(std::size_t(n) * nrhs, 2);
+    std::vector<float> x(b.size());
+    std::vector<Run> runs;
+    for (const Library &lib : libs) {
+      auto f = reinterpret_cast<PotrsFn>(lib.sym("spotrs_"));
+      if (!f) {
+        runs.emplace_back();
+        continue;
+      }
+      runs.push_back([f, n, nrhs, a_norm, &a, &l, &b, &x](bool check) {
+        std::copy(b.begin(), b.end(), x.begin());
+        int info = -1;
+        const auto t0 = std::chrono::steady_clock::now();
+        f("L", &n, &nrhs, l.data(), &n, x.data(), &n, &info, 1);
+        Outcome out;
+        out.seconds = seconds_since(t0);
+        if (!check) return out;
+        out.fault = info_fault(info);
+        if (!out.fault.empty()) return out;
+        // The residual of a random combination of the columns.
+        std::vector<double> bw(n, 0), xw(n, 0);
+        for (std::size_t k = 0; k < std::size_t(nrhs); ++k)
+          for (std::size_t i = 0; i < std::size_t(n); ++i) {
+            const double w = 0.5 + double(k % 7) / 7;
+            bw[i] += w * b[i + k * n];
+            xw[i] += w * x[i + k * n];
+          }
+        const std::vector<double> axw = times(a.data(), n, xw);
+        double r = 0;
+        for (int i = 0; i < n; ++i) r = std::max(r, std::abs(bw[i] - axw[i]));
+        const double scale =
+            double(n) * a_norm * max_abs(xw) * std::numeric_limits<float>::epsilon();
+        out.fault = residual_fault(std::isfinite(r) && scale > 0 ? r / scale : INFINITY);
+        return out;
+      });
+    }
+    for (int nt : o.threads)
+      print_row(measure("spotrs", n, nt, false, 2.0 * n * n * nrhs, runs, libs), libs);
+  }
+}
+
 std::vector<int> int_list(char *text) {
   std::vector<int> v;
   for (char *s = std::strtok(text, ","); s; s = std::strtok(nullptr, ","))
@@ -823,12 +976,16 @@ int main(int argc, char **argv) {
       "spread = slowest / fastest repeat - 1; others = cores other processes kept busy\n"
       "meanwhile; '-' when a library lacks the routine.\n"
       "sgetrf 2/3 n^3 flops (cgetrf 4 times that), sgetrs 2 n^2 nrhs with nrhs = %d,\n"
-      "sgecon (norm '1') in microseconds per call.\n",
+      "sgecon (norm '1') in microseconds per call; spotrf n^3 / 3 flops (cpotrf 4 times\n"
+      "that) on the lower triangle, spotrs 2 n^2 nrhs.\n",
       o.nrhs);
   print_header(libs);
   getrf_rows<float>(libs, o, "sgetrf");
   getrf_rows<c8>(libs, o, "cgetrf");
   factored_rows(libs, o, "sgetrs", getrs_rows);
   factored_rows(libs, o, "sgecon", gecon_rows);
+  potrf_rows<float>(libs, o, "spotrf");
+  potrf_rows<c8>(libs, o, "cpotrf");
+  potrs_rows(libs, o);
   return 0;
 }

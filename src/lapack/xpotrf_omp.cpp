@@ -67,8 +67,10 @@ class Scheduled {
     for (int j = tid; j < nblk_; j += nt) {
       if (j >= 2 && !wait(j - 2)) return;
       subtract(j, 0, j - 1);
-      if (j >= 1 && !wait(j - 1)) return;
-      subtract(j, j - 1, j);
+      if (j >= 1) {
+        if (!wait(j - 1)) return;
+        subtract(j, j - 1, j);
+      }
       const int i = factor(j);
       if (i != 0) {
         info_.store(j * nb_ + i, std::memory_order_relaxed);
