@@ -7,6 +7,8 @@
 // the products subtracted one at a time in the order of t.
 #pragma once
 
+#include <complex>
+
 namespace orb::kernel {
 
 constexpr int kTrsmOrder = 64;
@@ -24,7 +26,13 @@ ORB_TRSM_DECLS
 }
 namespace avx2 {
 ORB_TRSM_DECLS
-}
+// The same for single complex V and C, m <= kCtrsmOrder; lanes as above
+// (kTrsmLanes complex values per vector).
+void ctrsm_small(int m, int upper, int unit, std::complex<float> alpha,
+                 const std::complex<float> *c, std::complex<float> *v);
+}  // namespace avx2
 #undef ORB_TRSM_DECLS
+
+constexpr int kCtrsmOrder = 16;
 
 }  // namespace orb::kernel

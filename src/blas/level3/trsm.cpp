@@ -27,7 +27,7 @@ using tri::OpA;
 // would share cache sets). Single precision has vector kernels for the
 // block, so its blocks are larger.
 template <class T>
-constexpr int kOrder = std::is_same_v<T, float> ? kernel::kTrsmOrder : 16;
+constexpr int kOrder = std::is_same_v<T, float> ? kernel::kTrsmOrder : kernel::kCtrsmOrder;
 constexpr int kLanes = kernel::kTrsmLanes;
 static_assert(kLanes == tri::kColumns, "one layout of rows for the kernels and the templates");
 
@@ -58,7 +58,13 @@ void solve_block(int m, int upper, int unit, T alpha, const T *c, T *v) {
     }
     if (!unit) {
       const T css = c[s + s * ld];
-      for (int l = 0; l < kLanes; ++l) vs[l] /= css;
+      if constexpr (is_complex_v<T>) {
+        // One careful complex division per row, not one per lane.
+        const T inv = T(1) / css;
+        for (int l = 0; l < kLanes; ++l) vs[l] = mul(vs[l], inv);
+      } else {
+        for (int l = 0; l < kLanes; ++l) vs[l] /= css;
+      }
     }
   }
 }
@@ -100,6 +106,21 @@ struct Block {
 template <>
 struct Block<float> : SmallKernels {
   Block() : SmallKernels(*g_small.get()) {}
+};
+
+// Single complex: a 256-bit kernel for the block on the wider path.
+using ComplexSolve = void (*)(int, int, int, c8, const c8 *, c8 *);
+#if defined(ORB_KERNELS_AVX2)
+Slot<ComplexSolve> g_complex_solve{
+    wider(single<ComplexSolve>(solve_block<c8>), &kernel::avx2::ctrsm_small)};
+#else
+Slot<ComplexSolve> g_complex_solve{single<ComplexSolve>(solve_block<c8>)};
+#endif
+template <>
+struct Block<c8> {
+  ComplexSolve solve = g_complex_solve.get();
+  void (*gather)(int, int, const c8 *, int, c8 *) = tri::gather_rows<c8>;
+  void (*scatter)(int, int, const c8 *, c8 *, int) = tri::scatter_rows<c8>;
 };
 
 // op(A) X = alpha B with op(A) of order m <= kOrder<T>: V_s is row s of X

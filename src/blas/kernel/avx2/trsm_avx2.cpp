@@ -1,6 +1,8 @@
 // Small triangular solves on 256-bit vectors with fused multiply-add.
 #include <immintrin.h>
 
+#include <complex>
+
 #include "blas/kernel/trsm.h"
 
 namespace orb::kernel::avx2 {
@@ -54,5 +56,42 @@ inline Vec nmadd(Vec acc, Vec c, Vec x) {
 }  // namespace
 
 #include "blas/kernel/trsm_small.inc"
+
+void ctrsm_small(int m, int upper, int unit, std::complex<float> alpha,
+                 const std::complex<float> *c, std::complex<float> *v) {
+  constexpr int ld = kCtrsmOrder, row = 2 * kTrsmLanes;  // floats per vector V_s
+  // (re, im) pairs: y c = fmaddsub(y, re c, swap(y) im c).
+  auto cmul = [](__m256 y, __m256 re, __m256 im) {
+    return _mm256_fmaddsub_ps(y, re, _mm256_mul_ps(_mm256_permute_ps(y, 0xB1), im));
+  };
+  std::complex<float> inv[kCtrsmOrder];
+  if (!unit)
+    for (int s = 0; s < m; ++s) inv[s] = std::complex<float>(1) / c[s + s * ld];
+  const bool scale = alpha != std::complex<float>(1);
+  const __m256 are = set1(alpha.real()), aim = set1(alpha.imag());
+  float *f = reinterpret_cast<float *>(v);
+  // Two vectors (eight lanes) at a time, every row solved in order.
+  for (int q = 0; q < row; q += 2 * kWidth) {
+    for (int step = 0; step < m; ++step) {
+      const int s = upper ? m - 1 - step : step;
+      const int t0 = upper ? s + 1 : 0, t1 = upper ? m : s;
+      float *vs = f + s * row + q;
+      Vec a0 = load(vs), a1 = load(vs + kWidth);
+      if (scale) a0 = cmul(a0, are, aim), a1 = cmul(a1, are, aim);
+      for (int t = t0; t < t1; ++t) {
+        const std::complex<float> cst = c[s + t * ld];
+        const Vec re = set1(cst.real()), im = set1(cst.imag());
+        const float *vt = f + t * row + q;
+        a0 = _mm256_sub_ps(a0, cmul(load(vt), re, im));
+        a1 = _mm256_sub_ps(a1, cmul(load(vt + kWidth), re, im));
+      }
+      if (!unit) {
+        const Vec re = set1(inv[s].real()), im = set1(inv[s].imag());
+        a0 = cmul(a0, re, im), a1 = cmul(a1, re, im);
+      }
+      store(vs, a0), store(vs + kWidth, a1);
+    }
+  }
+}
 
 }  // namespace orb::kernel::avx2
