@@ -67,14 +67,14 @@ endforeach()
 
 # LAPACK's linear-equation and eigenvalue testers on the default path and on
 # the generic kernels, with the inputs LAPACK's own test list gives them.
-# The single-precision ones also on the general, band and triangular paths at
-# orders that take the threaded factorizations.
+# The single-precision ones also on the paths of the blocked and threaded
+# factorizations at orders that take them (orb_lapack_orders_input).
 include(${CMAKE_CURRENT_LIST_DIR}/lapack/orders_input.cmake)
 foreach(_p s c d z)
   set(_lin ${_p}test.in)
   if(_p STREQUAL "s" OR _p STREQUAL "c")
     string(TOUPPER ${_p} _up)
-    set(_orders ${CMAKE_CURRENT_BINARY_DIR}/${_p}test_ge_gb_tr.in)
+    set(_orders ${CMAKE_CURRENT_BINARY_DIR}/${_p}test_orders.in)
     orb_lapack_orders_input(${_kit}/input/${_p}test.in ${_up} ${_orders})
     list(APPEND _lin ${_orders})
   endif()

@@ -4,8 +4,8 @@ foreach(_p s c d z)
   orb_reference_lapack(reference_lapack_lin_${_p} xlintst${_p} ${_p}test.in)
 endforeach()
 
-# The general, band and triangular paths again on orders that take the
-# threaded factorizations, on two threads and on one.
+# The paths of the blocked and threaded factorizations again on orders that
+# take them (orb_lapack_orders_input), on two threads and on one.
 include(${CMAKE_CURRENT_LIST_DIR}/orders_input.cmake)
 foreach(_p s c)
   set(_in ${ORB_REFERENCE_LAPACK_DIR}/${_p}test.in)
@@ -13,12 +13,12 @@ foreach(_p s c)
     continue()
   endif()
   string(TOUPPER ${_p} _up)
-  set(_orders ${CMAKE_CURRENT_BINARY_DIR}/${_p}test_ge_gb_tr.in)
+  set(_orders ${CMAKE_CURRENT_BINARY_DIR}/${_p}test_orders.in)
   orb_lapack_orders_input(${_in} ${_up} ${_orders})
   foreach(_t 1 2)
-    orb_reference_lapack(reference_lapack_ge_gb_tr_${_p}_t${_t} xlintst${_p} ${_orders})
-    if(TEST reference_lapack_ge_gb_tr_${_p}_t${_t})
-      set_property(TEST reference_lapack_ge_gb_tr_${_p}_t${_t} APPEND PROPERTY ENVIRONMENT
+    orb_reference_lapack(reference_lapack_orders_${_p}_t${_t} xlintst${_p} ${_orders})
+    if(TEST reference_lapack_orders_${_p}_t${_t})
+      set_property(TEST reference_lapack_orders_${_p}_t${_t} APPEND PROPERTY ENVIRONMENT
                    ORB_NUM_THREADS=${_t})
     endif()
   endforeach()
