@@ -10,6 +10,7 @@
 #include "lapack/auxiliary.h"
 #include "lapack/band.h"
 #include "lapack/band_common.h"
+#include "lapack/refine.h"
 
 namespace orb::lapack {
 
@@ -23,51 +24,41 @@ int gbcon(Norm norm, int n, int kl, int ku, const T *ab, int ldab, const int *ip
     return 0;
   }
   if (anorm == 0) return 0;
-  const R smlnum = safe_minimum<R>();
   const int kd = kl + ku;
-  const Op adjoint = is_complex_v<T> ? Op::kConjTrans : Op::kTrans;
+  const Op adj = is_complex_v<T> ? Op::kConjTrans : Op::kTrans;
   auto mult = [&](int j) { return ab + kd + 1 + static_cast<std::ptrdiff_t>(j) * ldab; };
   T *x = work, *v = work + n;
   R *cnorm = band_detail::real_work(work + 2 * n, rwork);
   int *isgn = is_complex_v<T> ? nullptr : iwork;
-  const int kase1 = norm == Norm::kOne ? 1 : 2;
-  R ainvnm = 0;
   bool normin = false;
-  int kase = 0, isave[3] = {0, 0, 0};
-  for (;;) {
-    lacn2(n, v, x, isgn, &ainvnm, &kase, isave);
-    if (kase == 0) break;
+  // The 1-norm of A^-1, or of A^-H for the infinity norm.
+  const R ainvnm = inverse_norm(n, x, v, isgn, [&](bool adjoint, T *y) {
     R scale = 1;
-    if (kase == kase1) {
-      // x := L^-1 x, then U^-1 x.
+    if ((norm == Norm::kOne) != adjoint) {
+      // y := L^-1 y, then U^-1 y.
       if (kl > 0)
         for (int j = 0; j < n - 1; ++j) {
           const int p = ipiv[j] - 1;
-          const T t = x[p];
-          if (p != j) x[p] = x[j], x[j] = t;
-          blas::axpy(std::min(kl, n - 1 - j), -t, mult(j), 1, x + j + 1, 1);
+          const T t = y[p];
+          if (p != j) y[p] = y[j], y[j] = t;
+          blas::axpy(std::min(kl, n - 1 - j), -t, mult(j), 1, y + j + 1, 1);
         }
-      latbs(Uplo::kUpper, Op::kNone, Diag::kNonUnit, normin, n, kd, ab, ldab, x, &scale, cnorm);
+      latbs(Uplo::kUpper, Op::kNone, Diag::kNonUnit, normin, n, kd, ab, ldab, y, &scale, cnorm);
     } else {
-      // x := U^-H x, then L^-H x.
-      latbs(Uplo::kUpper, adjoint, Diag::kNonUnit, normin, n, kd, ab, ldab, x, &scale, cnorm);
+      // y := U^-H y, then L^-H y.
+      latbs(Uplo::kUpper, adj, Diag::kNonUnit, normin, n, kd, ab, ldab, y, &scale, cnorm);
       if (kl > 0)
         for (int j = n - 2; j >= 0; --j) {
           const int lm = std::min(kl, n - 1 - j);
-          x[j] -= blas::dotc(lm, mult(j), 1, x + j + 1, 1);
+          y[j] -= blas::dotc(lm, mult(j), 1, y + j + 1, 1);
           const int p = ipiv[j] - 1;
-          if (p != j) std::swap(x[p], x[j]);
+          if (p != j) std::swap(y[p], y[j]);
         }
     }
     normin = true;
-    if (scale != 1) {
-      // The estimate would overflow: A is singular to working precision.
-      const int ix = blas::iamax(n, x, 1) - 1;
-      if (scale < abs1(x[ix]) * smlnum || scale == 0) return 0;
-      rscl(n, scale, x);
-    }
-  }
-  if (ainvnm != 0) *rcond = (1 / ainvnm) / anorm;
+    return scale;
+  });
+  *rcond = reciprocal_condition(ainvnm, anorm);
   return 0;
 }
 

@@ -67,7 +67,7 @@ void refine_hermitian(int n, int nrhs, int nz, ColumnOf column, const T *b, int 
     }
   };
   refine(n, nrhs, nz, b, ldb, x, ldx, ferr, berr, refine_work(n, work, rwork, iwork), residual,
-         weights, [&](bool, T *y) { solve(y); });
+         weights, [&](RefineSolve, T *y) { solve(y); });
 }
 
 }  // namespace

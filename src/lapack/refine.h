@@ -66,12 +66,17 @@ RefineWork<T> refine_work(int n, T *work, real_t<T> *rwork, int *iwork) {
   }
 }
 
+// The solves a refinement asks for: the correction's, with A itself, and
+// the estimator's, with A^H and with A (either may be taken with any matrix
+// of the same moduli, such as A^H for A^T).
+enum class RefineSolve { kCorrection, kAdjoint, kForward };
+
 // Iterative refinement of the n-by-nrhs solution X of A X = B, with the
 // componentwise relative backward error berr and the forward error bound
 // ferr of each column. nz bounds the nonzeros in a row of A, plus one.
 //   residual(x, r): r := r - A x (r holds b on entry);
 //   weights(x, b, w): w := |A| |x| + |b|;
-//   solve(adjoint, y): y := A^-1 y, or A^-H y when adjoint.
+//   solve(which, y): y := A^-1 y, or A^-H y for RefineSolve::kAdjoint.
 template <class T, class Residual, class Weights, class Solve>
 void refine(int n, int nrhs, int nz, const T *b, int ldb, T *x, int ldx, real_t<T> *ferr,
             real_t<T> *berr, const RefineWork<T> &wk, Residual residual, Weights weights,
@@ -103,7 +108,7 @@ void refine(int n, int nrhs, int nz, const T *b, int ldb, T *x, int ldx, real_t<
         s = std::max(s, w[i] > safe2 ? abs1(r[i]) / w[i] : (abs1(r[i]) + safe1) / (w[i] + safe1));
       berr[j] = s;
       if (!(s > eps && 2 * s <= last && count <= kMaxSteps)) break;
-      solve(false, r);
+      solve(RefineSolve::kCorrection, r);
       blas::axpy(n, T(1), r, 1, xj, 1);
       last = s;
     }
@@ -116,11 +121,11 @@ void refine(int n, int nrhs, int nz, const T *b, int ldb, T *x, int ldx, real_t<
       lacn2(n, wk.v, r, wk.isgn, &ferr[j], &kase, isave);
       if (kase == 0) break;
       if (kase == 1) {
-        solve(true, r);
+        solve(RefineSolve::kAdjoint, r);
         for (int i = 0; i < n; ++i) r[i] = w[i] * r[i];
       } else {
         for (int i = 0; i < n; ++i) r[i] = w[i] * r[i];
-        solve(false, r);
+        solve(RefineSolve::kForward, r);
       }
     }
     R xnorm = 0;
