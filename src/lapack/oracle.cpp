@@ -140,6 +140,17 @@ int gbtrs_crossover(int n, int kl, int ku) {
   return columns >= 1.0e6 ? 1000000 : std::max(2, static_cast<int>(std::ceil(columns)));
 }
 
+// Query 3 for the symmetric indefinite solves "SYTRS" and "HETRS"
+// (argument n): the fewest right-hand sides worth a team, from the n^2
+// multiply-adds of one column, against the team work the band solve
+// measured (2e4 multiply-adds).
+int sytrs_crossover(int n) {
+  const double per_column = std::max(static_cast<double>(n) * n, 1.0);
+  constexpr double kTeamWork = 2.0e4;
+  const double columns = kTeamWork / per_column;
+  return columns >= 1.0e6 ? 1000000 : std::max(2, static_cast<int>(std::ceil(columns)));
+}
+
 bool is_routine(const Name &n, const char *routine) {
   return std::strcmp(n.routine, routine) == 0;
 }
@@ -173,6 +184,7 @@ int oracle(int query, const char *name, const char *opts, int n1, int n2, int n3
       if (is_getrf(n)) return getrf_crossover(n.prec, n2, threads);
       if (is_routine(n, "GBTRF") && row) return gbtrf_crossover(*row, n1, n2);
       if (is_routine(n, "GBTRS")) return gbtrs_crossover(n1, n2, n3);
+      if (is_routine(n, "SYTRS") || is_routine(n, "HETRS")) return sytrs_crossover(n1);
       return row ? row->nx : 0;
     case kShifts:
       return 6;
