@@ -142,13 +142,29 @@ int gbtrs_crossover(int n, int kl, int ku) {
 
 // Query 3 for the symmetric indefinite solves "SYTRS" and "HETRS"
 // (argument n): the fewest right-hand sides worth a team, from the n^2
-// multiply-adds of one column, against the team work the band solve
-// measured (2e4 multiply-adds).
+// multiply-adds of one column. Timed through ssytrs and chetrs (upper,
+// one thread against two, orders 16 to 512, 2 to 64 right-hand sides): a
+// team of two gained 1.3 to 1.9 from about 6e4 multiply-adds in all, and
+// at most 1.2 on two or three columns of orders up to 256, which this
+// answer keeps serial (at 512 two columns gained 1.6).
 int sytrs_crossover(int n) {
   const double per_column = std::max(static_cast<double>(n) * n, 1.0);
-  constexpr double kTeamWork = 2.0e4;
+  constexpr double kTeamWork = 6.0e4;
   const double columns = kTeamWork / per_column;
-  return columns >= 1.0e6 ? 1000000 : std::max(2, static_cast<int>(std::ceil(columns)));
+  const int fewest = n < 384 ? 4 : 2;
+  return columns >= 1.0e6 ? 1000000 : std::max(fewest, static_cast<int>(std::ceil(columns)));
+}
+
+// Query 1 for "SYTRS" and "HETRS" (arguments n, nrhs): the column block
+// of the level-3 solve, or 1 for the published one. Timed through ssytrs
+// on one thread (upper, 4 to 512 right-hand sides): the level-3 form in
+// blocks of 64 beat the published one by 1.3 to 20 times from 8 columns at
+// orders up to 128 (gathering W costs about one column's solve, and the
+// published solve's level-1 calls are short there), from 16 at 256 and 512
+// (1.3, 1.7 at 32) and from 32 at 1024 (2.9; even at 16).
+int sytrs_block(int n, int nrhs) {
+  const int fewest = n <= 128 ? 8 : n < 768 ? 16 : 32;
+  return nrhs >= fewest ? 64 : 1;
 }
 
 bool is_routine(const Name &n, const char *routine) {
@@ -177,6 +193,7 @@ int oracle(int query, const char *name, const char *opts, int n1, int n2, int n3
   switch (query) {
     case kBlockSize:
       if (is_getrf(n) && threads >= 2) return getrf_block(n2, threads);
+      if (is_routine(n, "SYTRS") || is_routine(n, "HETRS")) return sytrs_block(n1, n2);
       return row ? row->nb : 1;
     case kMinBlockSize:
       return row ? row->nbmin : 2;

@@ -27,9 +27,19 @@ template <class T>
 void sytrs_columns(Uplo uplo, bool herm, int n, const T *a, int lda, const int *ipiv, T *b, int ldb,
                    int c0, int c1);
 
-// The solve behind xSYTRS and xHETRS: from the oracle's crossover for
-// "SYTRS" / "HETRS" on, the right-hand sides are split over a team in
-// contiguous runs; every column gets the serial bits either way.
+// The same in the level-3 form: P^T B, the solves with the unit
+// triangular W of A = P W D W^T P^T, with D and with W^T (W^H), and P B,
+// in column blocks of nb from c0. Returns false, nothing done, when W's
+// storage cannot be had.
+template <class T>
+bool sytrs_blocked_columns(Uplo uplo, bool herm, int n, const T *a, int lda, const int *ipiv, T *b,
+                           int ldb, int nb, int c0, int c1);
+
+// The solve behind xSYTRS and xHETRS: the level-3 form in column blocks of
+// the oracle's block size for "SYTRS" / "HETRS" when it is above 1,
+// otherwise the published one; from the oracle's crossover on, the
+// right-hand sides are split over a team in contiguous runs (of whole
+// column blocks). Every column gets the serial bits either way.
 template <class T>
 void sytrs(Uplo uplo, bool herm, int n, int nrhs, const T *a, int lda, const int *ipiv, T *b,
            int ldb);
@@ -37,6 +47,9 @@ void sytrs(Uplo uplo, bool herm, int n, int nrhs, const T *a, int lda, const int
 // The team the calling thread's last sytrs used (1: serial, 0: nothing to
 // solve).
 int sytrs_last_team();
+// The column block of the calling thread's last sytrs: 1 for the published
+// form, 0 when there was nothing to solve.
+int sytrs_last_block();
 
 // ---- inverse, condition, refinement --------------------------------------------------
 

@@ -168,7 +168,9 @@ TYPED_TEST_SUITE(Symmetric, Flavors);
 constexpr int kOrders[] = {1, 2, 3, 7, 16, 33, 70};
 
 // The solve for any run of columns gives each column the bits it gets
-// alone, on every team size; and it solves.
+// alone, in the level-3 form each run of whole column blocks the bits of
+// the whole; both solve; and the solve behind the entries gives the bits
+// of one thread on every team size.
 TYPED_TEST(Symmetric, SolveSplitGivesTheSerialBits) {
   using T = typename TypeParam::type;
   Random rng(7);
@@ -178,28 +180,42 @@ TYPED_TEST(Symmetric, SolveSplitGivesTheSerialBits) {
       const Bk<T> f = factors<T>(n, uplo, TypeParam::herm, rng);
       const int nrhs = 19;
       const Matrix<T> b = orb::test::random_matrix<T>(n, nrhs, rng, n + 2);
-      Matrix<T> one = b, whole = b, runs = b;
-      for (int c = 0; c < nrhs; ++c)
-        lp::sytrs_columns(uplo, f.herm, n, f.af.data(), f.af.ld, f.ipiv.data(), one.data(), one.ld,
-                          c, c + 1);
-      lp::sytrs_columns(uplo, f.herm, n, f.af.data(), f.af.ld, f.ipiv.data(), whole.data(),
-                        whole.ld, 0, nrhs);
+      auto columns = [&](Matrix<T> &x, int c0, int c1) {
+        lp::sytrs_columns(uplo, f.herm, n, f.af.data(), f.af.ld, f.ipiv.data(), x.data(), x.ld, c0,
+                          c1);
+      };
+      auto blocks = [&](Matrix<T> &x, int nb, int c0, int c1) {
+        ASSERT_TRUE(lp::sytrs_blocked_columns(uplo, f.herm, n, f.af.data(), f.af.ld, f.ipiv.data(),
+                                              x.data(), x.ld, nb, c0, c1));
+      };
+      Matrix<T> one = b, whole = b, runs = b, l3 = b, l3_runs = b;
+      for (int c = 0; c < nrhs; ++c) columns(one, c, c + 1);
+      columns(whole, 0, nrhs);
       const int cuts[] = {0, 3, 5, 14, nrhs};
-      for (int i = 0; i < 4; ++i)
-        lp::sytrs_columns(uplo, f.herm, n, f.af.data(), f.af.ld, f.ipiv.data(), runs.data(),
-                          runs.ld, cuts[i], cuts[i + 1]);
+      for (int i = 0; i < 4; ++i) columns(runs, cuts[i], cuts[i + 1]);
+      blocks(l3, 5, 0, nrhs);
+      for (int c0 : {0, 5, 15}) blocks(l3_runs, 5, c0, std::min(nrhs, c0 == 5 ? 15 : c0 + 5));
       EXPECT_TRUE(same_bits(whole, one));
       EXPECT_TRUE(same_bits(runs, one));
+      EXPECT_TRUE(same_bits(l3_runs, l3));
       EXPECT_EQ(whole.padding_changed(), 0);
+      EXPECT_EQ(l3.padding_changed(), 0);
       EXPECT_LT(orb::test::solve_residual('N', f.a, whole, b), 30.0);
-      for (int threads : {2, 3}) {
-        ORB_Set_Num_Threads(threads);
-        Matrix<T> split = b;
-        lp::sytrs(uplo, f.herm, n, nrhs, f.af.data(), f.af.ld, f.ipiv.data(), split.data(),
-                  split.ld);
-        EXPECT_TRUE(same_bits(split, one)) << threads << " threads";
+      EXPECT_LT(orb::test::solve_residual('N', f.a, l3, b), 30.0);
+      for (int many : {nrhs, 150}) {
+        const Matrix<T> bm = orb::test::random_matrix<T>(n, many, rng, n + 1);
+        Matrix<T> serial = bm;
+        lp::sytrs(uplo, f.herm, n, many, f.af.data(), f.af.ld, f.ipiv.data(), serial.data(),
+                  serial.ld);
+        for (int threads : {2, 3}) {
+          ORB_Set_Num_Threads(threads);
+          Matrix<T> split = bm;
+          lp::sytrs(uplo, f.herm, n, many, f.af.data(), f.af.ld, f.ipiv.data(), split.data(),
+                    split.ld);
+          EXPECT_TRUE(same_bits(split, serial)) << threads << " threads, nrhs " << many;
+        }
+        ORB_Set_Num_Threads(1);
       }
-      ORB_Set_Num_Threads(1);
     }
 }
 
@@ -330,7 +346,8 @@ TYPED_TEST(Symmetric, RefinementBoundsTheError) {
 }
 
 // A team from the oracle's crossover on, never inside a parallel region
-// nor with one thread; the crossover falls with the order.
+// nor with one thread, giving the bits of one thread; the crossover falls
+// with the order; the level-3 form from the oracle's block size on.
 TYPED_TEST(Symmetric, SolvePathFollowsTheOracle) {
   using T = typename TypeParam::type;
   const lp::Name6 nm = lp::name<T>(TypeParam::herm ? "HETRS" : "SYTRS");
@@ -342,21 +359,38 @@ TYPED_TEST(Symmetric, SolvePathFollowsTheOracle) {
   EXPECT_GE(lp::oracle(lp::kCrossover, nm, 40), cross);
   Random rng(2);
   const Bk<T> f = factors<T>(n, Uplo::kUpper, TypeParam::herm, rng);
+  const Matrix<T> b = orb::test::random_matrix<T>(n, 300, rng);
+  Matrix<T> x;
   auto solve = [&](int nrhs) {
-    Matrix<T> x = orb::test::random_matrix<T>(n, std::max(nrhs, 1), rng);
+    x = b;
     lp::sytrs(Uplo::kUpper, f.herm, n, nrhs, f.af.data(), f.af.ld, f.ipiv.data(), x.data(), x.ld);
     return lp::sytrs_last_team();
   };
-  ORB_Set_Num_Threads(2);
-  EXPECT_EQ(solve(cross - 1), 1);
-  EXPECT_EQ(solve(cross), 2);
+  // A team of two from the crossover on, when there are two column blocks,
+  // and the bits of one thread.
+  for (int nrhs : {1, cross - 1, cross, 7, 40, 64, 65, 300}) {
+    SCOPED_TRACE(testing::Message() << "nrhs " << nrhs);
+    const int block = lp::oracle(lp::kBlockSize, nm, n, nrhs);
+    ORB_Set_Num_Threads(1);
+    EXPECT_EQ(solve(nrhs), 1);
+    const Matrix<T> serial = x;
+    ORB_Set_Num_Threads(2);
+    EXPECT_EQ(solve(nrhs), nrhs >= cross && nrhs > block ? 2 : 1);
+    EXPECT_EQ(lp::sytrs_last_block(), block);
+    EXPECT_TRUE(same_bits(x, serial));
+  }
+  EXPECT_EQ(lp::oracle(lp::kBlockSize, nm, n, 1), 1);
+  EXPECT_GT(lp::oracle(lp::kBlockSize, nm, n, 300), 1);
   EXPECT_EQ(solve(0), 0);
   int serial = 0;
 #pragma omp parallel num_threads(2) reduction(+ : serial)
-  serial += solve(cross) == 1;
+  {
+    Matrix<T> y = b;
+    lp::sytrs(Uplo::kUpper, f.herm, n, 300, f.af.data(), f.af.ld, f.ipiv.data(), y.data(), y.ld);
+    serial += lp::sytrs_last_team() == 1;
+  }
   EXPECT_EQ(serial, 2);
   ORB_Set_Num_Threads(1);
-  EXPECT_EQ(solve(cross), 1);
 }
 
 // ---- the entries' argument checks ------------------------------------------------
