@@ -21,9 +21,8 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
-#include <memory>
+#include <optional>
 #include <utility>
-#include <vector>
 
 #include "blas/level1/level1.h"
 #include "blas/level3/level3.h"
@@ -174,25 +173,32 @@ struct Block {
   int p, size, r, kp;
 };
 
-// D's blocks in the order of the rows.
-std::vector<Block> blocks_of(Uplo uplo, int n, const int *ipiv) {
-  std::vector<Block> out;
-  for (int p = 0; p < n;) {
-    const int size = ipiv[p] > 0 ? 1 : 2;
-    const int r = uplo == Uplo::kUpper || size == 1 ? p : p + 1;
-    out.push_back({p, size, r, std::abs(ipiv[p]) - 1});
-    p += size;
+// D's blocks in the order of the rows, in the memory manager's storage
+// (none when it cannot be had).
+struct Blocks {
+  mem::Buffer<Block> list;
+  int count = 0;
+  Blocks(Uplo uplo, int n, const int *ipiv) : list(n, 0) {
+    if (!list) return;
+    for (int p = 0; p < n;) {
+      const int size = ipiv[p] > 0 ? 1 : 2;
+      const int r = uplo == Uplo::kUpper || size == 1 ? p : p + 1;
+      list[count++] = {p, size, r, std::abs(ipiv[p]) - 1};
+      p += size;
+    }
   }
-  return out;
-}
+  int size() const { return count; }
+  const Block &operator[](int i) const { return list[i]; }
+  const Block *begin() const { return list.get(); }
+  const Block *end() const { return list.get() + count; }
+};
 
 // W (n by n at w): U = P(n) U(n) ... P(1) U(1) is P W with P = P(n) ...
 // P(1), W's column in block k being U(k)'s with the interchanges of the
 // blocks before it applied, the nearest first (L likewise, from the other
 // end); zeros elsewhere in its triangle.
 template <class T>
-void gather_w(Uplo uplo, int n, const T *a, int lda, const std::vector<Block> &blocks, T *w,
-              int ldw) {
+void gather_w(Uplo uplo, int n, const T *a, int lda, const Blocks &blocks, T *w, int ldw) {
   const bool upper = uplo == Uplo::kUpper;
   for (const Block &b : blocks)
     for (int j = b.p; j < b.p + b.size; ++j) {
@@ -203,7 +209,7 @@ void gather_w(Uplo uplo, int n, const T *a, int lda, const std::vector<Block> &b
       std::copy(aj + r0, aj + r1, wj + r0);
     }
   // Column by column, the interchanges nearest to the column's block first.
-  const int nblocks = static_cast<int>(blocks.size());
+  const int nblocks = blocks.size();
   for (int q = 0; q < nblocks; ++q) {
     const Block &c = blocks[q];
     for (int j = c.p; j < c.p + c.size; ++j) {
@@ -221,8 +227,8 @@ void gather_w(Uplo uplo, int n, const T *a, int lda, const std::vector<Block> &b
 
 // P^T B (`before`) or P B for `cols` columns of B.
 template <class T>
-void permute(Uplo uplo, const std::vector<Block> &blocks, bool before, T *b, int ldb, int cols) {
-  const int nblocks = static_cast<int>(blocks.size());
+void permute(Uplo uplo, const Blocks &blocks, bool before, T *b, int ldb, int cols) {
+  const int nblocks = blocks.size();
   const bool descending = (uplo == Uplo::kUpper) == before;
   for (int i = 0; i < nblocks; ++i) {
     const Block &k = blocks[descending ? nblocks - 1 - i : i];
@@ -232,8 +238,8 @@ void permute(Uplo uplo, const std::vector<Block> &blocks, bool before, T *b, int
 
 // Columns [c0, c1) in blocks of nb from c0.
 template <class T>
-void solve_blocked(Uplo uplo, const Factors<T> &f, int n, const std::vector<Block> &blocks,
-                   const T *w, int ldw, T *b, int ldb, int nb, int c0, int c1) {
+void solve_blocked(Uplo uplo, const Factors<T> &f, int n, const Blocks &blocks, const T *w, int ldw,
+                   T *b, int ldb, int nb, int c0, int c1) {
   const bool upper = uplo == Uplo::kUpper;
   const Op adjoint = f.herm ? Op::kConjTrans : Op::kTrans;
   for (int c = c0; c < c1; c += nb) {
@@ -265,16 +271,18 @@ void solve_blocked(Uplo uplo, const Factors<T> &f, int n, const std::vector<Bloc
   }
 }
 
-// W's storage and the blocks of D, ready for solve_blocked.
+// W's storage and the blocks of D, ready for solve_blocked; `ready`
+// false when the storage cannot be had.
 template <class T>
 struct Level3 {
-  std::vector<Block> blocks;
+  Blocks blocks;
   mem::Buffer<T> w;
-  int ldw = 1;
+  int ldw;
   Level3(Uplo uplo, int n, const T *a, int lda, const int *ipiv)
-      : blocks(blocks_of(uplo, n, ipiv)), w(std::int64_t{n} * n, 64), ldw(std::max(n, 1)) {
-    if (w) gather_w(uplo, n, a, lda, blocks, w.get(), ldw);
+      : blocks(uplo, n, ipiv), w(std::int64_t{n} * n, 64), ldw(std::max(n, 1)) {
+    if (ready()) gather_w(uplo, n, a, lda, blocks, w.get(), ldw);
   }
+  bool ready() const { return w && blocks.list; }
 };
 
 }  // namespace
@@ -290,8 +298,9 @@ void sytrs_columns(Uplo uplo, bool herm, int n, const T *a, int lda, const int *
 template <class T>
 bool sytrs_blocked_columns(Uplo uplo, bool herm, int n, const T *a, int lda, const int *ipiv, T *b,
                            int ldb, int nb, int c0, int c1) {
+  if (n == 0 || c1 <= c0) return true;
   const Level3<T> l3(uplo, n, a, lda, ipiv);
-  if (!l3.w) return false;
+  if (!l3.ready()) return false;
   const Factors<T> f{is_complex_v<T> && herm, a, lda};
   solve_blocked(uplo, f, n, l3.blocks, l3.w.get(), l3.ldw, b, ldb, nb, c0, c1);
   return true;
@@ -307,10 +316,10 @@ void sytrs(Uplo uplo, bool herm, int n, int nrhs, const T *a, int lda, const int
   // The level-3 form in column blocks of nb, when the oracle answers nb > 1
   // and W's storage can be had.
   int nb = oracle(kBlockSize, nm, n, nrhs);
-  std::unique_ptr<Level3<T>> l3;
+  std::optional<Level3<T>> l3;
   if (nb > 1) {
-    l3 = std::make_unique<Level3<T>>(uplo, n, a, lda, ipiv);
-    if (!l3->w) l3.reset();
+    l3.emplace(uplo, n, a, lda, ipiv);
+    if (!l3->ready()) l3.reset();
   }
   if (!l3) nb = 1;
   const int units = (nrhs + nb - 1) / nb;
