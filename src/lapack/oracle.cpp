@@ -136,13 +136,13 @@ int gbtrf_chunk() {
 }
 
 // The fewest right-hand sides worth a team for a solve that takes each
-// column on its own, from the multiply-adds of one column. A team of two
-// halves the time from about 2000 multiply-adds in all; the margin covers
-// waking the team.
-int columns_for_team(double per_column) {
-  constexpr double kTeamWork = 2.0e4;
-  const double columns = kTeamWork / std::max(per_column, 1.0);
-  return columns >= 1.0e6 ? 1000000 : std::max(2, static_cast<int>(std::ceil(columns)));
+// column on its own, from the multiply-adds of one column: enough columns
+// for `team_work` multiply-adds in all, and never fewer than `fewest`. For
+// the band solves a team of two halves the time from about 2000
+// multiply-adds in all; the default margin covers waking the team.
+int columns_for_team(double per_column, double team_work = 2.0e4, int fewest = 2) {
+  const double columns = team_work / std::max(per_column, 1.0);
+  return columns >= 1.0e6 ? 1000000 : std::max(fewest, static_cast<int>(std::ceil(columns)));
 }
 
 // Query 3 for the band LU's solve (arguments n, kl, ku).
@@ -169,6 +169,29 @@ int potrf_block(int n) {
 // triangular solves per column.
 int pbtrs_crossover(int n, int kd) {
   return columns_for_team(static_cast<double>(n) * (2.0 * kd + 2));
+}
+
+// Query 3 for the symmetric indefinite solves "SYTRS" and "HETRS"
+// (argument n): the fewest right-hand sides worth a team, from the n^2
+// multiply-adds of one column. Timed through ssytrs and chetrs (upper,
+// one thread against two, orders 16 to 512, 2 to 64 right-hand sides): a
+// team of two gained 1.3 to 1.9 from about 6e4 multiply-adds in all, and
+// at most 1.2 on two or three columns of orders up to 256, which this
+// answer keeps serial (at 512 two columns gained 1.6).
+int sytrs_crossover(int n) {
+  return columns_for_team(static_cast<double>(n) * n, 6.0e4, n < 384 ? 4 : 2);
+}
+
+// Query 1 for "SYTRS" and "HETRS" (arguments n, nrhs): the column block
+// of the level-3 solve, or 1 for the published one. Timed through ssytrs
+// on one thread (upper, 4 to 512 right-hand sides): the level-3 form in
+// blocks of 64 beat the published one by 1.3 to 20 times from 8 columns at
+// orders up to 128 (gathering W costs about one column's solve, and the
+// published solve's level-1 calls are short there), from 16 at 256 and 512
+// (1.3, 1.7 at 32) and from 32 at 1024 (2.9; even at 16).
+int sytrs_block(int n, int nrhs) {
+  const int fewest = n <= 128 ? 8 : n < 768 ? 16 : 32;
+  return nrhs >= fewest ? 64 : 1;
 }
 
 bool is_routine(const Name &n, const char *routine) {
@@ -198,6 +221,7 @@ int oracle(int query, const char *name, const char *opts, int n1, int n2, int n3
     case kBlockSize:
       if (is_getrf(n) && threads >= 2) return getrf_block(n2, threads);
       if (is_routine(n, "POTRF") && threads >= 2) return potrf_block(n1);
+      if (is_routine(n, "SYTRS") || is_routine(n, "HETRS")) return sytrs_block(n1, n2);
       return row ? row->nb : 1;
     case kMinBlockSize:
       return row ? row->nbmin : 2;
@@ -207,6 +231,7 @@ int oracle(int query, const char *name, const char *opts, int n1, int n2, int n3
       if (is_routine(n, "GBTRS")) return gbtrs_crossover(n1, n2, n3);
       if (is_routine(n, "POTRF") && threads >= 2) return potrf_team_crossover();
       if (is_routine(n, "PBTRS")) return pbtrs_crossover(n1, n2);
+      if (is_routine(n, "SYTRS") || is_routine(n, "HETRS")) return sytrs_crossover(n1);
       return row ? row->nx : 0;
     case kShifts:
       return 6;
