@@ -36,6 +36,11 @@ constexpr Row kRows[] = {
     // at 72 for real data, 1.15 at 48 for complex; 1.7 and 1.85 at 400)
     {"GBTRF", "SD", 32, 2, 72},
     {"GBTRF", "CZ", 32, 2, 48},
+    // symmetric and Hermitian indefinite factorizations: panels of nb
+    // columns; the crossover is the panel order from which its products
+    // run on a team
+    {"SYTRF", "SDCZ", 64, 2, 512},
+    {"HETRF", "CZ", 64, 2, 512},
 };
 
 // The routine's name as the table spells it, and its precision letter.
