@@ -28,10 +28,12 @@
 #include <cstdint>
 #include <utility>
 
+#include "blas/level2/level2.h"
 #include "lapack/blas_calls.h"
 #include "lapack/names.h"
 #include "lapack/oracle.h"
 #include "lapack/sytrf.h"
+#include "service/memory.h"
 #include "service/threading.h"
 
 namespace orb::lapack {
@@ -107,48 +109,38 @@ struct View {
   T *at(int i, int j) const { return p + i + static_cast<std::ptrdiff_t>(j) * ld; }
 };
 
-// y[r] -= A(r, c) x[c inc] summed over c = 0 .. cols - 1 in order, for the
-// rows [r0, r1): four columns per sweep, rows in blocks that keep y in the
-// first-level cache. A row's result does not depend on r0 and r1.
+// y[r] -= A(r, c) x[c] summed over c = 0 .. cols - 1, for the rows [r0, r1),
+// through the processor's matrix-vector kernel. The kernel forms each row
+// from that row's elements alone, columns in the same groups and order, and
+// treats a row by its place in a run of vectors counted from the range's
+// start: ranges that start on a multiple of 64 rows (a whole number of
+// vectors and of 64-byte lines) give every row the bits of one call over
+// all rows.
 template <class T>
-void product_rows(int r0, int r1, int cols, const T *a, int lda, const T *x, int incx, T *y) {
-  constexpr int kRows = 2048;
-  for (int b0 = r0; b0 < r1; b0 += kRows) {
-    const int b1 = std::min(r1, b0 + kRows);
-    int c = 0;
-    for (; c + 4 <= cols; c += 4) {
-      const T *a0 = a + static_cast<std::ptrdiff_t>(c) * lda, *a1 = a0 + lda, *a2 = a1 + lda,
-              *a3 = a2 + lda;
-      const T x0 = x[c * incx], x1 = x[(c + 1) * incx], x2 = x[(c + 2) * incx],
-              x3 = x[(c + 3) * incx];
-      for (int r = b0; r < b1; ++r)
-        y[r] = y[r] - mul(a0[r], x0) - mul(a1[r], x1) - mul(a2[r], x2) - mul(a3[r], x3);
-    }
-    for (; c < cols; ++c) {
-      const T *ac = a + static_cast<std::ptrdiff_t>(c) * lda;
-      const T xc = x[c * incx];
-      for (int r = b0; r < b1; ++r) y[r] = y[r] - mul(ac[r], xc);
-    }
-  }
+void product_rows(int r0, int r1, int cols, const T *a, int lda, const T *x, T *y) {
+  blas::level2::kernels<T>().gemv_n(r1 - r0, cols, T(-1), a + r0, lda, x, y + r0);
 }
 
-// The same over the rows [0, m), split over a team of `threads` when it is
-// worth waking one: rows in runs of 16 per thread.
+// The same over the rows [0, m) with x at increment incx, split over a team
+// of `threads` in runs of 64 rows when it is worth waking one. `xbuf` holds
+// cols elements.
 template <class T>
-void product(int m, int cols, const T *a, int lda, const T *x, int incx, T *y, int threads) {
+void product(int m, int cols, const T *a, int lda, const T *x, int incx, T *y, int threads,
+             T *xbuf) {
   if (m <= 0 || cols <= 0) return;
-  constexpr int kMinRowsPerThread = 64;
-  if (threads <= 1 || m < 2 * kMinRowsPerThread) {
-    product_rows(0, m, cols, a, lda, x, incx, y);
+  for (int c = 0; c < cols; ++c) xbuf[c] = x[static_cast<std::ptrdiff_t>(c) * incx];
+  constexpr int kRun = 64;
+  if (threads <= 1 || m < 2 * kRun) {
+    product_rows(0, m, cols, a, lda, xbuf, y);
     return;
   }
-  const int team = std::min(threads, m / kMinRowsPerThread);
+  const int team = std::min(threads, m / kRun);
 #pragma omp parallel num_threads(team)
   {
     const int t = omp_get_thread_num(), nt = omp_get_num_threads();
-    const int per = ((m + nt - 1) / nt + 15) / 16 * 16;
+    const int per = ((m + nt - 1) / nt + kRun - 1) / kRun * kRun;
     const int r0 = std::min(m, t * per), r1 = std::min(m, r0 + per);
-    if (r0 < r1) product_rows(r0, r1, cols, a, lda, x, incx, y);
+    if (r0 < r1) product_rows(r0, r1, cols, a, lda, xbuf, y);
   }
 }
 
@@ -396,7 +388,7 @@ int sytf2_lower(int n, View<T> A, int *ipiv) {
 // the columns already factored (those right of k), its rows conjugated once
 // the step is done for Hermitian data, so that A - U12 W^T is the update.
 template <class T, bool Herm>
-int lasyf_upper(int n, int nb, View<T> A, int *ipiv, View<T> W, int threads, int *kb) {
+int lasyf_upper(int n, int nb, View<T> A, int *ipiv, View<T> W, int threads, T *xbuf, int *kb) {
   int info = 0;
   int k = n - 1;
   for (;;) {
@@ -405,7 +397,8 @@ int lasyf_upper(int n, int nb, View<T> A, int *ipiv, View<T> W, int threads, int
     // W(0:k, kw) = A(0:k, k) minus the panel's earlier columns.
     std::copy(A.at(0, k), A.at(0, k) + k, W.at(0, kw));
     W(k, kw) = dg<T, Herm>(A(k, k));
-    product(k + 1, n - 1 - k, A.at(0, k + 1), A.ld, W.at(k, kw + 1), W.ld, W.at(0, kw), threads);
+    product(k + 1, n - 1 - k, A.at(0, k + 1), A.ld, W.at(k, kw + 1), W.ld, W.at(0, kw), threads,
+            xbuf);
     W(k, kw) = dg<T, Herm>(W(k, kw));
     const Real<T> absakk = dabs<T, Herm>(W(k, kw));
     const int imax = k > 0 ? iamax(k, W.at(0, kw), 1) : 0;
@@ -416,7 +409,7 @@ int lasyf_upper(int n, int nb, View<T> A, int *ipiv, View<T> W, int threads, int
       std::copy(A.at(0, imax), A.at(0, imax) + imax, v);
       v[imax] = dg<T, Herm>(A(imax, imax));
       for (int i = imax + 1; i <= k; ++i) v[i] = cj<T, Herm>(A(imax, i));
-      product(k + 1, n - 1 - k, A.at(0, k + 1), A.ld, W.at(imax, kw + 1), W.ld, v, threads);
+      product(k + 1, n - 1 - k, A.at(0, k + 1), A.ld, W.at(imax, kw + 1), W.ld, v, threads, xbuf);
       v[imax] = dg<T, Herm>(v[imax]);
       const int jmax = imax + 1 + iamax(k - imax, v + imax + 1, 1);
       *rowmax = cabs1(v[jmax]);
@@ -507,14 +500,14 @@ int lasyf_upper(int n, int nb, View<T> A, int *ipiv, View<T> W, int threads, int
 // The panel of the first columns: W's column k holds column k (rows k .. n-1)
 // as updated by the columns left of it.
 template <class T, bool Herm>
-int lasyf_lower(int n, int nb, View<T> A, int *ipiv, View<T> W, int threads, int *kb) {
+int lasyf_lower(int n, int nb, View<T> A, int *ipiv, View<T> W, int threads, T *xbuf, int *kb) {
   int info = 0;
   int k = 0;
   for (;;) {
     if ((k >= nb - 1 && nb < n) || k >= n) break;
     W(k, k) = dg<T, Herm>(A(k, k));
     std::copy(A.at(k + 1, k), A.at(0, k) + n, W.at(k + 1, k));
-    product(n - k, k, A.at(k, 0), A.ld, W.at(k, 0), W.ld, W.at(k, k), threads);
+    product(n - k, k, A.at(k, 0), A.ld, W.at(k, 0), W.ld, W.at(k, k), threads, xbuf);
     W(k, k) = dg<T, Herm>(W(k, k));
     const Real<T> absakk = dabs<T, Herm>(W(k, k));
     const int imax = k < n - 1 ? k + 1 + iamax(n - k - 1, W.at(k + 1, k), 1) : k;
@@ -525,7 +518,7 @@ int lasyf_lower(int n, int nb, View<T> A, int *ipiv, View<T> W, int threads, int
       for (int i = k; i < imax; ++i) v[i] = cj<T, Herm>(A(imax, i));
       v[imax] = dg<T, Herm>(A(imax, imax));
       std::copy(A.at(imax + 1, imax), A.at(0, imax) + n, v + imax + 1);
-      product(n - k, k, A.at(k, 0), A.ld, W.at(imax, 0), W.ld, v + k, threads);
+      product(n - k, k, A.at(k, 0), A.ld, W.at(imax, 0), W.ld, v + k, threads, xbuf);
       v[imax] = dg<T, Herm>(v[imax]);
       const int jmax = k + iamax(imax - k, v + k, 1);
       *rowmax = cabs1(v[jmax]);
@@ -623,8 +616,18 @@ template <class T, bool Herm>
 int lasyf(Uplo uplo, int n, int nb, T *a, int lda, int *ipiv, T *w, int ldw, int threads, int *kb) {
   const sytrf_detail::View<T> A{a, lda}, W{w, ldw};
   if (omp_in_parallel()) threads = 1;
-  return uplo == Uplo::kUpper ? sytrf_detail::lasyf_upper<T, Herm>(n, nb, A, ipiv, W, threads, kb)
-                              : sytrf_detail::lasyf_lower<T, Herm>(n, nb, A, ipiv, W, threads, kb);
+  // A contiguous copy of the row of W each product takes.
+  constexpr int kStack = 256;
+  T stack[kStack];
+  mem::Buffer<T> heap;
+  if (nb > kStack) {
+    heap = mem::Buffer<T>(nb, 64);
+    if (!heap) return -1;
+  }
+  T *xbuf = nb > kStack ? heap.get() : stack;
+  return uplo == Uplo::kUpper
+             ? sytrf_detail::lasyf_upper<T, Herm>(n, nb, A, ipiv, W, threads, xbuf, kb)
+             : sytrf_detail::lasyf_lower<T, Herm>(n, nb, A, ipiv, W, threads, xbuf, kb);
 }
 
 template <class T, bool Herm>
@@ -661,10 +664,11 @@ int sytrf(Uplo uplo, int n, T *a, int lda, int *ipiv, T *work, int lwork) {
   if (uplo == Uplo::kUpper) {
     for (int k = n; k >= 1;) {
       int kb = k, iinfo;
-      if (k > nb)
-        iinfo = lasyf<T, Herm>(uplo, k, nb, a, lda, ipiv, work, ldwork, team(k), &kb);
-      else
+      iinfo = k > nb ? lasyf<T, Herm>(uplo, k, nb, a, lda, ipiv, work, ldwork, team(k), &kb) : -1;
+      if (iinfo < 0) {
         iinfo = sytf2<T, Herm>(uplo, k, a, lda, ipiv);
+        kb = k;
+      }
       if (info == 0 && iinfo > 0) info = iinfo;
       k -= kb;
     }
@@ -674,10 +678,12 @@ int sytrf(Uplo uplo, int n, T *a, int lda, int *ipiv, T *work, int lwork) {
       T *akk = a + (k - 1) + static_cast<std::ptrdiff_t>(k - 1) * lda;
       int *pk = ipiv + (k - 1);
       int kb = m, iinfo;
-      if (k <= n - nb)
-        iinfo = lasyf<T, Herm>(uplo, m, nb, akk, lda, pk, work, ldwork, team(m), &kb);
-      else
+      iinfo =
+          k <= n - nb ? lasyf<T, Herm>(uplo, m, nb, akk, lda, pk, work, ldwork, team(m), &kb) : -1;
+      if (iinfo < 0) {
         iinfo = sytf2<T, Herm>(uplo, m, akk, lda, pk);
+        kb = m;
+      }
       if (info == 0 && iinfo > 0) info = iinfo + k - 1;
       for (int j = 0; j < kb; ++j) pk[j] += pk[j] > 0 ? k - 1 : -(k - 1);
       k += kb;

@@ -39,8 +39,8 @@ constexpr Row kRows[] = {
     // symmetric and Hermitian indefinite factorizations: panels of nb
     // columns; the crossover is the panel order from which its products
     // run on a team
-    {"SYTRF", "SDCZ", 64, 2, 512},
-    {"HETRF", "CZ", 64, 2, 512},
+    {"SYTRF", "SDCZ", 64, 2, 1000},
+    {"HETRF", "CZ", 64, 2, 1000},
 };
 
 // The routine's name as the table spells it, and its precision letter.

@@ -32,13 +32,15 @@ int sytf2(Uplo uplo, int n, T *a, int lda, int *ipiv);
 // factored (nb or nb - 1). With `threads` > 1 the matrix-vector products
 // of each column are split by rows over a team of that many threads; every
 // row is computed as on one thread, so the result has the same bits.
+// Returns -1, having done nothing, when its work space cannot be had.
 template <class T, bool Herm>
 int lasyf(Uplo uplo, int n, int nb, T *a, int lda, int *ipiv, T *w, int ldw, int threads, int *kb);
 
 // The factorization behind xSYTRF and xHETRF: panels of the oracle's block
 // size in WORK (lwork elements; fewer than n nb make the panels narrower,
 // and below the oracle's smallest block the columns go one by one), the
-// last block column by column; panels of at least the oracle's crossover
+// last block (or the rest, should a panel find no work space) column by
+// column; panels of at least the oracle's crossover
 // order run their products on a team. WORK(1) receives the optimal size.
 template <class T, bool Herm>
 int sytrf(Uplo uplo, int n, T *a, int lda, int *ipiv, T *work, int lwork);
