@@ -130,7 +130,7 @@ void product(int m, int cols, const T *a, int lda, const T *x, int incx, T *y, i
   if (m <= 0 || cols <= 0) return;
   for (int c = 0; c < cols; ++c) xbuf[c] = x[static_cast<std::ptrdiff_t>(c) * incx];
   constexpr int kRun = 64;
-  if (threads <= 1 || m < 2 * kRun) {
+  if (threads <= 1 || m < 2 * kRun || std::int64_t{m} * cols < g_sytrf_team_work) {
     product_rows(0, m, cols, a, lda, xbuf, y);
     return;
   }

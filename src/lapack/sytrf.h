@@ -49,6 +49,11 @@ int sytrf(Uplo uplo, int n, T *a, int lda, int *ipiv, T *work, int lwork);
 template <class T, bool Herm>
 std::int64_t sytrf_worksize(int n);
 
+// The fewest multiply-adds (rows by columns) a threaded panel's product
+// splits over its team: below a few microseconds of work, waking the team
+// costs about what it saves (the first columns of a panel). Tests lower it.
+inline std::int64_t g_sytrf_team_work = 16384;
+
 // The path the calling thread's last sytrf took (for tests).
 enum class SytrfPath { kNone, kUnblocked, kBlocked, kThreaded };
 SytrfPath sytrf_last_path();

@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <cmath>
 #include <complex>
+#include <cstdint>
 #include <cstring>
 #include <string>
 #include <type_traits>
@@ -164,7 +165,8 @@ struct Factored {
 
 // The threaded panel gives the serial panel's factors, pivots, width and
 // INFO bit for bit, for both triangles, orders and widths around the
-// 64-row runs of the split, 1x1 and 2x2 pivots and a zero column.
+// 64-row runs of the split, 1x1 and 2x2 pivots and a zero column, every
+// product split.
 TYPED_TEST(Sytrf, ThreadedPanelGivesTheSerialBits) {
   using T = typename TypeParam::T;
   constexpr bool kHerm = TypeParam::kHerm;
@@ -184,6 +186,8 @@ TYPED_TEST(Sytrf, ThreadedPanelGivesTheSerialBits) {
         };
         Matrix<T> fs = a, ws(c.n, c.nb);
         const Factored serial = panel(1, fs, ws);
+        const std::int64_t team_work = lp::g_sytrf_team_work;
+        lp::g_sytrf_team_work = 0;  // every product on the team
         EXPECT_TRUE(serial.kb == c.nb || serial.kb == c.nb - 1);
         if (shape == Shape::kSingular) {
           EXPECT_EQ(serial.info, uplo == Uplo::kUpper ? c.n : 1);
@@ -196,6 +200,7 @@ TYPED_TEST(Sytrf, ThreadedPanelGivesTheSerialBits) {
           EXPECT_EQ(team.kb, serial.kb);
           EXPECT_EQ(team.info, serial.info);
         }
+        lp::g_sytrf_team_work = team_work;
       }
 }
 
