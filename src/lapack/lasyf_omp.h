@@ -23,9 +23,11 @@
 #include <omp.h>
 
 #include <algorithm>
+#include <atomic>
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
+#include <thread>
 #include <utility>
 
 #include "blas/level2/level2.h"
@@ -121,27 +123,106 @@ void product_rows(int r0, int r1, int cols, const T *a, int lda, const T *x, T *
   blas::level2::kernels<T>().gemv_n(r1 - r0, cols, T(-1), a + r0, lda, x, y + r0);
 }
 
-// The same over the rows [0, m) with x at increment incx, split over a team
-// of `threads` in runs of 64 rows when it is worth waking one. `xbuf` holds
-// cols elements.
+// The team of a threaded panel, kept for the whole panel: thread 0 factors
+// it and hands each product to the team as a job, which every member runs
+// on its own share; the others wait between jobs spinning briefly and then
+// giving the processor away (which the thread they wait for may need on a
+// busy machine), never sleeping, so that a job starts without waking a
+// thread. A job's arguments are written before the release of its number
+// and read after its acquire; each member's results before the release of
+// its count of done jobs, read after thread 0's acquire of it.
+class Crew {
+ public:
+  // On thread 0: job(member, team) on every member, returning when all are
+  // done.
+  template <class Job>
+  void run(Job &job) {
+    fn_ = [](void *j, int member, int team) { (*static_cast<Job *>(j))(member, team); };
+    job_ = &job;
+    done_.store(0, std::memory_order_relaxed);
+    posted_.fetch_add(1, std::memory_order_release);
+    fn_(job_, 0, team_);
+    wait([&] { return done_.load(std::memory_order_acquire) == team_ - 1; });
+  }
+  // On the other members: the jobs, until thread 0 is finished.
+  void serve(int member) {
+    int seen = 0;
+    for (;;) {
+      int posted = seen;
+      wait([&] {
+        posted = posted_.load(std::memory_order_acquire);
+        return posted != seen || finished_.load(std::memory_order_acquire);
+      });
+      if (posted == seen) return;
+      seen = posted;
+      fn_(job_, member, team_);
+      done_.fetch_add(1, std::memory_order_release);
+    }
+  }
+  void finish() { finished_.store(true, std::memory_order_release); }
+  int team() const { return team_; }
+  void set_team(int team) { team_ = team; }
+
+ private:
+  template <class Ready>
+  static void wait(Ready ready) {
+    for (int idle = 0; !ready(); ++idle) {
+      if (idle < 256)
+        pause();
+      else
+        std::this_thread::yield();
+    }
+  }
+  static void pause() {
+#if defined(__i386__) || defined(__x86_64__)
+    __builtin_ia32_pause();
+#endif
+  }
+
+  int team_ = 1;
+  void (*fn_)(void *, int, int) = nullptr;
+  void *job_ = nullptr;
+  std::atomic<int> posted_{0}, done_{0};
+  std::atomic<bool> finished_{false};
+};
+
+// The same over the rows [0, m) with x at increment incx, split over the
+// crew (when there is one and the work is worth it) in runs of 64 rows.
+// `xbuf` holds cols elements.
 template <class T>
-void product(int m, int cols, const T *a, int lda, const T *x, int incx, T *y, int threads,
+void product(int m, int cols, const T *a, int lda, const T *x, int incx, T *y, Crew *crew,
              T *xbuf) {
   if (m <= 0 || cols <= 0) return;
   for (int c = 0; c < cols; ++c) xbuf[c] = x[static_cast<std::ptrdiff_t>(c) * incx];
   constexpr int kRun = 64;
-  if (threads <= 1 || m < 2 * kRun || std::int64_t{m} * cols < g_sytrf_team_work) {
+  if (!crew || crew->team() < 2 || m < 2 * kRun || std::int64_t{m} * cols < g_sytrf_team_work) {
     product_rows(0, m, cols, a, lda, xbuf, y);
     return;
   }
-  const int team = std::min(threads, m / kRun);
-#pragma omp parallel num_threads(team)
-  {
-    const int t = omp_get_thread_num(), nt = omp_get_num_threads();
-    const int per = ((m + nt - 1) / nt + kRun - 1) / kRun * kRun;
-    const int r0 = std::min(m, t * per), r1 = std::min(m, r0 + per);
+  auto job = [&](int member, int team) {
+    const int per = ((m + team - 1) / team + kRun - 1) / kRun * kRun;
+    const int r0 = std::min(m, member * per), r1 = std::min(m, r0 + per);
     if (r0 < r1) product_rows(r0, r1, cols, a, lda, xbuf, y);
+  };
+  crew->run(job);
+}
+
+// One triangle of the n-by-n C -= A B^T (A, B n by k): on the crew, in
+// slabs of equal area, or on the threaded level-3 path without one.
+template <class T>
+void update_triangle(Crew *crew, bool upper, int n, int k, const T *a, int lda, const T *b, int ldb,
+                     T *c, int ldc) {
+  if (n <= 0) return;
+  if (!crew || crew->team() < 2) {
+    gemm_triangle(upper, n, k, T(-1), a, lda, b, ldb, T(1), c, ldc);
+    return;
   }
+  auto job = [&](int member, int team) {
+    gemm_triangle_columns(upper, n, k, T(-1), a, lda, b, ldb, T(1), c, ldc,
+                          gemm_triangle_boundary(upper, n, member, team),
+                          gemm_triangle_boundary(upper, n, member + 1, team));
+  };
+  crew->run(job);
 }
 
 template <class T>
@@ -388,7 +469,7 @@ int sytf2_lower(int n, View<T> A, int *ipiv) {
 // the columns already factored (those right of k), its rows conjugated once
 // the step is done for Hermitian data, so that A - U12 W^T is the update.
 template <class T, bool Herm>
-int lasyf_upper(int n, int nb, View<T> A, int *ipiv, View<T> W, int threads, T *xbuf, int *kb) {
+int lasyf_upper(int n, int nb, View<T> A, int *ipiv, View<T> W, Crew *crew, T *xbuf, int *kb) {
   int info = 0;
   int k = n - 1;
   for (;;) {
@@ -397,8 +478,7 @@ int lasyf_upper(int n, int nb, View<T> A, int *ipiv, View<T> W, int threads, T *
     // W(0:k, kw) = A(0:k, k) minus the panel's earlier columns.
     std::copy(A.at(0, k), A.at(0, k) + k, W.at(0, kw));
     W(k, kw) = dg<T, Herm>(A(k, k));
-    product(k + 1, n - 1 - k, A.at(0, k + 1), A.ld, W.at(k, kw + 1), W.ld, W.at(0, kw), threads,
-            xbuf);
+    product(k + 1, n - 1 - k, A.at(0, k + 1), A.ld, W.at(k, kw + 1), W.ld, W.at(0, kw), crew, xbuf);
     W(k, kw) = dg<T, Herm>(W(k, kw));
     const Real<T> absakk = dabs<T, Herm>(W(k, kw));
     const int imax = k > 0 ? iamax(k, W.at(0, kw), 1) : 0;
@@ -409,7 +489,7 @@ int lasyf_upper(int n, int nb, View<T> A, int *ipiv, View<T> W, int threads, T *
       std::copy(A.at(0, imax), A.at(0, imax) + imax, v);
       v[imax] = dg<T, Herm>(A(imax, imax));
       for (int i = imax + 1; i <= k; ++i) v[i] = cj<T, Herm>(A(imax, i));
-      product(k + 1, n - 1 - k, A.at(0, k + 1), A.ld, W.at(imax, kw + 1), W.ld, v, threads, xbuf);
+      product(k + 1, n - 1 - k, A.at(0, k + 1), A.ld, W.at(imax, kw + 1), W.ld, v, crew, xbuf);
       v[imax] = dg<T, Herm>(v[imax]);
       const int jmax = imax + 1 + iamax(k - imax, v + imax + 1, 1);
       *rowmax = cabs1(v[jmax]);
@@ -476,8 +556,8 @@ int lasyf_upper(int n, int nb, View<T> A, int *ipiv, View<T> W, int threads, T *
   }
   // A11 := A11 - U12 W^T over the upper triangle of the first k + 1 columns.
   const int kw = nb + k - n;
-  gemm_triangle(true, k + 1, n - 1 - k, T(-1), A.at(0, k + 1), A.ld, W.at(0, kw + 1), W.ld, T(1),
-                A.p, A.ld);
+  update_triangle(crew, true, k + 1, n - 1 - k, A.at(0, k + 1), A.ld, W.at(0, kw + 1), W.ld, A.p,
+                  A.ld);
   if constexpr (Herm)
     for (int j = 0; j <= k; ++j) A(j, j) = dg<T, Herm>(A(j, j));
   // U12 back in the published form: each step's interchange undone in the
@@ -500,14 +580,14 @@ int lasyf_upper(int n, int nb, View<T> A, int *ipiv, View<T> W, int threads, T *
 // The panel of the first columns: W's column k holds column k (rows k .. n-1)
 // as updated by the columns left of it.
 template <class T, bool Herm>
-int lasyf_lower(int n, int nb, View<T> A, int *ipiv, View<T> W, int threads, T *xbuf, int *kb) {
+int lasyf_lower(int n, int nb, View<T> A, int *ipiv, View<T> W, Crew *crew, T *xbuf, int *kb) {
   int info = 0;
   int k = 0;
   for (;;) {
     if ((k >= nb - 1 && nb < n) || k >= n) break;
     W(k, k) = dg<T, Herm>(A(k, k));
     std::copy(A.at(k + 1, k), A.at(0, k) + n, W.at(k + 1, k));
-    product(n - k, k, A.at(k, 0), A.ld, W.at(k, 0), W.ld, W.at(k, k), threads, xbuf);
+    product(n - k, k, A.at(k, 0), A.ld, W.at(k, 0), W.ld, W.at(k, k), crew, xbuf);
     W(k, k) = dg<T, Herm>(W(k, k));
     const Real<T> absakk = dabs<T, Herm>(W(k, k));
     const int imax = k < n - 1 ? k + 1 + iamax(n - k - 1, W.at(k + 1, k), 1) : k;
@@ -518,7 +598,7 @@ int lasyf_lower(int n, int nb, View<T> A, int *ipiv, View<T> W, int threads, T *
       for (int i = k; i < imax; ++i) v[i] = cj<T, Herm>(A(imax, i));
       v[imax] = dg<T, Herm>(A(imax, imax));
       std::copy(A.at(imax + 1, imax), A.at(0, imax) + n, v + imax + 1);
-      product(n - k, k, A.at(k, 0), A.ld, W.at(imax, 0), W.ld, v + k, threads, xbuf);
+      product(n - k, k, A.at(k, 0), A.ld, W.at(imax, 0), W.ld, v + k, crew, xbuf);
       v[imax] = dg<T, Herm>(v[imax]);
       const int jmax = k + iamax(imax - k, v + k, 1);
       *rowmax = cabs1(v[jmax]);
@@ -584,7 +664,7 @@ int lasyf_lower(int n, int nb, View<T> A, int *ipiv, View<T> W, int threads, T *
     k += kstep;
   }
   // A22 := A22 - L21 W^T over the lower triangle of the last n - k columns.
-  gemm_triangle(false, n - k, k, T(-1), A.at(k, 0), A.ld, W.at(k, 0), W.ld, T(1), A.at(k, k), A.ld);
+  update_triangle(crew, false, n - k, k, A.at(k, 0), A.ld, W.at(k, 0), W.ld, A.at(k, k), A.ld);
   if constexpr (Herm)
     for (int j = k; j < n; ++j) A(j, j) = dg<T, Herm>(A(j, j));
   // L21 back in the published form.
@@ -625,9 +705,26 @@ int lasyf(Uplo uplo, int n, int nb, T *a, int lda, int *ipiv, T *w, int ldw, int
     if (!heap) return -1;
   }
   T *xbuf = nb > kStack ? heap.get() : stack;
-  return uplo == Uplo::kUpper
-             ? sytrf_detail::lasyf_upper<T, Herm>(n, nb, A, ipiv, W, threads, xbuf, kb)
-             : sytrf_detail::lasyf_lower<T, Herm>(n, nb, A, ipiv, W, threads, xbuf, kb);
+  auto panel = [&](sytrf_detail::Crew *crew) {
+    return uplo == Uplo::kUpper
+               ? sytrf_detail::lasyf_upper<T, Herm>(n, nb, A, ipiv, W, crew, xbuf, kb)
+               : sytrf_detail::lasyf_lower<T, Herm>(n, nb, A, ipiv, W, crew, xbuf, kb);
+  };
+  if (threads <= 1) return panel(nullptr);
+  sytrf_detail::Crew crew;
+  int info = 0;
+#pragma omp parallel num_threads(threads)
+  {
+#pragma omp single
+    crew.set_team(omp_get_num_threads());
+    if (omp_get_thread_num() == 0) {
+      info = panel(&crew);
+      crew.finish();
+    } else {
+      crew.serve(omp_get_thread_num());
+    }
+  }
+  return info;
 }
 
 template <class T, bool Herm>
