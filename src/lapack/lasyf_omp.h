@@ -13,11 +13,13 @@
 //
 // The panel keeps the updated columns in W, so that column k's update is a
 // product of the panel's earlier columns of A and W over the rows still to
-// factor. That product is the panel's heavy work. With a team, the rows are
-// split over it; every row's sum is formed in the same order whatever range
-// it falls in (no fused multiply-adds in portable code), so the threaded
-// panel gives the serial panel's bits. The rest of the triangle is updated
-// once per panel by the triangle-only threaded product (blas_calls.h).
+// factor. That product is the panel's heavy work. A threaded panel keeps
+// one team (a Crew) for its length: thread 0 factors, and each product
+// large enough is split by rows over the team; every row's sum is formed by
+// the same kernel in the same order whatever range it falls in, so the
+// threaded panel gives the serial panel's bits. The rest of the triangle is
+// updated once per panel by the triangle-only product (blas_calls.h), on
+// the panel's team or on the threaded level-3 path.
 #pragma once
 
 #include <omp.h>
