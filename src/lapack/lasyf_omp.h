@@ -717,9 +717,8 @@ int lasyf(Uplo uplo, int n, int nb, T *a, int lda, int *ipiv, T *w, int ldw, int
   int info = 0;
 #pragma omp parallel num_threads(threads)
   {
-#pragma omp single
-    crew.set_team(omp_get_num_threads());
     if (omp_get_thread_num() == 0) {
+      crew.set_team(omp_get_num_threads());  // read by the others after a job's release
       info = panel(&crew);
       crew.finish();
     } else {
