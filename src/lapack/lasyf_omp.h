@@ -19,7 +19,7 @@
 // the same kernel in the same order whatever range it falls in, so the
 // threaded panel gives the serial panel's bits. The rest of the triangle is
 // updated once per panel by the triangle-only product (blas_calls.h), on
-// the panel's team or on the threaded level-3 path.
+// the panel's team, or on the calling thread for a serial panel.
 #pragma once
 
 #include <omp.h>
@@ -210,13 +210,13 @@ void product(int m, int cols, const T *a, int lda, const T *x, int incx, T *y, C
 }
 
 // One triangle of the n-by-n C -= A B^T (A, B n by k): on the crew, in
-// slabs of equal area, or on the threaded level-3 path without one.
+// slabs of equal area, or on the calling thread without one.
 template <class T>
 void update_triangle(Crew *crew, bool upper, int n, int k, const T *a, int lda, const T *b, int ldb,
                      T *c, int ldc) {
   if (n <= 0) return;
   if (!crew || crew->team() < 2) {
-    gemm_triangle(upper, n, k, T(-1), a, lda, b, ldb, T(1), c, ldc);
+    gemm_triangle_columns(upper, n, k, T(-1), a, lda, b, ldb, T(1), c, ldc, 0, n);
     return;
   }
   auto job = [&](int member, int team) {

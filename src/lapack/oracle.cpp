@@ -40,10 +40,12 @@ constexpr Row kRows[] = {
     // columns (32, 64, 96 and 128 timed at orders 1000 and 4000 on one
     // thread: 64 best for real data, 74 GFLOP/s at 4000 against 57 to 73,
     // and within 3% of 128, the best, for complex). The crossover is the
-    // panel order from which its column products run on a team: with two
-    // threads on a machine whose other jobs kept 7 to 10 threads runnable,
-    // no order from 256 to 2000 gained from the team (each product waits
-    // for a thread the scheduler has parked); 1000 keeps small orders serial
+    // order from which the panels run on a team, which takes the column
+    // products and the trailing update; below it all runs on the calling
+    // thread. Two threads, on a machine whose other jobs kept 3 to 10
+    // threads runnable: at 256 the team's waits cost 5 times the work (4
+    // GFLOP/s against 22 on one thread, real data); at 1000 the team gave
+    // 30 GFLOP/s against 13 for the peers' two threads
     {"SYTRF", "SDCZ", 64, 2, 1000},
     {"HETRF", "CZ", 64, 2, 1000},
 };

@@ -28,10 +28,11 @@ int sytf2(Uplo uplo, int n, T *a, int lda, int *ipiv);
 // One panel (xLASYF, xLAHEF): factors up to nb columns of the order-n
 // matrix (the last ones for upper, the first ones for lower) with the
 // updated columns kept in the n-by-nb W, then updates the rest of the
-// triangle with the threaded level-3 BLAS. `kb` receives the columns
-// factored (nb or nb - 1). With `threads` > 1 the matrix-vector products
-// of each column are split by rows over a team of that many threads; every
-// row is computed as on one thread, so the result has the same bits.
+// triangle with the level-3 BLAS. `kb` receives the columns factored (nb
+// or nb - 1). With `threads` > 1 the matrix-vector products of each column
+// and the update are split over a team of that many threads (1: all on the
+// calling thread); every element is computed as on one thread, so the
+// result has the same bits.
 // Returns -1, having done nothing, when its work space cannot be had.
 template <class T, bool Herm>
 int lasyf(Uplo uplo, int n, int nb, T *a, int lda, int *ipiv, T *w, int ldw, int threads, int *kb);
@@ -40,8 +41,8 @@ int lasyf(Uplo uplo, int n, int nb, T *a, int lda, int *ipiv, T *w, int ldw, int
 // size in WORK (lwork elements; fewer than n nb make the panels narrower,
 // and below the oracle's smallest block the columns go one by one), the
 // last block (or the rest, should a panel find no work space) column by
-// column; panels of at least the oracle's crossover
-// order run their products on a team. WORK(1) receives the optimal size.
+// column; panels of at least the oracle's crossover order run on a team,
+// smaller ones on the calling thread. WORK(1) receives the optimal size.
 template <class T, bool Herm>
 int sytrf(Uplo uplo, int n, T *a, int lda, int *ipiv, T *work, int lwork);
 
