@@ -924,6 +924,145 @@ void potrs_rows(const std::vector<Library> &libs, const Options &o) {
   }
 }
 
+// ---- the symmetric and Hermitian indefinite factorizations (ssytrf, chetrf) ----------
+
+using SytrfFn = void (*)(const char *, const int *, void *, const int *, int *, void *, const int *,
+                         int *, Fortran_len);
+
+// A symmetric matrix (Hermitian, with a real diagonal, when herm is set)
+// from the random one of the other rows.
+template <class T>
+std::vector<T> symmetric_matrix(int n, bool herm) {
+  std::vector<T> a = random_matrix<T>(std::size_t(n) * n, 1);
+  for (std::size_t j = 0; j < std::size_t(n); ++j) {
+    for (std::size_t i = j + 1; i < std::size_t(n); ++i) a[j + i * n] = a[i + j * n];
+    if constexpr (std::is_same_v<T, c8>)
+      if (herm) {
+        for (std::size_t i = j + 1; i < std::size_t(n); ++i) a[j + i * n] = std::conj(a[j + i * n]);
+        a[j + j * n] = std::real(a[j + j * n]);
+      }
+  }
+  return a;
+}
+
+// ||A x - L D L^T x||_inf / (n ||A||_inf ||x||_inf eps) for a random x, from
+// the lower factors and pivots as the published routines lay them out
+// (L^H and a Hermitian D when herm is set): L = P(1) L(1) P(2) L(2) ...,
+// each L(k) the identity but for the one or two columns of its block.
+template <class T>
+double sytrf_residual(const std::vector<T> &a, double a_norm, const T *f, const int *ipiv, int n,
+                      bool herm) {
+  using W = Wide<T>;
+  auto cj = [herm](W z) {
+    if constexpr (std::is_same_v<W, double>)
+      return z;
+    else
+      return herm ? std::conj(z) : z;
+  };
+  auto el = [&](int i, int j) { return W(f[i + std::size_t(j) * n]); };
+  std::vector<W> x(n);
+  std::mt19937 rng(11);
+  std::uniform_real_distribution<double> d(-1, 1);
+  for (auto &v : x) v = W(d(rng));
+  const std::vector<W> ax = times(a.data(), n, x);
+  std::vector<W> z = x;
+  std::vector<int> first(n);  // the block of k starts at first[k]
+  for (int k = 0; k < n;) {
+    const int s = ipiv[k] > 0 ? 1 : 2;
+    if (k + s > n || (s == 2 && ipiv[k + 1] != ipiv[k])) return INFINITY;
+    const int p = std::abs(ipiv[k]) - 1;
+    if (p < k || p >= n) return INFINITY;
+    first[k] = k;
+    if (s == 2) first[k + 1] = k;
+    k += s;
+  }
+  // z = L^H x: k rising, the interchange then the block's columns.
+  for (int k = 0; k < n;) {
+    const int s = ipiv[k] > 0 ? 1 : 2, p = std::abs(ipiv[k]) - 1;
+    std::swap(z[k + s - 1], z[p]);
+    for (int c = k; c < k + s; ++c)
+      for (int i = k + s; i < n; ++i) z[c] += cj(el(i, c)) * z[i];
+    k += s;
+  }
+  // z = D z.
+  for (int k = 0; k < n;) {
+    if (ipiv[k] > 0) {
+      z[k] *= el(k, k);
+      ++k;
+      continue;
+    }
+    const W d11 = el(k, k), d21 = el(k + 1, k), d22 = el(k + 1, k + 1);
+    const W z0 = z[k], z1 = z[k + 1];
+    z[k] = d11 * z0 + cj(d21) * z1;
+    z[k + 1] = d21 * z0 + d22 * z1;
+    k += 2;
+  }
+  // z = L z: blocks from the last, the columns then the interchange.
+  for (int k = n - 1; k >= 0;) {
+    const int k0 = first[k], s = k - k0 + 1, p = std::abs(ipiv[k0]) - 1;
+    for (int c = k0; c <= k; ++c)
+      for (int i = k + 1; i < n; ++i) z[i] += el(i, c) * z[c];
+    std::swap(z[k0 + s - 1], z[p]);
+    k = k0 - 1;
+  }
+  double r = 0;
+  for (int i = 0; i < n; ++i) r = std::max(r, std::abs(ax[i] - z[i]));
+  if (!std::isfinite(r)) return INFINITY;
+  return r / (double(n) * a_norm * std::numeric_limits<float>::epsilon());
+}
+
+// Diagonal pivoting lets the factors grow more than partial pivoting's: the
+// residual limit of the other rows, times this.
+constexpr double kGrowthAllowance = 100;
+
+// ssytrf or chetrf with UPLO = 'L' and each library's optimal LWORK; every
+// call factors a fresh copy of the same matrix.
+template <class T>
+void sytrf_rows(const std::vector<Library> &libs, const Options &o, const char *routine) {
+  if (!wanted(o, routine)) return;
+  const std::string name = std::string(routine) + "_";
+  const bool herm = routine[1] == 'h';
+  for (int n : o.sizes) {
+    const std::vector<T> a = symmetric_matrix<T>(n, herm);
+    const double a_norm = norm_inf(a, n);
+    std::vector<T> f(a.size());
+    std::vector<int> ipiv(n);
+    std::vector<std::vector<T>> works(libs.size());
+    std::vector<Run> runs;
+    for (std::size_t li = 0; li < libs.size(); ++li) {
+      auto fn = reinterpret_cast<SytrfFn>(libs[li].sym(name.c_str()));
+      if (!fn) {
+        runs.emplace_back();
+        continue;
+      }
+      T query = T(0);
+      int lwork = -1, info = 0;
+      fn("L", &n, f.data(), &n, ipiv.data(), &query, &lwork, &info, 1);
+      lwork = std::max(1, int(std::real(query)));
+      works[li].resize(lwork);
+      std::vector<T> &work = works[li];
+      runs.push_back([fn, n, lwork, herm, a_norm, &a, &f, &ipiv, &work](bool check) {
+        std::copy(a.begin(), a.end(), f.begin());
+        int info = -1;
+        const auto t0 = std::chrono::steady_clock::now();
+        fn("L", &n, f.data(), &n, ipiv.data(), work.data(), &lwork, &info, 1);
+        Outcome out;
+        out.seconds = seconds_since(t0);
+        if (check) {
+          out.fault = info_fault(info);
+          if (out.fault.empty())
+            out.fault = residual_fault(sytrf_residual(a, a_norm, f.data(), ipiv.data(), n, herm) /
+                                       kGrowthAllowance);
+        }
+        return out;
+      });
+    }
+    double flops = double(n) * n * n / 3;
+    if (std::is_same_v<T, c8>) flops *= 4;
+    for (int nt : o.threads) print_row(measure(routine, n, nt, false, flops, runs, libs), libs);
+  }
+}
+
 std::vector<int> int_list(char *text) {
   std::vector<int> v;
   for (char *s = std::strtok(text, ","); s; s = std::strtok(nullptr, ","))
@@ -987,5 +1126,7 @@ int main(int argc, char **argv) {
   potrf_rows<float>(libs, o, "spotrf");
   potrf_rows<c8>(libs, o, "cpotrf");
   potrs_rows(libs, o);
+  sytrf_rows<float>(libs, o, "ssytrf");
+  sytrf_rows<c8>(libs, o, "chetrf");
   return 0;
 }

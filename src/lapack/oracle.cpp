@@ -42,6 +42,18 @@ constexpr Row kRows[] = {
     {"POTRF", "SDCZ", 128, 2, 16},
     // band Cholesky: blocks of up to 32 columns inside the band
     {"PBTRF", "SDCZ", 32, 2, 0},
+    // symmetric and Hermitian indefinite factorizations: panels of 64
+    // columns (32, 64, 96 and 128 timed at orders 1000 and 4000 on one
+    // thread: 64 best for real data, 74 GFLOP/s at 4000 against 57 to 73,
+    // and within 3% of 128, the best, for complex). The crossover is the
+    // order from which the panels run on a team, which takes the column
+    // products and the trailing update; below it all runs on the calling
+    // thread. Two threads, on a machine whose other jobs kept 3 to 10
+    // threads runnable: at 256 the team's waits cost 5 times the work (4
+    // GFLOP/s against 22 on one thread, real data); at 1000 the team gave
+    // 30 GFLOP/s against 13 for the peers' two threads
+    {"SYTRF", "SDCZ", 64, 2, 1000},
+    {"HETRF", "CZ", 64, 2, 1000},
 };
 
 // The routine's name as the table spells it, and its precision letter.
