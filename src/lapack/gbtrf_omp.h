@@ -37,7 +37,6 @@
 #include <atomic>
 #include <cstddef>
 #include <cstdint>
-#include <thread>
 
 #include "lapack/auxiliary.h"
 #include "lapack/band.h"
@@ -45,6 +44,7 @@
 #include "lapack/getrf.h"
 #include "lapack/names.h"
 #include "lapack/oracle.h"
+#include "lapack/spin.h"
 #include "service/memory.h"
 #include "service/threading.h"
 
@@ -244,18 +244,7 @@ class BandLu {
       round_.store(round + 1, std::memory_order_release);
       return;
     }
-    for (int idle = 0; round_.load(std::memory_order_acquire) == round; ++idle) {
-      if (idle < 64)
-        pause();
-      else
-        std::this_thread::yield();
-    }
-  }
-
-  static void pause() {
-#if defined(__i386__) || defined(__x86_64__)
-    __builtin_ia32_pause();
-#endif
+    spin_until([&] { return round_.load(std::memory_order_acquire) != round; });
   }
 
   const int m_, n_, mn_, kl_, ku_, kv_, nb_, ldp_, chunk_, steps_count_;

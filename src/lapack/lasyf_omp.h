@@ -29,13 +29,13 @@
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
-#include <thread>
 #include <utility>
 
 #include "blas/level2/level2.h"
 #include "lapack/blas_calls.h"
 #include "lapack/names.h"
 #include "lapack/oracle.h"
+#include "lapack/spin.h"
 #include "lapack/sytrf.h"
 #include "service/memory.h"
 #include "service/threading.h"
@@ -168,17 +168,7 @@ class Crew {
  private:
   template <class Ready>
   static void wait(Ready ready) {
-    for (int idle = 0; !ready(); ++idle) {
-      if (idle < 256)
-        pause();
-      else
-        std::this_thread::yield();
-    }
-  }
-  static void pause() {
-#if defined(__i386__) || defined(__x86_64__)
-    __builtin_ia32_pause();
-#endif
+    spin_until(ready, 256);
   }
 
   int team_ = 1;

@@ -31,12 +31,12 @@
 #include <cstddef>
 #include <cstdint>
 #include <new>
-#include <thread>
 
 #include "lapack/auxiliary.h"
 #include "lapack/blas_calls.h"
 #include "lapack/getrf.h"
 #include "lapack/oracle.h"
+#include "lapack/spin.h"
 #include "service/check.h"
 #include "service/entry.h"
 #include "service/memory.h"
@@ -63,12 +63,6 @@ struct ScheduleHead {
 };
 static_assert(sizeof(ScheduleHead) == 28 && alignof(ScheduleHead) == 4);
 static_assert(sizeof(std::atomic<std::int32_t>) == 4);
-
-inline void pause() {
-#if defined(__i386__) || defined(__x86_64__)
-  __builtin_ia32_pause();
-#endif
-}
 
 template <class T>
 class Scheduled {
@@ -209,12 +203,7 @@ class Scheduled {
         idle = 0;
         continue;
       }
-      // Spin briefly, then give the processor away: the thread being waited
-      // for may need it when the machine is busy.
-      if (++idle < 64)
-        pause();
-      else
-        std::this_thread::yield();
+      idle_step(++idle);
     }
   }
 

@@ -22,13 +22,13 @@
 #include <cstddef>
 #include <memory>
 #include <new>
-#include <thread>
 
 #include "blas/level3/level3.h"
 #include "lapack/blas_calls.h"
 #include "lapack/cholesky.h"
 #include "lapack/names.h"
 #include "lapack/oracle.h"
+#include "lapack/spin.h"
 #include "service/threading.h"
 
 namespace orb::lapack {
@@ -38,12 +38,6 @@ thread_local PotrfPath t_last_path = PotrfPath::kNone;
 
 inline std::ptrdiff_t at(int i, int j, int ld) {
   return i + static_cast<std::ptrdiff_t>(j) * ld;
-}
-
-inline void pause() {
-#if defined(__i386__) || defined(__x86_64__)
-  __builtin_ia32_pause();
-#endif
 }
 
 enum State : int { kPending = 0, kFactored = 1 };
@@ -87,18 +81,12 @@ class Scheduled {
   // Waits for block k; false when the factorization has failed there or
   // before it.
   bool wait(int k) {
-    int idle = 0;
-    for (;;) {
-      const int s = words_[k].load(std::memory_order_acquire);
-      if (s == kFactored) return true;
-      if (failed_.load(std::memory_order_acquire)) return false;
-      // Spin briefly, then give the processor away: the thread being
-      // waited for may need it when the machine is busy.
-      if (++idle < 64)
-        pause();
-      else
-        std::this_thread::yield();
-    }
+    bool factored = false;
+    spin_until([&] {
+      factored = words_[k].load(std::memory_order_acquire) == kFactored;
+      return factored || failed_.load(std::memory_order_acquire);
+    });
+    return factored;
   }
 
   // Block j minus the contributions of blocks k0 .. k1-1.
