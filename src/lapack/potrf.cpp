@@ -51,7 +51,9 @@ int potf2(Uplo uplo, int n, T *a, int lda) {
       blas::level2::gemv(Op::kNone, rest, j, T(-1), a + at(j + 1, 0, lda), lda, prev, lda, T(1),
                          d + along, along);
     lacgv(j, prev, across);
-    rscal(rest, R(1) / root, d + along, along);
+    // Divided, not multiplied by the reciprocal: the rounding of the
+    // published recursive factorization, which solves with the diagonal.
+    for (int i = 1; i <= rest; ++i) d[static_cast<std::ptrdiff_t>(i) * along] /= root;
   }
   return 0;
 }
