@@ -29,6 +29,7 @@ using orb::c8;
 using orb::Op;
 using orb::test::Matrix;
 using orb::test::Random;
+using orb::test::same_bits;
 using orb::test::wide_t;
 
 struct Shape {
@@ -73,12 +74,6 @@ Lu<T> factor(const Matrix<T> &a, const Shape &s, int nb, int threads) {
                    : lp::gbtrf_blocked(s.m, s.n, s.kl, s.ku, f.ab.data(), f.ab.ld, f.ipiv.data(),
                                        nb, threads);
   return f;
-}
-
-template <class T>
-bool same_bits(const Matrix<T> &x, const Matrix<T> &y) {
-  return x.mem.size() == y.mem.size() &&
-         std::memcmp(x.mem.data(), y.mem.data(), x.mem.size() * sizeof(T)) == 0;
 }
 
 // ||A - P1 L1 P2 L2 ... U||_1 / (n ||A||_1 eps), the factors as the band

@@ -32,13 +32,8 @@ using orb::c8;
 using orb::Uplo;
 using orb::test::Matrix;
 using orb::test::Random;
+using orb::test::same_bits;
 using orb::test::Triangle;
-
-template <class T>
-bool same_bits(const Matrix<T> &x, const Matrix<T> &y) {
-  return x.mem.size() == y.mem.size() &&
-         std::memcmp(x.mem.data(), y.mem.data(), x.mem.size() * sizeof(T)) == 0;
-}
 
 // A Hermitian positive definite matrix, both triangles stored: a random
 // one (whose eigenvalues lie within 2 sqrt(n) of 0) shifted by 3 sqrt(n).

@@ -32,6 +32,7 @@ using orb::c8;
 using orb::Uplo;
 using orb::test::Matrix;
 using orb::test::Random;
+using orb::test::same_bits;
 using orb::test::Triangle;
 using orb::test::wide_t;
 
@@ -152,12 +153,6 @@ Matrix<W> inverse(Matrix<W> a) {
       }
   }
   return x;
-}
-
-template <class T>
-bool same_bits(const Matrix<T> &x, const Matrix<T> &y) {
-  return x.mem.size() == y.mem.size() &&
-         std::memcmp(x.mem.data(), y.mem.data(), x.mem.size() * sizeof(T)) == 0;
 }
 
 template <class F>

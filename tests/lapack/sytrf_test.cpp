@@ -30,6 +30,7 @@ using orb::c8;
 using orb::Uplo;
 using orb::test::Matrix;
 using orb::test::Random;
+using orb::test::same_bits;
 
 template <class T_, bool Herm_>
 struct Kind {
@@ -40,12 +41,6 @@ using Kinds = testing::Types<Kind<float, false>, Kind<c8, false>, Kind<c8, true>
 template <class K>
 class Sytrf : public testing::Test {};
 TYPED_TEST_SUITE(Sytrf, Kinds);
-
-template <class T>
-bool same_bits(const Matrix<T> &x, const Matrix<T> &y) {
-  return x.mem.size() == y.mem.size() &&
-         std::memcmp(x.mem.data(), y.mem.data(), x.mem.size() * sizeof(T)) == 0;
-}
 
 // A symmetric or Hermitian test matrix, whole. kTwoByTwo has a zero
 // diagonal, so that every step takes a 2x2 pivot or interchanges; kSingular

@@ -10,6 +10,7 @@
 #include <complex>
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <random>
 #include <type_traits>
 #include <vector>
@@ -98,6 +99,13 @@ struct Matrix {
   // The same elements at another leading dimension and offset.
   Matrix placed(int new_ld, int new_offset = 0) const;
 };
+
+// Whether two matrices hold the same bits everywhere, padding included.
+template <class T>
+bool same_bits(const Matrix<T> &x, const Matrix<T> &y) {
+  return x.mem.size() == y.mem.size() &&
+         std::memcmp(x.mem.data(), y.mem.data(), x.mem.size() * sizeof(T)) == 0;
+}
 
 // ---- generators -------------------------------------------------------------------
 
