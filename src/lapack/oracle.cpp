@@ -54,6 +54,9 @@ constexpr Row kRows[] = {
     // 30 GFLOP/s against 13 for the peers' two threads
     {"SYTRF", "SDCZ", 64, 2, 1000},
     {"HETRF", "CZ", 64, 2, 1000},
+    // the bidiagonal QR: nb is the number of sweeps whose rotations are
+    // gathered before they go to the vectors together (lasr3)
+    {"BDSQR", "SDCZ", 16, 2, 0},
 };
 
 // The routine's name as the table spells it, and its precision letter.
@@ -211,6 +214,13 @@ int sytrs_block(int n, int nrhs) {
   return nrhs >= fewest ? 64 : 1;
 }
 
+// Query 3 for the blocked rotations "LASR3" (arguments: the rows or
+// columns the team would share, the rotations): the fewest worth a team,
+// from the 4 multiplications per rotation and element.
+int lasr3_crossover(int rotations) {
+  return columns_for_team(4.0 * rotations, 2.0e5, 32);
+}
+
 bool is_routine(const Name &n, const char *routine) {
   return std::strcmp(n.routine, routine) == 0;
 }
@@ -249,6 +259,7 @@ int oracle(int query, const char *name, const char *opts, int n1, int n2, int n3
       if (is_routine(n, "POTRF") && threads >= 2) return potrf_team_crossover();
       if (is_routine(n, "PBTRS")) return pbtrs_crossover(n1, n2);
       if (is_routine(n, "SYTRS") || is_routine(n, "HETRS")) return sytrs_crossover(n1);
+      if (is_routine(n, "LASR3")) return lasr3_crossover(n2);
       return row ? row->nx : 0;
     case kShifts:
       return 6;

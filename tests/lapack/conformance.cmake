@@ -23,3 +23,9 @@ foreach(_p s c)
     endif()
   endforeach()
 endforeach()
+
+# The singular value tests (bidiagonal QR with and without vectors, and the
+# reference drivers that call it) with ORB in front.
+foreach(_p s c)
+  orb_reference_lapack(reference_lapack_svd_${_p} xeigtst${_p} svd.in)
+endforeach()

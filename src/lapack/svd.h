@@ -1,0 +1,25 @@
+// The singular value routines' shared templates: the bidiagonal QR
+// iteration (bdsqr.cpp).
+#pragma once
+
+#include "common/options.h"
+#include "common/scalar.h"
+
+namespace orb::lapack {
+
+// Singular values of the n x n bidiagonal (d, e) and, as asked, VT := P^T VT
+// (ncvt columns), U := U Q (nru rows), C := Q^T C (ncc columns) (published
+// xBDSQR). Returns INFO.
+template <class T>
+int bdsqr(Uplo uplo, int n, int ncvt, int nru, int ncc, real_t<T> *d, real_t<T> *e, T *vt, int ldvt,
+          T *u, int ldu, T *c, int ldc, real_t<T> *work);
+
+// bdsqr with the rotations of up to `batch` sweeps gathered before they go
+// to VT, U and C together (bdsqr takes the oracle's "BDSQR" block size);
+// batch 1 applies each sweep as it is made. The singular values do not
+// depend on it, nor do the vectors' bits.
+template <class T>
+int bdsqr_batched(Uplo uplo, int n, int ncvt, int nru, int ncc, real_t<T> *d, real_t<T> *e, T *vt,
+                  int ldvt, T *u, int ldu, T *c, int ldc, real_t<T> *work, int batch);
+
+}  // namespace orb::lapack
