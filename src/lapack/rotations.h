@@ -8,11 +8,10 @@
 
 #include "common/options.h"
 #include "common/scalar.h"
+#include "lapack/householder.h"
 
 namespace orb::lapack {
 
-// DIRECT of the rotation and reflector sequences: F, B.
-enum class Direct : std::uint8_t { kForward, kBackward };
 // PIVOT of xLASR: rotation j turns lines (j, j+1) (variable), (0, j+1)
 // (top) or (j, k-1) (bottom), k being the number of lines.
 enum class Pivot : std::uint8_t { kVariable, kTop, kBottom };
