@@ -57,6 +57,10 @@ constexpr Row kRows[] = {
     // the bidiagonal QR: nb is the number of sweeps whose rotations are
     // gathered before they go to the vectors together (lasr3)
     {"BDSQR", "SDCZ", 16, 2, 0},
+    // divide and conquer on a bidiagonal, for the SVD and the least-squares
+    // solve: no blocks; the leaves hold up to query 9's 25 rows
+    {"BDSDC", "SD", 1, 2, 0},
+    {"GELSD", "SDCZ", 1, 2, 0},
 };
 
 // The routine's name as the table spells it, and its precision letter.

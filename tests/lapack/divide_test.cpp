@@ -1,0 +1,178 @@
+// The bidiagonal divide and conquer: singular values and vectors against
+// the matrix (residual, orthogonality, order) around and far beyond the leaf
+// size, on graded, clustered, repeated and singular bidiagonals; the values
+// alone against the values with vectors.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <complex>
+#include <limits>
+#include <vector>
+
+#include "lapack/divide.h"
+#include "lapack/oracle.h"
+#include "support/matrix.h"
+
+namespace {
+
+using orb::c16;
+using orb::c8;
+using orb::CompQ;
+using orb::Uplo;
+using orb::test::Random;
+
+template <class T>
+using R = orb::real_t<T>;
+
+constexpr int kSizes[] = {1, 2, 24, 25, 26, 60, 200};
+
+enum class Kind { kRandom, kGraded, kClustered, kRepeated, kZeroDiagonal };
+constexpr Kind kKinds[] = {Kind::kRandom, Kind::kGraded, Kind::kClustered, Kind::kRepeated,
+                           Kind::kZeroDiagonal};
+
+// A bidiagonal of the given kind: d then e (n - 1 elements).
+template <class Rl>
+void make_bidiagonal(Kind kind, int n, Random &rng, std::vector<Rl> &d, std::vector<Rl> &e) {
+  d.assign(n, 0);
+  e.assign(std::max(n - 1, 0), 0);
+  // float's range allows 1e-30 .. 1e30; double's goes further.
+  const double decades = sizeof(Rl) == 4 ? 30 : 150;
+  for (int i = 0; i < n; ++i) {
+    const double t = n > 1 ? static_cast<double>(i) / (n - 1) : 0.5;
+    switch (kind) {
+      case Kind::kRandom:
+        d[i] = static_cast<Rl>(rng.uniform());
+        if (i + 1 < n) e[i] = static_cast<Rl>(rng.uniform());
+        break;
+      case Kind::kGraded:
+        d[i] = static_cast<Rl>(std::pow(10.0, decades * (1 - 2 * t)) * (1 + rng.uniform() / 4));
+        if (i + 1 < n) e[i] = static_cast<Rl>(d[i] * rng.uniform() / 2);
+        break;
+      case Kind::kClustered:
+        d[i] = static_cast<Rl>(1 + 1e-6 * rng.uniform());
+        if (i + 1 < n) e[i] = static_cast<Rl>(1e-7 * rng.uniform());
+        break;
+      case Kind::kRepeated:  // blocks of equal values split by zeros
+        d[i] = static_cast<Rl>(i % 3 == 0 ? 2 : -2);
+        if (i + 1 < n) e[i] = 0;
+        break;
+      case Kind::kZeroDiagonal:
+        d[i] = i % 7 == 3 ? Rl(0) : static_cast<Rl>(rng.uniform());
+        if (i + 1 < n) e[i] = static_cast<Rl>(rng.uniform());
+        break;
+    }
+  }
+}
+
+// max |B - U S VT| / (n max|B| eps), max |I - U^T U| / (n eps) and the same
+// for VT, the products in double.
+template <class Rl>
+struct Check {
+  double residual = 0, orth_u = 0, orth_vt = 0;
+};
+template <class Rl>
+Check<Rl> check_svd(Uplo uplo, int n, const std::vector<Rl> &d0, const std::vector<Rl> &e0,
+                    const std::vector<Rl> &s, const std::vector<Rl> &u, const std::vector<Rl> &vt) {
+  const double eps = std::numeric_limits<Rl>::epsilon();
+  Check<Rl> c;
+  double bnorm = 0;
+  for (int i = 0; i < n; ++i) bnorm = std::max(bnorm, std::abs(double(d0[i])));
+  for (int i = 0; i + 1 < n; ++i) bnorm = std::max(bnorm, std::abs(double(e0[i])));
+  for (int j = 0; j < n; ++j)
+    for (int i = 0; i < n; ++i) {
+      double b = i == j ? d0[i] : 0;
+      if (uplo == Uplo::kUpper && j == i + 1) b = e0[i];
+      if (uplo == Uplo::kLower && i == j + 1) b = e0[j];
+      double usv = 0, uu = 0, vv = 0;
+      for (int k = 0; k < n; ++k) {
+        usv += double(u[i + k * n]) * s[k] * vt[k + j * n];
+        uu += double(u[k + i * n]) * u[k + j * n];
+        vv += double(vt[i + k * n]) * vt[j + k * n];
+      }
+      const double id = i == j ? 1 : 0;
+      c.residual = std::max(c.residual, std::abs(b - usv));
+      c.orth_u = std::max(c.orth_u, std::abs(id - uu));
+      c.orth_vt = std::max(c.orth_vt, std::abs(id - vv));
+    }
+  c.residual = bnorm > 0 ? c.residual / (n * bnorm * eps) : c.residual;
+  c.orth_u /= n * eps;
+  c.orth_vt /= n * eps;
+  return c;
+}
+
+template <class Rl>
+class BdsdcTest : public ::testing::Test {};
+using RealTypes = ::testing::Types<float, double>;
+TYPED_TEST_SUITE(BdsdcTest, RealTypes);
+
+TYPED_TEST(BdsdcTest, VectorsReproduceTheMatrixAndValuesAloneAgree) {
+  using Rl = TypeParam;
+  const double eps = std::numeric_limits<Rl>::epsilon();
+  Random rng(7);
+  for (const int n : kSizes)
+    for (const Kind kind : kKinds)
+      for (const Uplo uplo : {Uplo::kUpper, Uplo::kLower}) {
+        SCOPED_TRACE(testing::Message() << "n " << n << " kind " << static_cast<int>(kind)
+                                        << (uplo == Uplo::kUpper ? " upper" : " lower"));
+        std::vector<Rl> d0, e0;
+        make_bidiagonal(kind, n, rng, d0, e0);
+        std::vector<Rl> d = d0, e = e0, u(n * n, Rl(-7)), vt(n * n, Rl(-7));
+        e.push_back(0);
+        std::vector<Rl> work(3 * n * n + 4 * n);
+        std::vector<int> iwork(8 * n);
+        ASSERT_EQ(orb::lapack::bdsdc(uplo, CompQ::kInitial, n, d.data(), e.data(), u.data(),
+                                     std::max(n, 1), vt.data(), std::max(n, 1), work.data(),
+                                     iwork.data()),
+                  0);
+        for (int i = 0; i < n; ++i) {
+          EXPECT_GE(d[i], 0);
+          if (i > 0) {
+            EXPECT_LE(d[i], d[i - 1]);
+          }
+        }
+        const Check<Rl> c = check_svd(uplo, n, d0, e0, d, u, vt);
+        EXPECT_LT(c.residual, 10);
+        EXPECT_LT(c.orth_u, 10);
+        EXPECT_LT(c.orth_vt, 10);
+        // The values alone (QR iteration throughout) agree to the accuracy
+        // of the vectors' run: relative for values of order the largest,
+        // absolute (eps times the largest) below.
+        std::vector<Rl> dn = d0, en = e0;
+        en.push_back(0);
+        ASSERT_EQ(orb::lapack::bdsdc(uplo, CompQ::kNone, n, dn.data(), en.data(), u.data(), 1,
+                                     vt.data(), 1, work.data(), iwork.data()),
+                  0);
+        for (int i = 0; i < n; ++i)
+          EXPECT_LE(std::abs(double(dn[i]) - d[i]), 4 * n * eps * (n > 0 ? double(d[0]) : 0))
+              << "value " << i;
+        if (kind == Kind::kRandom || kind == Kind::kRepeated || kind == Kind::kClustered) {
+          for (int i = 0; i < n && d[i] > d[0] / 4; ++i)
+            EXPECT_LE(std::abs(double(dn[i]) - d[i]), 40 * eps * d[i]) << "value " << i;
+        }
+      }
+}
+
+TYPED_TEST(BdsdcTest, NanStopsWithoutHanging) {
+  using Rl = TypeParam;
+  for (const int n : {10, 60}) {
+    Random rng(3);
+    std::vector<Rl> d, e;
+    make_bidiagonal(Kind::kRandom, n, rng, d, e);
+    e.push_back(0);
+    d[n / 2] = std::numeric_limits<Rl>::quiet_NaN();
+    std::vector<Rl> u(n * n), vt(n * n), work(3 * n * n + 4 * n);
+    std::vector<int> iwork(8 * n);
+    orb::lapack::bdsdc(Uplo::kUpper, CompQ::kInitial, n, d.data(), e.data(), u.data(), n, vt.data(),
+                       n, work.data(), iwork.data());
+    SUCCEED();
+  }
+}
+
+TEST(DivideOracle, LeafSizeIsTwentyFive) {
+  for (const char *name : {"SBDSDC", "DBDSDC"})
+    EXPECT_EQ(orb::lapack::oracle(orb::lapack::kSubproblem, name, " ", 0, 0, 0, 0, 6, 1), 25)
+        << name;
+}
+
+}  // namespace
