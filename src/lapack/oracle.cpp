@@ -61,6 +61,21 @@ constexpr Row kRows[] = {
     // solve: no blocks; the leaves hold up to query 9's 25 rows
     {"BDSDC", "SD", 1, 2, 0},
     {"GELSD", "SDCZ", 1, 2, 0},
+    // QR and LQ family: panels of 32 columns (rows for the LQ), the
+    // unblocked code below order 128; the products take blocks of 32
+    // reflectors (their crossover answers are the team's, below)
+    {"GEQRF", "SDCZ", 32, 2, 128},
+    {"GELQF", "SDCZ", 32, 2, 128},
+    {"ORGQR", "SD", 32, 2, 128},
+    {"UNGQR", "CZ", 32, 2, 128},
+    {"ORGLQ", "SD", 32, 2, 128},
+    {"UNGLQ", "CZ", 32, 2, 128},
+    {"ORMQR", "SD", 32, 2, 128},
+    {"UNMQR", "CZ", 32, 2, 128},
+    {"ORMLQ", "SD", 32, 2, 128},
+    {"UNMLQ", "CZ", 32, 2, 128},
+    {"ORMQL", "SD", 32, 2, 128},
+    {"UNMQL", "CZ", 32, 2, 128},
 };
 
 // The routine's name as the table spells it, and its precision letter.
@@ -239,6 +254,27 @@ bool is_ge_trf(const Name &n) {
          std::strcmp(n.routine + len - 3, "TRF") == 0;
 }
 
+// ---- the QR family's teams ("GEQRF", the products "ORMQR", "UNMLQ", ...) --------------
+
+// Query 3 for "GEQRF" with a team (third argument): the smallest min(m, n)
+// the look-ahead factorization takes.
+int geqrf_team_crossover() {
+  return 256;
+}
+
+// Query 3 for the products with a team (arguments: the order of Q, the
+// reflectors k, the team): the fewest columns (left) or rows (right) of C
+// worth splitting, from the 2 nq k multiply-adds of each.
+int orm_team_crossover(int nq, int k) {
+  return columns_for_team(2.0 * std::max(nq, 1) * std::max(k, 1), 1.0e5, 16);
+}
+
+bool is_orm(const Name &n) {
+  for (const char *r : {"ORMQR", "UNMQR", "ORMLQ", "UNMLQ", "ORMQL", "UNMQL"})
+    if (std::strcmp(n.routine, r) == 0) return true;
+  return false;
+}
+
 }  // namespace
 
 int oracle(int query, const char *name, const char *opts, int n1, int n2, int n3, int n4,
@@ -264,6 +300,8 @@ int oracle(int query, const char *name, const char *opts, int n1, int n2, int n3
       if (is_routine(n, "PBTRS")) return pbtrs_crossover(n1, n2);
       if (is_routine(n, "SYTRS") || is_routine(n, "HETRS")) return sytrs_crossover(n1);
       if (is_routine(n, "LASR3")) return lasr3_crossover(n2);
+      if (is_routine(n, "GEQRF") && threads >= 2) return geqrf_team_crossover();
+      if (is_orm(n) && threads >= 2) return orm_team_crossover(n1, n2);
       return row ? row->nx : 0;
     case kShifts:
       return 6;
