@@ -57,6 +57,9 @@ constexpr Row kRows[] = {
     // the bidiagonal QR: nb is the number of sweeps whose rotations are
     // gathered before they go to the vectors together (lasr3)
     {"BDSQR", "SDCZ", 16, 2, 0},
+    // QR with column pivoting: blocks of 32 pivot steps, the last 32
+    // columns (or fewer) one by one
+    {"GEQP3", "SDCZ", 32, 2, 32},
 };
 
 // The routine's name as the table spells it, and its precision letter.
