@@ -138,8 +138,8 @@ int laqps(int m, int n, int offset, int nb, T *a_, int lda, int *jpvt, T *tau, r
     }
     // The pivot row: A(r, k+1:) -= A(r, 0:k+1) F(k+1:, 0:k+1)^H.
     if (k < n - 1)
-      gemm(Op::kNone, Op::kConjTrans, 1, n - k - 1, k + 1, T(-1), a(r, 0), lda, f(k + 1, 0), ldf,
-           T(1), a(r, k + 1), lda);
+      gemm_here(Op::kNone, Op::kConjTrans, 1, n - k - 1, k + 1, T(-1), a(r, 0), lda, f(k + 1, 0),
+                ldf, T(1), a(r, k + 1), lda);
     if (r < lastrk - 1) {
       for (int j = k + 1; j < n; ++j) {
         if (vn1[j] == R(0)) continue;
