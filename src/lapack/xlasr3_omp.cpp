@@ -133,28 +133,30 @@ void apply(Side side, const Step<real_t<T>> *steps, int nsteps, int lmin, int lm
     }
     return;
   }
-  constexpr int nb = kLeftBlock / parts, width = kLeftBlock;
+  constexpr int nb = kLeftBlock / parts;
+  constexpr std::ptrdiff_t width = kLeftBlock;
   const int lines = lmax - lmin + 1;
   mem::Buffer<R> buf(static_cast<std::int64_t>(lines) * width, 64);
   for (int b0 = i0; b0 < i1; b0 += nb) {
     const int len = std::min(nb, i1 - b0);
     if (!buf) {
       for (int t = 0; t < nsteps; ++t) {
-        T *lo = a + steps[t].lo + b0 * ld;
+        T *lo = a + steps[t].lo + static_cast<std::ptrdiff_t>(b0) * ld;
         rotation_kernel::rotate(len, lo, lo + 1, ld, steps[t].c, steps[t].s);
       }
       continue;
     }
     R *w = buf.get();
     for (int j = 0; j < len; ++j) {
-      const R *col = reinterpret_cast<const R *>(a + (b0 + j) * ld + lmin);
-      for (int l = 0; l < lines; ++l)
+      const R *col =
+          reinterpret_cast<const R *>(a + static_cast<std::ptrdiff_t>(b0 + j) * ld + lmin);
+      for (std::ptrdiff_t l = 0; l < lines; ++l)
         for (int q = 0; q < parts; ++q) w[l * width + j * parts + q] = col[l * parts + q];
     }
     apply_lines(w, width, lmin, len * parts, steps, nsteps);
     for (int j = 0; j < len; ++j) {
-      R *col = reinterpret_cast<R *>(a + (b0 + j) * ld + lmin);
-      for (int l = 0; l < lines; ++l)
+      R *col = reinterpret_cast<R *>(a + static_cast<std::ptrdiff_t>(b0 + j) * ld + lmin);
+      for (std::ptrdiff_t l = 0; l < lines; ++l)
         for (int q = 0; q < parts; ++q) col[l * parts + q] = w[l * width + j * parts + q];
     }
   }
