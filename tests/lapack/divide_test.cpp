@@ -1,7 +1,8 @@
 // The bidiagonal divide and conquer: singular values and vectors against
 // the matrix (residual, orthogonality, order) around and far beyond the leaf
 // size, on graded, clustered, repeated and singular bidiagonals; the values
-// alone against the values with vectors.
+// alone against the values with vectors; and the least-squares solve
+// against the minimum-norm solution from the full decomposition.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -169,8 +170,99 @@ TYPED_TEST(BdsdcTest, NanStopsWithoutHanging) {
   }
 }
 
+// ---- the least-squares solve -----------------------------------------------------------
+
+template <class T>
+class LalsdTest : public ::testing::Test {};
+using AllTypes = ::testing::Types<float, double, c8, c16>;
+TYPED_TEST_SUITE(LalsdTest, AllTypes);
+
+// The minimum-norm solution V S^+ U^T b from the full decomposition in
+// double, values at or below rcond times the largest dropped.
+template <class T>
+std::vector<c16> reference_solution(Uplo uplo, int n, int nrhs, const std::vector<R<T>> &d0,
+                                    const std::vector<R<T>> &e0, const std::vector<T> &b,
+                                    double rcond, int &rank) {
+  std::vector<double> d(d0.begin(), d0.end()), e(e0.begin(), e0.end()), u(n * n), vt(n * n),
+      work(3 * n * n + 4 * n);
+  e.push_back(0);
+  std::vector<int> iwork(8 * n);
+  orb::lapack::bdsdc(uplo, CompQ::kInitial, n, d.data(), e.data(), u.data(), n, vt.data(), n,
+                     work.data(), iwork.data());
+  std::vector<c16> x(n * nrhs);
+  rank = 0;
+  for (int k = 0; k < n; ++k) {
+    if (d[k] <= rcond * d[0]) continue;
+    ++rank;
+    for (int j = 0; j < nrhs; ++j) {
+      c16 c = 0;
+      for (int i = 0; i < n; ++i) c += u[i + k * n] * c16(b[i + j * n]);
+      for (int i = 0; i < n; ++i) x[i + j * n] += vt[k + i * n] * c / d[k];
+    }
+  }
+  return x;
+}
+
+TYPED_TEST(LalsdTest, MinimumNormSolutionAgreesWithTheDecomposition) {
+  using T = TypeParam;
+  using Rl = R<T>;
+  const double eps = std::numeric_limits<Rl>::epsilon();
+  const int smlsiz = orb::lapack::oracle(orb::lapack::kSubproblem, "SGELSD");
+  Random rng(11);
+  for (const int n : {1, 2, 10, 25, 26, 60, 130})
+    for (const int nrhs : {1, 3})
+      for (const Uplo uplo : {Uplo::kUpper, Uplo::kLower})
+        for (const int variant : {0, 1, 2}) {
+          const bool deficient = variant == 1, split = variant == 2;
+          SCOPED_TRACE(testing::Message()
+                       << "n " << n << " nrhs " << nrhs << " variant " << variant);
+          // Well-conditioned, diagonally dominant; rank deficiency from
+          // zeros on the diagonal, each giving one zero singular value;
+          // zeros off the diagonal split the problem into a third, the
+          // rest but the last row, and the last row alone.
+          std::vector<Rl> d0(n), e0(std::max(n - 1, 0));
+          for (int i = 0; i < n; ++i)
+            d0[i] = static_cast<Rl>((1.5 + rng.uniform() / 2) * (i % 2 ? -1 : 1));
+          for (int i = 0; i + 1 < n; ++i) e0[i] = static_cast<Rl>(rng.uniform() / 2);
+          if (deficient)
+            for (int i = 1; i < n; i += 9) d0[i] = 0;
+          if (split && n > 2) e0[n / 3] = e0[n - 2] = 0;
+          std::vector<T> b(n * nrhs);
+          for (T &v : b) v = rng.value<T>();
+          const double rcond = deficient ? 1e-3 : -1;
+          int rank_ref;
+          const std::vector<c16> x_ref =
+              reference_solution<T>(uplo, n, nrhs, d0, e0, b, rcond < 0 ? eps : rcond, rank_ref);
+          const int nlvl =
+              std::max(0, static_cast<int>(std::log(double(n) / (smlsiz + 1)) / std::log(2.0)) + 1);
+          const int rsize =
+              9 * n + 2 * n * smlsiz + 8 * n * nlvl + n * nrhs + (smlsiz + 1) * (smlsiz + 1);
+          const int csize = 9 * n + 2 * n * smlsiz + 8 * n * nlvl + 3 * smlsiz * nrhs +
+                            std::max((smlsiz + 1) * (smlsiz + 1), n * (1 + nrhs) + 2 * nrhs);
+          std::vector<T> work(orb::is_complex_v<T> ? n * nrhs : rsize);
+          std::vector<Rl> rwork(orb::is_complex_v<T> ? csize : 1);
+          std::vector<int> iwork(3 * n * nlvl + 11 * n);
+          std::vector<Rl> d = d0, e = e0;
+          e.push_back(0);
+          std::vector<T> x = b;
+          int rank = -1;
+          ASSERT_EQ(orb::lapack::lalsd<T>(uplo, smlsiz, n, nrhs, d.data(), e.data(), x.data(),
+                                          std::max(n, 1), static_cast<Rl>(rcond), rank, work.data(),
+                                          rwork.data(), iwork.data()),
+                    0);
+          EXPECT_EQ(rank, rank_ref);
+          double xnorm = 0, err = 0;
+          for (int i = 0; i < n * nrhs; ++i) {
+            xnorm = std::max(xnorm, std::abs(x_ref[i]));
+            err = std::max(err, std::abs(c16(x[i]) - x_ref[i]));
+          }
+          EXPECT_LE(err, 50 * std::max(n, 1) * eps * xnorm);
+          for (int i = 1; i < n; ++i) EXPECT_LE(d[i], d[i - 1]);
+        }
+}
+
 TEST(DivideOracle, LeafSizeIsTwentyFive) {
-  for (const char *name : {"SBDSDC", "DBDSDC"})
+  for (const char *name : {"SBDSDC", "DBDSDC", "SGELSD", "CGELSD", "ZGELSD"})
     EXPECT_EQ(orb::lapack::oracle(orb::lapack::kSubproblem, name, " ", 0, 0, 0, 0, 6, 1), 25)
         << name;
 }
