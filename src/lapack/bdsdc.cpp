@@ -1,8 +1,8 @@
 // Singular values and vectors of a bidiagonal matrix by divide and conquer.
-// Values only: the QR iteration of the leaves on the whole matrix. With
-// vectors: up to the leaf size the same; beyond it the matrix is scaled to
-// unit largest element, split where an off-diagonal is negligible, and each
-// piece solved by the divide-and-conquer tree (lasd0).
+// The matrix is scaled to a largest element of 1. Values only: the QR
+// iteration of the leaves on the whole matrix. With vectors: up to the leaf
+// size the same; beyond it the matrix is split where an off-diagonal is
+// negligible and each piece solved by the divide-and-conquer tree (lasd0).
 #include <algorithm>
 #include <cmath>
 #include <utility>
@@ -54,20 +54,23 @@ int bdsdc(Uplo uplo, CompQ compq, int n, R *d, R *e, R *u, int ldu, R *vt, int l
       }
     }
   }
+  if (vectors) {
+    dc::identity(n, n, u, ldu);
+    dc::identity(n, n, vt, ldvt);
+  }
+  // Scaled to a largest element of 1 on every path: the leaves' QR
+  // iteration, whose convergence test has an absolute floor near underflow,
+  // then keeps its relative accuracy on matrices of tiny norm.
+  const R orgnrm = dc::max_abs(n, d, e);
+  if (orgnrm == 0) return 0;
+  dc::rescale(orgnrm, R(1), n, 1, d, n);
+  dc::rescale(orgnrm, R(1), n - 1, 1, e, n - 1);
   int info = 0;
   if (!vectors) {
     info = dc::lasdq(Uplo::kUpper, 0, n, 0, 0, 0, d, e, vt, ldvt, u, ldu, u, ldu, work);
   } else if (n <= smlsiz) {
-    dc::identity(n, n, u, ldu);
-    dc::identity(n, n, vt, ldvt);
     info = dc::lasdq(Uplo::kUpper, 0, n, n, n, 0, d, e, vt, ldvt, u, ldu, u, ldu, wk);
   } else {
-    dc::identity(n, n, u, ldu);
-    dc::identity(n, n, vt, ldvt);
-    const R orgnrm = dc::max_abs(n, d, e);
-    if (orgnrm == 0) return 0;
-    dc::rescale(orgnrm, R(1), n, 1, d, n);
-    dc::rescale(orgnrm, R(1), n - 1, 1, e, n - 1);
     const R eps = R(0.9) * dc::eps<R>();
     // Tiny diagonal elements are raised to eps: the tree needs nonzero ones.
     for (int i = 0; i < n; ++i)
@@ -94,8 +97,8 @@ int bdsdc(Uplo uplo, CompQ compq, int n, R *d, R *e, R *u, int ldu, R *vt, int l
       if (info != 0) return info;
       start = i + 1;
     }
-    dc::rescale(R(1), orgnrm, n, 1, d, n);
   }
+  dc::rescale(R(1), orgnrm, n, 1, d, n);
   // Decreasing order, one exchange per position.
   for (int i = 0; i + 1 < n; ++i) {
     int kk = i;

@@ -231,10 +231,10 @@ int lasda(int smlsiz, int n, int sqre, R *d, R *e, R *u, int ldu, R *vt, int *k,
           R *z, R *poles, int *givptr, int *givcol, int ldgcol, int *perm, R *givnum, R *c, R *s,
           R *work, int *iwork);
 
-// B := U^T B (icompq 0: BX receives the result) or B := V B (icompq 1,
-// from BX... ) through the tree of lasda (xLALSA); T real or complex with
-// the real tree. rwork: 3 (smlsiz + 1) nrhs reals for complex B, n reals
-// otherwise.
+// The singular vectors of the tree lasda left applied to the n-by-nrhs B
+// (xLALSA): icompq 0 puts U^T B in BX, icompq 1 puts V B in BX; B is
+// overwritten either way. T real or complex, the tree real. rwork: n reals,
+// and for complex B at least 3 (smlsiz + 1) nrhs.
 template <class T>
 int lalsa(int icompq, int smlsiz, int n, int nrhs, T *b, int ldb, T *bx, int ldbx,
           const real_t<T> *u, int ldu, const real_t<T> *vt, const int *k, const real_t<T> *difl,
