@@ -1063,6 +1063,102 @@ void sytrf_rows(const std::vector<Library> &libs, const Options &o, const char *
   }
 }
 
+// ---- singular values -------------------------------------------------------------------
+
+using GesvdFn = void (*)(const char *, const char *, const int *, const int *, float *, const int *,
+                         float *, float *, const int *, float *, const int *, float *, const int *,
+                         int *, Fortran_len, Fortran_len);
+using GesddFn = void (*)(const char *, const int *, const int *, float *, const int *, float *,
+                         float *, const int *, float *, const int *, float *, const int *, int *,
+                         int *, Fortran_len);
+
+// A check of a decomposition that costs O(n^2): the values against the
+// Frobenius norm (sum s_i^2 = ||A||_F^2), and with vectors A w against
+// U (S (V^T w)) for a random w.
+std::string svd_fault(const std::vector<float> &a, int n, const std::vector<float> &s,
+                      const float *u, const float *vt) {
+  double fro = 0, sum = 0;
+  for (float x : a) fro += double(x) * x;
+  for (float x : s) sum += double(x) * x;
+  const double eps = std::numeric_limits<float>::epsilon();
+  if (!(std::abs(sum - fro) / fro < 10 * n * eps)) {
+    char text[96];
+    std::snprintf(text, sizeof text, "values miss ||A||_F: %.6g against %.6g", sum, fro);
+    return text;
+  }
+  if (!u) return "";
+  std::vector<double> w(n);
+  std::mt19937 rng(13);
+  std::uniform_real_distribution<double> d(-1, 1);
+  for (double &v : w) v = d(rng);
+  const std::vector<double> aw = times(a.data(), n, w);
+  std::vector<double> t(n, 0), usvw(n, 0);
+  for (std::size_t j = 0; j < std::size_t(n); ++j)
+    for (std::size_t i = 0; i < std::size_t(n); ++i) t[i] += double(vt[i + j * n]) * w[j];
+  for (int i = 0; i < n; ++i) t[i] *= s[i];
+  for (std::size_t j = 0; j < std::size_t(n); ++j)
+    for (std::size_t i = 0; i < std::size_t(n); ++i) usvw[i] += double(u[i + j * n]) * t[j];
+  double r = 0, scale = 0;
+  for (int i = 0; i < n; ++i) {
+    r = std::max(r, std::abs(aw[i] - usvw[i]));
+    scale = std::max(scale, std::abs(aw[i]));
+  }
+  return residual_fault(r / (scale * n * eps));
+}
+
+// sgesvd (JOBU = JOBVT) and sgesdd (JOBZ) with 'N' (values) or 'A' (all
+// vectors), each library's optimal LWORK, a fresh copy of A every call.
+void svd_rows(const std::vector<Library> &libs, const Options &o, bool divide, char job) {
+  const std::string routine = std::string(divide ? "sgesdd" : "sgesvd") + job;
+  if (!wanted(o, routine.c_str())) return;
+  for (int n : o.sizes) {
+    const std::vector<float> a = random_matrix<float>(std::size_t(n) * n, 5);
+    const bool vectors = job == 'A';
+    std::vector<float> f(a.size()), s(n), u(vectors ? a.size() : 1), vt(vectors ? a.size() : 1);
+    std::vector<int> iwork(8 * std::size_t(n));
+    std::vector<std::vector<float>> works(libs.size());
+    std::vector<Run> runs;
+    for (std::size_t li = 0; li < libs.size(); ++li) {
+      void *sym = libs[li].sym(divide ? "sgesdd_" : "sgesvd_");
+      if (!sym) {
+        runs.emplace_back();
+        continue;
+      }
+      const int ld = vectors ? n : 1;
+      auto call = [sym, divide, job, n, ld, &f, &s, &u, &vt, &iwork](float *work, int lwork) {
+        int info = -1;
+        if (divide)
+          reinterpret_cast<GesddFn>(sym)(&job, &n, &n, f.data(), &n, s.data(), u.data(), &ld,
+                                         vt.data(), &ld, work, &lwork, iwork.data(), &info, 1);
+        else
+          reinterpret_cast<GesvdFn>(sym)(&job, &job, &n, &n, f.data(), &n, s.data(), u.data(), &ld,
+                                         vt.data(), &ld, work, &lwork, &info, 1, 1);
+        return info;
+      };
+      float query = 0;
+      call(&query, -1);
+      works[li].resize(std::max(1, int(query)));
+      std::vector<float> &work = works[li];
+      runs.push_back([call, n, vectors, &a, &f, &s, &u, &vt, &work](bool check) {
+        std::copy(a.begin(), a.end(), f.begin());
+        const auto t0 = std::chrono::steady_clock::now();
+        const int info = call(work.data(), int(work.size()));
+        Outcome out;
+        out.seconds = seconds_since(t0);
+        if (check) {
+          out.fault = info_fault(info);
+          if (out.fault.empty())
+            out.fault = svd_fault(a, n, s, vectors ? u.data() : nullptr, vt.data());
+        }
+        return out;
+      });
+    }
+    const double flops = double(n) * n * n;
+    for (int nt : o.threads)
+      print_row(measure(routine.c_str(), n, nt, false, flops, runs, libs), libs);
+  }
+}
+
 std::vector<int> int_list(char *text) {
   std::vector<int> v;
   for (char *s = std::strtok(text, ","); s; s = std::strtok(nullptr, ","))
@@ -1116,7 +1212,8 @@ int main(int argc, char **argv) {
       "meanwhile; '-' when a library lacks the routine.\n"
       "sgetrf 2/3 n^3 flops (cgetrf 4 times that), sgetrs 2 n^2 nrhs with nrhs = %d,\n"
       "sgecon (norm '1') in microseconds per call; spotrf n^3 / 3 flops (cpotrf 4 times\n"
-      "that) on the lower triangle, spotrs 2 n^2 nrhs.\n",
+      "that) on the lower triangle, spotrs 2 n^2 nrhs; sgesvd and sgesdd n^3 (nominal)\n"
+      "with JOBZ (JOBU = JOBVT) 'N' or 'A'.\n",
       o.nrhs);
   print_header(libs);
   getrf_rows<float>(libs, o, "sgetrf");
@@ -1128,5 +1225,7 @@ int main(int argc, char **argv) {
   potrs_rows(libs, o);
   sytrf_rows<float>(libs, o, "ssytrf");
   sytrf_rows<c8>(libs, o, "chetrf");
+  for (const bool divide : {false, true})
+    for (const char job : {'N', 'A'}) svd_rows(libs, o, divide, job);
   return 0;
 }

@@ -54,6 +54,11 @@ constexpr Row kRows[] = {
     // 30 GFLOP/s against 13 for the peers' two threads
     {"SYTRF", "SDCZ", 64, 2, 1000},
     {"HETRF", "CZ", 64, 2, 1000},
+    // bidiagonal reduction: panels of nb columns and rows, the unblocked
+    // reduction below the crossover; the panel's team works from an m n
+    // of LABRD's nx squared
+    {"GEBRD", "SDCZ", 32, 2, 128},
+    {"LABRD", "SDCZ", 1, 2, 300},
     // the bidiagonal QR: nb is the number of sweeps whose rotations are
     // gathered before they go to the vectors together (lasr3). One thread,
     // vectors of order 2000: 8.0 s sweep by sweep, 1.8 s in batches of 16,
