@@ -17,7 +17,9 @@
 
 #include <algorithm>
 #include <atomic>
+#include <condition_variable>
 #include <cstddef>
+#include <mutex>
 #include <vector>
 
 #include "blas/level2/level2.h"
@@ -33,8 +35,10 @@
 namespace orb::lapack {
 namespace labrd_detail {
 
-// A barrier for a team that spins, then yields: libgomp's own barrier is
-// slow under wine and the panel passes four of them a step.
+// A barrier for a team that spins briefly, then sleeps until the last
+// thread arrives. libgomp's own barrier is slow under wine, and a wait that
+// only yields loses a whole time slice to other processes on a busy machine:
+// the panel passes four barriers a step.
 class Barrier {
  public:
   explicit Barrier(int team) : team_(team) {}
@@ -45,16 +49,31 @@ class Barrier {
     const int gen = gen_.load(std::memory_order_acquire);
     if (count_.fetch_add(1, std::memory_order_acq_rel) == team_ - 1) {
       count_.store(0, std::memory_order_relaxed);
-      gen_.store(gen + 1, std::memory_order_release);
+      {
+        std::lock_guard<std::mutex> lock(mutex_);
+        gen_.store(gen + 1, std::memory_order_release);
+      }
+      if (sleepers_.load(std::memory_order_acquire) > 0) woken_.notify_all();
       return;
     }
-    spin_until([&] { return gen_.load(std::memory_order_acquire) != gen; });
+    for (int i = 0; i < kSpins; ++i) {
+      if (gen_.load(std::memory_order_acquire) != gen) return;
+      cpu_pause();
+    }
+    std::unique_lock<std::mutex> lock(mutex_);
+    sleepers_.fetch_add(1, std::memory_order_acq_rel);
+    woken_.wait(lock, [&] { return gen_.load(std::memory_order_acquire) != gen; });
+    sleepers_.fetch_sub(1, std::memory_order_acq_rel);
   }
 
  private:
+  static constexpr int kSpins = 4000;  // a few microseconds
   int team_;
   std::atomic<int> count_{0};
   std::atomic<int> gen_{0};
+  std::atomic<int> sleepers_{0};
+  std::mutex mutex_;
+  std::condition_variable woken_;
 };
 
 // [lo, hi) of a range of `len` split into `parts`, part `k`.
