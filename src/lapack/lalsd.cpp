@@ -59,8 +59,10 @@ void copy_rows(int m, int n, const T *a, int lda, T *b, int ldb) {
 }
 
 // One merge's singular vectors applied to the right-hand sides (xLALS0):
-// icompq 0 applies the left vectors' transpose (b -> bx... -> b), icompq 1
-// the right vectors (bx <- b, rows put back in place). work: k reals.
+// icompq 0 applies the transposed left vectors to b (deflation rotations
+// and permutation into bx, the secular vectors from bx back into b);
+// icompq 1 applies the right vectors (the secular vectors from b into bx,
+// then the permutation and rotations undone back into b). work: k reals.
 template <class T>
 void apply_merge(int icompq, int nl, int nr, int sqre, int nrhs, T *b_, int ldb, T *bx_, int ldbx,
                  const int *perm_, int givptr, const int *givcol_, int ldgcol,

@@ -62,9 +62,9 @@ int lasdq(Uplo uplo, int sqre, int n, int ncvt, int nru, int ncc, R *d, R *e, R 
   bool lower = uplo == Uplo::kLower;
   int sq = sqre;
   R *cs = work, *sn = work + n;
-  // Rotate the row n + 1 of an upper n by n + 1 matrix away from the right:
-  // the matrix becomes lower bidiagonal n + 1 by n + 1... with a zero last
-  // row, which the lower case below then handles.
+  // An upper n by n + 1 matrix: rotations from the right (taken by VT)
+  // fold its extra column into the diagonal and leave it lower bidiagonal
+  // n by n, its last column zero; the lower case below makes it upper.
   if (!lower && sq == 1) {
     for (int i = 0; i < n; ++i) {
       R cr, sr, r;
