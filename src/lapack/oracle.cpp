@@ -3,8 +3,10 @@
 #include <algorithm>
 #include <climits>
 #include <cmath>
+#include <cstdlib>
 #include <cstring>
 
+#include "service/platform/platform.h"
 #include "service/threading.h"
 
 namespace orb::lapack {
@@ -243,9 +245,19 @@ bool is_ge_trf(const Name &n) {
 // ---- the QR family's teams ("GEQRF", the products "ORMQR", "UNMLQ", ...) --------------
 
 // Query 3 for "GEQRF" with a team (third argument): the smallest min(m, n)
-// the look-ahead factorization takes.
+// the look-ahead factorization takes. ORB_QR_TEAM_FROM (a positive order,
+// read once) moves it, so that the reference testers' small orders reach
+// the team too.
 int geqrf_team_crossover() {
-  return 256;
+  static const int from = [] {
+    char buf[16];
+    if (platform::env_get("ORB_QR_TEAM_FROM", buf, sizeof buf) > 0) {
+      const int v = std::atoi(buf);
+      if (v > 0) return v;
+    }
+    return 256;
+  }();
+  return from;
 }
 
 // Query 3 for the products with a team (arguments: the order of Q, the
