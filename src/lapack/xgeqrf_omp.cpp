@@ -8,8 +8,9 @@
 // panel p is factored and its triangular factor formed, it applies panel p
 // to block p + 1 alone, factors that as panel p + 1, and only then helps
 // with the rest of panel p's update. The other threads take that update,
-// blocks p + 2 onwards, in runs of several blocks (one wide product each),
-// claimed from a counter per panel; a run shrinks as fewer blocks remain.
+// blocks p + 2 onwards: block p + 2 (the panel after next) alone, then runs
+// of several blocks (one wide product each), claimed from a counter per
+// panel; a run shrinks as fewer blocks remain.
 // Each block's word counts the panels applied to it (stored with release
 // after the data, loaded with acquire); each panel's word says whether it is
 // factored. Every block receives the same products in the same order as on
@@ -116,7 +117,9 @@ class Team {
       do {
         const int left = nblk_ - j0;
         if (left <= 0) return;
-        take = std::max(1, std::min(left, (left + 1) / 2));
+        // The next panel but one goes alone, so that thread 0 need not wait
+        // for a long run to reach it; then halves of what remains.
+        take = j0 == p + 2 && j0 < npanel_ ? 1 : std::max(1, (left + 1) / 2);
       } while (!next_[p].compare_exchange_weak(j0, j0 + take, std::memory_order_relaxed));
       apply(p, j0, j0 + take, w);
     }
