@@ -1063,6 +1063,229 @@ void sytrf_rows(const std::vector<Library> &libs, const Options &o, const char *
   }
 }
 
+// ---- the QR family (sgeqrf, cgeqrf, sormqr, sgels) ------------------------------------
+
+using GeqrfFn = void (*)(const int *, const int *, void *, const int *, void *, void *, const int *,
+                         int *);
+using OrmqrFn = void (*)(const char *, const char *, const int *, const int *, const int *,
+                         const void *, const int *, const void *, void *, const int *, void *,
+                         const int *, int *, Fortran_len, Fortran_len);
+using GelsFn = void (*)(const char *, const int *, const int *, const int *, void *, const int *,
+                        void *, const int *, void *, const int *, int *, Fortran_len);
+
+// The library's optimal LWORK, asked with LWORK = -1.
+template <class T, class Ask>
+int optimal_lwork(Ask ask) {
+  T query = T(0);
+  ask(&query);
+  return std::max(1, int(std::real(query)));
+}
+
+// ||Q^H (A x) - R x||_inf / (n ||A||_inf ||x||_inf eps) for a random x, Q
+// applied by the same library's xORMQR/xUNMQR to the factors its xGEQRF left.
+template <class T>
+double qr_residual(const std::vector<T> &a, double a_norm, const T *f, const T *tau, int n,
+                   OrmqrFn ormqr) {
+  if (!ormqr) return 0;  // nothing to check against
+  std::vector<Wide<T>> x(n);
+  std::mt19937 rng(11);
+  std::uniform_real_distribution<double> d(-1, 1);
+  for (auto &v : x) v = Wide<T>(d(rng));
+  const std::vector<Wide<T>> ax = times(a.data(), n, x);
+  std::vector<T> y(n);
+  for (int i = 0; i < n; ++i) y[i] = T(ax[i]);
+  const char *adj = std::is_same_v<T, c8> ? "C" : "T";
+  const int one = 1;
+  int info = 0;
+  const int lwork = optimal_lwork<T>([&](T *q) {
+    int lw = -1;
+    ormqr("L", adj, &n, &one, &n, f, &n, tau, y.data(), &n, q, &lw, &info, 1, 1);
+  });
+  std::vector<T> work(lwork);
+  ormqr("L", adj, &n, &one, &n, f, &n, tau, y.data(), &n, work.data(), &lwork, &info, 1, 1);
+  if (info != 0) return std::numeric_limits<double>::infinity();
+  double r = 0;
+  for (std::size_t i = 0; i < std::size_t(n); ++i) {
+    Wide<T> rx(0);
+    for (std::size_t j = i; j < std::size_t(n); ++j) rx += Wide<T>(f[i + j * n]) * x[j];
+    r = std::max(r, std::abs(Wide<T>(y[i]) - rx));
+  }
+  if (!std::isfinite(r)) return std::numeric_limits<double>::infinity();
+  return r / (double(n) * a_norm * std::numeric_limits<float>::epsilon());
+}
+
+// sgeqrf, cgeqrf on a square matrix with each library's optimal LWORK;
+// 4/3 n^3 flops (complex 4 times that).
+template <class T>
+void geqrf_rows(const std::vector<Library> &libs, const Options &o, const char *routine) {
+  if (!wanted(o, routine)) return;
+  const std::string name = std::string(routine) + "_";
+  const std::string orm = std::is_same_v<T, c8> ? "cunmqr_" : "sormqr_";
+  for (int n : o.sizes) {
+    const std::vector<T> a = random_matrix<T>(std::size_t(n) * n, 1);
+    const double a_norm = norm_inf(a, n);
+    std::vector<T> f(a.size()), tau(n);
+    std::vector<std::vector<T>> works(libs.size());
+    std::vector<Run> runs;
+    for (std::size_t li = 0; li < libs.size(); ++li) {
+      auto fn = reinterpret_cast<GeqrfFn>(libs[li].sym(name.c_str()));
+      if (!fn) {
+        runs.emplace_back();
+        continue;
+      }
+      auto ormqr = reinterpret_cast<OrmqrFn>(libs[li].sym(orm.c_str()));
+      const int lwork = optimal_lwork<T>([&](T *q) {
+        int lw = -1, info = 0;
+        fn(&n, &n, f.data(), &n, tau.data(), q, &lw, &info);
+      });
+      works[li].resize(lwork);
+      std::vector<T> &work = works[li];
+      runs.push_back([fn, ormqr, n, lwork, a_norm, &a, &f, &tau, &work](bool check) {
+        std::copy(a.begin(), a.end(), f.begin());
+        int info = -1;
+        const auto t0 = std::chrono::steady_clock::now();
+        fn(&n, &n, f.data(), &n, tau.data(), work.data(), &lwork, &info);
+        Outcome out;
+        out.seconds = seconds_since(t0);
+        if (check) {
+          out.fault = info_fault(info);
+          if (out.fault.empty())
+            out.fault = residual_fault(qr_residual(a, a_norm, f.data(), tau.data(), n, ormqr));
+        }
+        return out;
+      });
+    }
+    double flops = 4.0 * n * n * n / 3;
+    if (std::is_same_v<T, c8>) flops *= 4;
+    for (int nt : o.threads) print_row(measure(routine, n, nt, false, flops, runs, libs), libs);
+  }
+}
+
+// sormqr ('L', 'T') of a square C by the n reflectors of a QR of the same
+// matrix (the first peer's correct factors, then ORB's): C = A gives R.
+// 2 n^3 flops.
+void ormqr_rows(const std::vector<Library> &libs, const Options &o) {
+  if (!wanted(o, "sormqr")) return;
+  for (int n : o.sizes) {
+    const std::vector<float> a = random_matrix<float>(std::size_t(n) * n, 1);
+    const double a_norm = norm_inf(a, n);
+    std::vector<float> f, tau(n);
+    bool factored = false;
+    std::vector<const Library *> order;
+    for (const Library &lib : libs)
+      if (!lib.orb) order.push_back(&lib);
+    for (const Library &lib : libs)
+      if (lib.orb) order.push_back(&lib);
+    for (const Library *lib : order) {
+      auto g = reinterpret_cast<GeqrfFn>(lib->sym("sgeqrf_"));
+      auto q = reinterpret_cast<OrmqrFn>(lib->sym("sormqr_"));
+      if (!g || !q) continue;
+      f = a;
+      std::vector<float> work(std::size_t(n) * 64);
+      const int lwork = int(work.size());
+      int info = -1;
+      g(&n, &n, f.data(), &n, tau.data(), work.data(), &lwork, &info);
+      if (info == 0 && qr_residual(a, a_norm, f.data(), tau.data(), n, q) < kResidualLimit) {
+        factored = true;
+        break;
+      }
+    }
+    if (!factored) {
+      std::printf("sormqr %d: no library factored the matrix correctly\n", n);
+      continue;
+    }
+    std::vector<float> c(a.size());
+    std::vector<std::vector<float>> works(libs.size());
+    std::vector<Run> runs;
+    for (std::size_t li = 0; li < libs.size(); ++li) {
+      auto fn = reinterpret_cast<OrmqrFn>(libs[li].sym("sormqr_"));
+      if (!fn) {
+        runs.emplace_back();
+        continue;
+      }
+      const int lwork = optimal_lwork<float>([&](float *q) {
+        int lw = -1, info = 0;
+        fn("L", "T", &n, &n, &n, f.data(), &n, tau.data(), c.data(), &n, q, &lw, &info, 1, 1);
+      });
+      works[li].resize(lwork);
+      std::vector<float> &work = works[li];
+      runs.push_back([fn, n, lwork, a_norm, &a, &f, &tau, &c, &work](bool check) {
+        std::copy(a.begin(), a.end(), c.begin());
+        int info = -1;
+        const auto t0 = std::chrono::steady_clock::now();
+        fn("L", "T", &n, &n, &n, f.data(), &n, tau.data(), c.data(), &n, work.data(), &lwork, &info,
+           1, 1);
+        Outcome out;
+        out.seconds = seconds_since(t0);
+        if (check) {
+          out.fault = info_fault(info);
+          if (!out.fault.empty()) return out;
+          double r = 0;  // Q^T A against R, zeros below it
+          for (std::size_t j = 0; j < std::size_t(n); ++j)
+            for (std::size_t i = 0; i < std::size_t(n); ++i)
+              r = std::max(r, double(std::abs(c[i + j * n] - (i <= j ? f[i + j * n] : 0.0f))));
+          out.fault =
+              residual_fault(r / (double(n) * a_norm * std::numeric_limits<float>::epsilon()));
+        }
+        return out;
+      });
+    }
+    for (int nt : o.threads)
+      print_row(measure("sormqr", n, nt, false, 2.0 * n * n * n, runs, libs), libs);
+  }
+}
+
+// sgels ('N') of a square A with nrhs right-hand sides: 4/3 n^3 + 3 n^2 nrhs
+// flops; the first column's residual checked.
+void gels_rows(const std::vector<Library> &libs, const Options &o) {
+  if (!wanted(o, "sgels")) return;
+  for (int n : o.sizes) {
+    const int nrhs = o.nrhs;
+    const std::vector<float> a = random_matrix<float>(std::size_t(n) * n, 1);
+    const std::vector<float> b = random_matrix<float>(std::size_t(n) * nrhs, 2);
+    const double a_norm = norm_inf(a, n);
+    std::vector<float> f(a.size()), x(b.size());
+    std::vector<std::vector<float>> works(libs.size());
+    std::vector<Run> runs;
+    for (std::size_t li = 0; li < libs.size(); ++li) {
+      auto fn = reinterpret_cast<GelsFn>(libs[li].sym("sgels_"));
+      if (!fn) {
+        runs.emplace_back();
+        continue;
+      }
+      const int lwork = optimal_lwork<float>([&](float *q) {
+        int lw = -1, info = 0;
+        fn("N", &n, &n, &nrhs, f.data(), &n, x.data(), &n, q, &lw, &info, 1);
+      });
+      works[li].resize(lwork);
+      std::vector<float> &work = works[li];
+      runs.push_back([fn, n, nrhs, lwork, a_norm, &a, &b, &f, &x, &work](bool check) {
+        std::copy(a.begin(), a.end(), f.begin());
+        std::copy(b.begin(), b.end(), x.begin());
+        int info = -1;
+        const auto t0 = std::chrono::steady_clock::now();
+        fn("N", &n, &n, &nrhs, f.data(), &n, x.data(), &n, work.data(), &lwork, &info, 1);
+        Outcome out;
+        out.seconds = seconds_since(t0);
+        if (check) {
+          out.fault = info_fault(info);
+          if (!out.fault.empty()) return out;
+          const std::vector<double> x0(x.begin(), x.begin() + n);
+          const std::vector<double> ax = times(a.data(), n, x0);
+          double r = 0;
+          for (int i = 0; i < n; ++i) r = std::max(r, std::abs(double(b[i]) - ax[i]));
+          const double scale =
+              double(n) * a_norm * max_abs(x0) * std::numeric_limits<float>::epsilon();
+          out.fault = residual_fault(std::isfinite(r) && scale > 0 ? r / scale : INFINITY);
+        }
+        return out;
+      });
+    }
+    const double flops = 4.0 * n * n * n / 3 + 3.0 * n * n * nrhs;
+    for (int nt : o.threads) print_row(measure("sgels", n, nt, false, flops, runs, libs), libs);
+  }
+}
+
 // ---- singular values -------------------------------------------------------------------
 
 using GesvdFn = void (*)(const char *, const char *, const int *, const int *, float *, const int *,
@@ -1225,6 +1448,10 @@ int main(int argc, char **argv) {
   potrs_rows(libs, o);
   sytrf_rows<float>(libs, o, "ssytrf");
   sytrf_rows<c8>(libs, o, "chetrf");
+  geqrf_rows<float>(libs, o, "sgeqrf");
+  geqrf_rows<c8>(libs, o, "cgeqrf");
+  ormqr_rows(libs, o);
+  gels_rows(libs, o);
   for (const bool divide : {false, true})
     for (const char job : {'N', 'A'}) svd_rows(libs, o, divide, job);
   return 0;

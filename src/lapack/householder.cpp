@@ -66,15 +66,62 @@ void gemm_call(Op ta, Op tb, int m, int n, int k, T alpha, const T *a, int lda, 
     gemm(ta, tb, m, n, k, alpha, a, lda, b, ldb, beta, c, ldc);
 }
 
-// W := W op(A) with the k-by-k triangle A, W being m by k.
+// W := W op(A) for a triangle of a few columns, column by column: column
+// j of the product gathers the columns of W that B = op(A) mixes into it,
+// taken in the order that leaves them unchanged until used.
+template <class T>
+void trmm_right_small(bool upper, Op op, bool unit, int m, int k, const T *a, int lda, T *w,
+                      int ldw) {
+  const bool adj = op != Op::kNone;
+  const auto b = [&](int r, int c) {
+    return adj ? conj(a[c + static_cast<ptrdiff_t>(r) * lda])
+               : a[r + static_cast<ptrdiff_t>(c) * lda];
+  };
+  const auto col = [&](int j) { return w + static_cast<ptrdiff_t>(j) * ldw; };
+  const bool b_upper = upper != adj;
+  for (int s = 0; s < k; ++s) {
+    const int j = b_upper ? k - 1 - s : s;
+    T *wj = col(j);
+    if (!unit) {
+      const T d = b(j, j);
+      for (int i = 0; i < m; ++i) wj[i] = mul(wj[i], d);
+    }
+    const int l0 = b_upper ? 0 : j + 1, l1 = b_upper ? j : k;
+    for (int l = l0; l < l1; ++l) {
+      const T f = b(l, j);
+      const T *wl = col(l);
+      for (int i = 0; i < m; ++i) wj[i] += mul(wl[i], f);
+    }
+  }
+}
+
+// W := W op(A) with the k-by-k triangle A, W being m by k: halves of the
+// triangle recursively, the off-diagonal block through the matrix product,
+// down to 16 columns multiplied column by column.
 template <class T, bool Here>
 void trmm_right(bool upper, Op op, bool unit, int m, int k, const T *a, int lda, T *w, int ldw) {
   if (m <= 0 || k <= 0) return;
-  const Triangular tri{false, upper, op, unit};
-  if constexpr (Here)
-    blas::trmm_serial(tri, m, k, T(1), a, lda, w, ldw);
-  else
-    trmm(tri, m, k, T(1), a, lda, w, ldw);
+  if (k <= 16) {
+    trmm_right_small(upper, op, unit, m, k, a, lda, w, ldw);
+    return;
+  }
+  const int h = k / 2;
+  const auto el = [&](int i, int j) { return a + i + static_cast<ptrdiff_t>(j) * lda; };
+  T *w1 = w, *w2 = w + static_cast<ptrdiff_t>(h) * ldw;
+  const bool adj = op != Op::kNone;
+  // B = op(A); B(r, c) blocks as stored: A(r, c), or A(c, r) under op.
+  const auto block = [&](int r0, int c0) { return adj ? el(c0, r0) : el(r0, c0); };
+  if (upper != adj) {
+    // B upper: W2 := W2 B22 + W1 B12, then W1 := W1 B11.
+    trmm_right<T, Here>(upper, op, unit, m, k - h, el(h, h), lda, w2, ldw);
+    gemm_call<T, Here>(Op::kNone, op, m, k - h, h, T(1), w1, ldw, block(0, h), lda, T(1), w2, ldw);
+    trmm_right<T, Here>(upper, op, unit, m, h, a, lda, w1, ldw);
+  } else {
+    // B lower: W1 := W1 B11 + W2 B21, then W2 := W2 B22.
+    trmm_right<T, Here>(upper, op, unit, m, h, a, lda, w1, ldw);
+    gemm_call<T, Here>(Op::kNone, op, m, h, k - h, T(1), w2, ldw, block(h, 0), lda, T(1), w1, ldw);
+    trmm_right<T, Here>(upper, op, unit, m, k - h, el(h, h), lda, w2, ldw);
+  }
 }
 
 // The published block reflector, for every side, direction and storage in

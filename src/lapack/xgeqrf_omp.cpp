@@ -8,8 +8,9 @@
 // panel p is factored and its triangular factor formed, it applies panel p
 // to block p + 1 alone, factors that as panel p + 1, and only then helps
 // with the rest of panel p's update. The other threads take that update,
-// blocks p + 2 onwards, in runs of several blocks (one wide product each),
-// claimed from a counter per panel; a run shrinks as fewer blocks remain.
+// blocks p + 2 onwards: block p + 2 (the panel after next) alone, then runs
+// of several blocks (one wide product each), claimed from a counter per
+// panel; a run shrinks as fewer blocks remain.
 // Each block's word counts the panels applied to it (stored with release
 // after the data, loaded with acquire); each panel's word says whether it is
 // factored. Every block receives the same products in the same order as on
@@ -94,9 +95,33 @@ class Team {
   void factor(int p, T *w) {
     const int c0 = col(p), ib = col(p + 1) - c0;
     T *d = a_ + at(c0, c0, lda_);
-    geqr2(m_ - c0, ib, d, lda_, tau_ + c0, w);
+    panel(m_ - c0, ib, d, tau_ + c0, w);
     larft(Direct::kForward, Storev::kColumns, m_ - c0, ib, d, lda_, tau_ + c0, tf(p), nb_);
     factored_[p].store(1, std::memory_order_release);
+  }
+
+  // The rows-by-cols panel at d, in sub-panels of kInner columns, each
+  // factored column by column and applied to the rest of the panel with the
+  // level-3 calls: the panel is thread 0's path, and its columns' level-2
+  // work would otherwise set the team's pace. w holds n by nb scalars.
+  void panel(int rows, int cols, T *d, T *tau, T *w) {
+    constexpr int kInner = 16;
+    if (cols <= 2 * kInner) {
+      geqr2(rows, cols, d, lda_, tau, w);
+      return;
+    }
+    T *t = w, *rest = w + kInner * kInner;  // the sub-panel's T, then larfb's work
+    for (int s = 0; s < cols; s += kInner) {
+      const int jb = std::min(kInner, cols - s);
+      T *ds = d + at(s, s, lda_);
+      geqr2(rows - s, jb, ds, lda_, tau + s, w);
+      if (s + jb < cols) {
+        larft(Direct::kForward, Storev::kColumns, rows - s, jb, ds, lda_, tau + s, t, kInner);
+        larfb_here(Side::kLeft, Op::kConjTrans, Direct::kForward, Storev::kColumns, rows - s,
+                   cols - s - jb, jb, ds, lda_, t, kInner, ds + at(0, jb, lda_), lda_, rest,
+                   cols);
+      }
+    }
   }
 
   // Panel p applied to blocks [j0, j1), each already holding panels 0 .. p-1.
@@ -116,7 +141,9 @@ class Team {
       do {
         const int left = nblk_ - j0;
         if (left <= 0) return;
-        take = std::max(1, std::min(left, (left + 1) / 2));
+        // The next panel but one goes alone, so that thread 0 need not wait
+        // for a long run to reach it; then halves of what remains.
+        take = j0 == p + 2 && j0 < npanel_ ? 1 : std::max(1, (left + 1) / 2);
       } while (!next_[p].compare_exchange_weak(j0, j0 + take, std::memory_order_relaxed));
       apply(p, j0, j0 + take, w);
     }

@@ -29,3 +29,12 @@ endforeach()
 foreach(_p s c)
   orb_reference_lapack(reference_lapack_svd_${_p} xeigtst${_p} svd.in)
 endforeach()
+
+# The QR factorization's team from order 64 on in the two-thread runs, so that
+# the testers' orders (up to 132) check it.
+foreach(_p s c)
+  if(TEST reference_lapack_orders_${_p}_t2)
+    set_property(TEST reference_lapack_orders_${_p}_t2 APPEND PROPERTY ENVIRONMENT
+                 ORB_QR_TEAM_FROM=64)
+  endif()
+endforeach()

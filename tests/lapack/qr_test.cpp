@@ -226,7 +226,6 @@ TEST(QrOracle, ProductTeams) {
   EXPECT_EQ(lp::orm_team<float>("ORMQR", Side::kLeft, 2000, large - 1, 2000, 2), 1);
   EXPECT_EQ(lp::orm_team<float>("ORMQR", Side::kRight, 4000, 2000, 2000, 2), 2);
   EXPECT_EQ(lp::orm_team<c8>("UNMLQ", Side::kLeft, 500, 500, 500, 3), 3);
-  EXPECT_EQ(lp::oracle(lp::kBlockSize, "SGEQRF", 1000, 1000), 32);
 }
 
 // Bad arguments are reported in the published order as INFO = -i with the
