@@ -22,6 +22,7 @@ inline void rows_of(Part part, int m, int j, int &first, int &last) {
 
 template <class T>
 void lacpy(Part part, int m, int n, const T *a, int lda, T *b, int ldb) {
+  if (m <= 0 || n <= 0) return;
   for (int j = 0; j < n; ++j) {
     int i0, i1;
     rows_of(part, m, j, i0, i1);
@@ -33,6 +34,7 @@ void lacpy(Part part, int m, int n, const T *a, int lda, T *b, int ldb) {
 
 template <class T>
 void laset(Part part, int m, int n, T alpha, T beta, T *a, int lda) {
+  if (m <= 0 || n <= 0) return;
   for (int j = 0; j < n; ++j) {
     int i0, i1;
     rows_of(part, m, j, i0, i1);

@@ -8,60 +8,13 @@
 #include <limits>
 
 #include "lapack/auxiliary.h"
+#include "lapack/copy_scale.h"
 #include "lapack/names.h"
 #include "lapack/oracle.h"
 #include "lapack/qr.h"
 #include "lapack/triangular.h"
 
 namespace orb::lapack {
-namespace {
-
-// The m-by-n A times cto / cfrom, in steps that neither overflow nor
-// underflow where the ratio itself would (the published scaling of a
-// general matrix).
-template <class T>
-void scale_by_ratio(real_t<T> cfrom, real_t<T> cto, int m, int n, T *a, int lda) {
-  using R = real_t<T>;
-  const R smlnum = std::numeric_limits<R>::min(), bignum = R(1) / smlnum;
-  R cfromc = cfrom, ctoc = cto;
-  for (bool done = false; !done;) {
-    const R cfrom1 = cfromc * smlnum;
-    R mul;
-    if (cfrom1 == cfromc) {  // cfromc is an infinity: the ratio is NaN or 0
-      mul = ctoc / cfromc;
-      done = true;
-    } else {
-      const R cto1 = ctoc / bignum;
-      if (cto1 == ctoc) {  // ctoc is zero or an infinity
-        mul = ctoc;
-        done = true;
-        cfromc = R(1);
-      } else if (std::abs(cfrom1) > std::abs(ctoc) && ctoc != R(0)) {
-        mul = smlnum;
-        cfromc = cfrom1;
-      } else if (std::abs(cto1) > std::abs(cfromc)) {
-        mul = bignum;
-        ctoc = cto1;
-      } else {
-        mul = ctoc / cfromc;
-        done = true;
-        if (mul == R(1)) return;
-      }
-    }
-    for (int j = 0; j < n; ++j) {
-      T *col = a + static_cast<std::ptrdiff_t>(j) * lda;
-      for (int i = 0; i < m; ++i) col[i] *= mul;
-    }
-  }
-}
-
-template <class T>
-void zero_rows(int r0, int r1, int ncols, T *b, int ldb) {
-  for (int j = 0; j < ncols; ++j)
-    for (int i = r0; i < r1; ++i) b[i + static_cast<std::ptrdiff_t>(j) * ldb] = T(0);
-}
-
-}  // namespace
 
 template <class T>
 std::int64_t gels_worksize(Op op, int m, int n, int nrhs) {
@@ -91,7 +44,7 @@ int gels(Op op, int m, int n, int nrhs, T *a, int lda, T *b, int ldb, T *work, i
     return info;
   };
   if (std::min({m, n, nrhs}) == 0) {
-    zero_rows(0, std::max(m, n), nrhs, b, ldb);
+    laset(Part::kAll, std::max(m, n), nrhs, T(0), T(0), b, ldb);
     return done(0);
   }
   const R smlnum = std::numeric_limits<R>::min() / std::numeric_limits<R>::epsilon();
@@ -101,23 +54,23 @@ int gels(Op op, int m, int n, int nrhs, T *a, int lda, T *b, int ldb, T *work, i
   const R anrm = lange(Norm::kMaxAbs, m, n, a, lda, static_cast<R *>(nullptr));
   int iascl = 0;
   if (anrm > R(0) && anrm < smlnum) {
-    scale_by_ratio(anrm, smlnum, m, n, a, lda);
+    lascl(Part::kAll, anrm, smlnum, m, n, a, lda);
     iascl = 1;
   } else if (anrm > bignum) {
-    scale_by_ratio(anrm, bignum, m, n, a, lda);
+    lascl(Part::kAll, anrm, bignum, m, n, a, lda);
     iascl = 2;
   } else if (anrm == R(0)) {
-    zero_rows(0, std::max(m, n), nrhs, b, ldb);
+    laset(Part::kAll, std::max(m, n), nrhs, T(0), T(0), b, ldb);
     return done(0);
   }
   const int brow = tpsd ? n : m;
   const R bnrm = lange(Norm::kMaxAbs, brow, nrhs, b, ldb, static_cast<R *>(nullptr));
   int ibscl = 0;
   if (bnrm > R(0) && bnrm < smlnum) {
-    scale_by_ratio(bnrm, smlnum, brow, nrhs, b, ldb);
+    lascl(Part::kAll, bnrm, smlnum, brow, nrhs, b, ldb);
     ibscl = 1;
   } else if (bnrm > bignum) {
-    scale_by_ratio(bnrm, bignum, brow, nrhs, b, ldb);
+    lascl(Part::kAll, bnrm, bignum, brow, nrhs, b, ldb);
     ibscl = 2;
   }
 
@@ -136,7 +89,7 @@ int gels(Op op, int m, int n, int nrhs, T *a, int lda, T *b, int ldb, T *work, i
       // The minimum-norm solution of A^H x = b: x = Q (R^-H b; 0).
       const int info = trtrs(Uplo::kUpper, adj, Diag::kNonUnit, n, nrhs, a, lda, b, ldb);
       if (info > 0) return info;
-      zero_rows(n, m, nrhs, b, ldb);
+      laset(Part::kAll, m - n, nrhs, T(0), T(0), b + n, ldb);
       ormqr(Side::kLeft, Op::kNone, m, nrhs, n, a, lda, tau, b, ldb, rest, lrest);
       scllen = m;
     }
@@ -146,7 +99,7 @@ int gels(Op op, int m, int n, int nrhs, T *a, int lda, T *b, int ldb, T *work, i
       // The minimum-norm solution: x = Q^H (L^-1 b; 0).
       const int info = trtrs(Uplo::kLower, Op::kNone, Diag::kNonUnit, m, nrhs, a, lda, b, ldb);
       if (info > 0) return info;
-      zero_rows(m, n, nrhs, b, ldb);
+      laset(Part::kAll, n - m, nrhs, T(0), T(0), b + m, ldb);
       ormlq(Side::kLeft, adj, n, nrhs, m, a, lda, tau, b, ldb, rest, lrest);
       scllen = n;
     } else {
@@ -158,10 +111,10 @@ int gels(Op op, int m, int n, int nrhs, T *a, int lda, T *b, int ldb, T *work, i
     }
   }
   // The scalings undone.
-  if (iascl == 1) scale_by_ratio(anrm, smlnum, scllen, nrhs, b, ldb);
-  if (iascl == 2) scale_by_ratio(anrm, bignum, scllen, nrhs, b, ldb);
-  if (ibscl == 1) scale_by_ratio(smlnum, bnrm, scllen, nrhs, b, ldb);
-  if (ibscl == 2) scale_by_ratio(bignum, bnrm, scllen, nrhs, b, ldb);
+  if (iascl == 1) lascl(Part::kAll, anrm, smlnum, scllen, nrhs, b, ldb);
+  if (iascl == 2) lascl(Part::kAll, anrm, bignum, scllen, nrhs, b, ldb);
+  if (ibscl == 1) lascl(Part::kAll, smlnum, bnrm, scllen, nrhs, b, ldb);
+  if (ibscl == 2) lascl(Part::kAll, bignum, bnrm, scllen, nrhs, b, ldb);
   return done(0);
 }
 
