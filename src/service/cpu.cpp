@@ -258,6 +258,7 @@ bool once(std::atomic<int> &flag, bool (*determine)()) {
 // ---- kernel set -------------------------------------------------------------------
 
 std::atomic<int> g_kernel_set{-1};
+std::atomic<int> g_host_word{0};
 
 // The widest path with kernels in this build (the build defines
 // ORB_KERNELS_<ISA> for each instruction-set folder it compiles) that the
@@ -388,7 +389,37 @@ int cache_class() {
   return c;
 }
 
+int host_word() {
+  return g_host_word.load(std::memory_order_relaxed);
+}
+
+int determine_host_word() {
+  int w = kHostPlain;
+  switch (kernel_set()) {
+    case kSetType0:
+      break;
+    case kSetType2:
+    case kSetType3:
+      w = kHostSse2;
+      break;
+    case kSetType4Avx512:
+    case kSetType5Avx512:
+      w = kHostWideAvx512;
+      break;
+    case kSetType4Avx2:
+    case kSetType5Avx2:
+      w = kHostWideAvx2;
+      break;
+    default:
+      w = kHostWide;
+      break;
+  }
+  g_host_word.store(w, std::memory_order_relaxed);
+  return w;
+}
+
 void reset_for_testing() {
+  g_host_word.store(0);
   g_blas_type.store(kUndetermined);
   g_kernel_set.store(-1);
   g_vml_type.store(kVmlUndetermined);

@@ -50,6 +50,22 @@ int vml_type();
 // The name of the vector-math override variable (it is kept scrambled).
 const char *vml_override_name();
 
+// The host routines' processor word: 0 until determined, then a value whose
+// range picks a routine's code path: from kHostWide the widest path (whole
+// vectors, the width given by the word), from kHostSse2 the second (SSE2
+// vectors without alignment peeling), below it the plain loop. It follows
+// the kernel set, so ORB_DEBUG_CPU_TYPE chooses it too: type 0 gives the
+// plain loop, types 2 and 3 the second path, types 4 and 5 the widest.
+constexpr int kHostPlain = 1;
+constexpr int kHostSse2 = 512;
+constexpr int kHostWide = 2048;     // 128-bit SSE2 vectors
+constexpr int kHostWideAvx2 = 4096;    // 256-bit vectors
+constexpr int kHostWideAvx512 = 8192;  // 512-bit vectors
+// Reads the word as it stands (0 while undetermined).
+int host_word();
+// Determines the word, stores it and returns it.
+int determine_host_word();
+
 // Data and unified caches from leaf 4, in the order the processor lists them.
 struct CacheRecord {
   std::uint32_t count;
