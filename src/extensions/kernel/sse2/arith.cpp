@@ -1,0 +1,3 @@
+// The arithmetic families on the sse2 path.
+#define ORB_HOST_TABLE kArithSse2
+#include "extensions/kernel/arith.inc"
