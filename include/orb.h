@@ -1114,32 +1114,38 @@ ORB_API int ORB_STDCALL SetValIToPtr(int *p, int v);
 /* *out = *p (one 32-bit word). */
 ORB_API void ORB_STDCALL GetValFromPtr_s(const int *p, int *out);
 ORB_API void ORB_STDCALL GetValIFromPtr(const int *p, int *out);
-/* *dst = *src (one complex element). */
+/* *dst = *src (one complex element, copied bit for bit). */
 ORB_API void ORB_STDCALL SetValcToPtr_s(orb_complex8 *dst, const orb_complex8 *src);
 ORB_API void ORB_STDCALL GetValcFromPtr_s(const orb_complex8 *src, orb_complex8 *dst);
-/* Returns *p. */
+/* Returns *p (on 32-bit Windows through the x87 stack, as every float
+   result, so a signalling NaN comes back quiet). */
 ORB_API float ORB_STDCALL GetValFromPtrf_s(const float *p);
 
 /* ---------------------------------------------------------------------------
  * Host routines: gather and scatter of complex elements. 0-based indices;
- * strides count elements; a mask element selects when it is > 0.
+ * strides count elements and may be 0 or negative (a negative stride reaches
+ * below the pointer given: src[i * inc]); a mask element selects when it is
+ * > 0 (0 and negative values select nothing). Elements are copied bit for
+ * bit; source and destination must not overlap. n = 0 writes nothing.
  * ------------------------------------------------------------------------- */
 /* dst[i] = src[i * inc] */
 ORB_API void vdpackic_s(unsigned int n, const orb_complex8 *src, int inc, orb_complex8 *dst);
-/* dst[i * inc] = src[i] */
+/* dst[i * inc] = src[i], in order of i (with inc = 0, dst[0] = src[n - 1]) */
 ORB_API void vdunpackic_s(unsigned int n, const orb_complex8 *src, orb_complex8 *dst, int inc);
 /* dst[i] = src[idx[i]] */
 ORB_API void vdpackvc_s(unsigned int n, const orb_complex8 *src, const int *idx, orb_complex8 *dst);
-/* dst[idx[i]] = src[i] */
+/* dst[idx[i]] = src[i], in order of i (a repeated index keeps the last) */
 ORB_API void vdunpackvc_s(unsigned int n, const orb_complex8 *src, orb_complex8 *dst,
                           const int *idx);
-/* dst[i] = src[k++] for each mask[i] > 0 (expands into the masked positions) */
+/* k = 0; dst[i] = src[k++] for each i with mask[i] > 0: consecutive source
+   elements expand into the selected positions; the others are left as they are. */
 ORB_API void vdpackmc_s(unsigned int n, const orb_complex8 *src, const int *mask,
                         orb_complex8 *dst);
 /* dst[i] = src[k++] for each mask[i] > 0 (same effect as vdpackmc_s) */
 ORB_API void vdunpackmc_s(unsigned int n, const orb_complex8 *src, orb_complex8 *dst,
                           const int *mask);
-/* dst[k++] = src[i] for each mask[i] > 0; returns k. */
+/* k = 0; dst[k++] = src[i] for each i with mask[i] > 0; returns k (dst[k]
+   onwards is left as it is). */
 ORB_API unsigned int PackByMask_s(unsigned int n, const float *src, float *dst, const int *mask);
 ORB_API unsigned int PackByMaskc_s(unsigned int n, const orb_complex8 *src, orb_complex8 *dst,
                                    const int *mask);
