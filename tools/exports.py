@@ -124,6 +124,14 @@ def generate(args):
         target_sym = f"{r.entry}@{n}" if n is not None else r.entry
         deff.append(f"  {r.name}" if target_sym == r.name else f"  {r.name} = {target_sym}")
     write(os.path.join(args.out, "orb.def"), "\n".join(deff) + "\n")
+    # Windows: the import library's definition, for dlltool -k: a callee-pops
+    # name carries its argument bytes (the symbol a caller of the header's
+    # declaration links against) and is imported from the DLL without them.
+    implib = ["; Generated from the export table. Do not edit.", "LIBRARY orb.dll", "EXPORTS"]
+    for r in live:
+        n = stdcall_bytes(r.conv)
+        implib.append(f"  {r.name}@{n}" if n is not None else f"  {r.name}")
+    write(os.path.join(args.out, "orb_implib.def"), "\n".join(implib) + "\n")
 
     # Linux: version script, alias assignments and complex-result wrappers.
     globals_, assigns, wrappers = [], [], []

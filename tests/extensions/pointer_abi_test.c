@@ -105,6 +105,25 @@ int main(void) {
     check(r == -2.5f, "GetValFromPtrf_s", "wrong value");
   }
 
+  /* The same routines called by their declarations, linked through the
+   * import library (which must carry their callee-pops symbols). */
+  {
+    int w = 0, out = 0;
+    check(SetValToPtr_s(&w, 11) == 11 && w == 11, "SetValToPtr_s", "direct call");
+    check(SetValIToPtr(&w, 12) == 12 && w == 12, "SetValIToPtr", "direct call");
+    GetValFromPtr_s(&w, &out);
+    check(out == 12, "GetValFromPtr_s", "direct call");
+    w = 13;
+    GetValIFromPtr(&w, &out);
+    check(out == 13, "GetValIFromPtr", "direct call");
+    const orb_complex8 c = {1.5f, -2.0f};
+    orb_complex8 d = {0, 0}, e = {0, 0};
+    SetValcToPtr_s(&d, &c);
+    GetValcFromPtr_s(&d, &e);
+    check(e.re == 1.5f && e.im == -2.0f, "SetValcToPtr_s/GetValcFromPtr_s", "direct call");
+    check(GetValFromPtrf_s(&c.im) == -2.0f, "GetValFromPtrf_s", "direct call");
+  }
+
   printf("%s: %d failure(s)\n", failures ? "FAILED" : "passed", failures);
   return failures != 0;
 }
