@@ -1057,51 +1057,79 @@ ORB_API void DivVeccc_s(const orb_complex8 *a, const orb_complex8 *b, orb_comple
 ORB_API void ConjMulcc_s(const orb_complex8 *a, const orb_complex8 *b, orb_complex8 *dst,
                          unsigned int n);
 
-/* dst[i] = i * src[i] = (-im, re) */
+/* Complex element moves; a negated part is formed as 0 - x, so a zero part
+ * comes out +0 (MulI_s of (1, 0) gives (+0, 1)).
+ * dst[i] = i * src[i] = (0 - im, re) */
 ORB_API void MulI_s(const orb_complex8 *src, orb_complex8 *dst, unsigned int n);
 /* dst[i] = (im, re) */
 ORB_API void Flip_s(const orb_complex8 *src, orb_complex8 *dst, unsigned int n);
-/* dst[i] = (im, -re) */
+/* dst[i] = (im, 0 - re) */
 ORB_API void FlipConj_s(const orb_complex8 *src, orb_complex8 *dst, unsigned int n);
-/* dst[i] = src[n - 1 - i] (complex elements) */
+/* dst[i] = src[n - 1 - i] (complex elements, bits unchanged); dst == src
+ * reverses in place. */
 ORB_API void Reverse_s(const orb_complex8 *src, orb_complex8 *dst, unsigned int n);
 
-/* b[i] = sign(a[i]) * b[i], in place on b */
+/* Signs. A real x has sign +1 for x > 0, -1 for x < 0, 0 for x = +-0, and
+ * none when it is NaN. A complex x has the sign of its real part when that
+ * part is nonzero, else that of its imaginary part: 0 only when both parts
+ * are zero, none when the deciding part is NaN (a NaN real part counts as
+ * nonzero, so it decides).
+ * b[i] = sign(a[i]) * b[i], in place on b (a may equal b where the types
+ * agree): sign +1 or none leaves b[i] (each part) as it is, -1 replaces each
+ * part x by 0 - x (so +-0 becomes +0), 0 sets b[i] to +0 (each part). */
 ORB_API void SgnMul_s(const float *a, float *b, unsigned int n);
 ORB_API void SgnMulc_s(const orb_complex8 *a, orb_complex8 *b, unsigned int n);
 ORB_API void SgnMulcd_s(const orb_complex8 *a, float *b, unsigned int n);
 ORB_API void SgnMuldc_s(const float *a, orb_complex8 *b, unsigned int n);
-/* dst[i] = sign(src[i]) as -1, 0 or +1, written in the destination's type */
+/* dst[i] = sign(src[i]) as +1, -1 or +0 (+0 also when there is none),
+ * written in the destination's type: a complex destination gets (s, +0). */
 ORB_API void Sgndd_s(const float *src, float *dst, unsigned int n);
 ORB_API void Sgndc_s(const float *src, orb_complex8 *dst, unsigned int n);
 ORB_API void Sgncd_s(const orb_complex8 *src, float *dst, unsigned int n);
 ORB_API void Sgncc_s(const orb_complex8 *src, orb_complex8 *dst, unsigned int n);
 
-/* Running sum dst[i] = src[i] + dst[i - 1]; returns n. */
+/* Running sum dst[0] = src[0], dst[i] = src[i] + dst[i - 1] (each step
+ * rounded to single precision, in this order); returns n. */
 ORB_API unsigned int CumSum_s(const float *src, float *dst, unsigned int n);
 ORB_API unsigned int CumSumc_s(const orb_complex8 *src, orb_complex8 *dst, unsigned int n);
-/* Running sum with lag delta: dst[i] = src[i] + dst[i - delta] for i >= delta,
- * dst[i] = src[i] below (delta 0 acts as 1); returns n. */
+/* Running sum with lag delta: dst[i] = src[i] for i < delta, then
+ * dst[i] = src[i] + dst[i - delta] in increasing i (delta 0 acts as 1, and
+ * delta >= n copies src); returns n. */
 ORB_API unsigned int CumSumDelta_s(const float *src, float *dst, unsigned int delta,
                                    unsigned int n);
 ORB_API unsigned int CumSumDeltac_s(const orb_complex8 *src, orb_complex8 *dst, unsigned int delta,
                                     unsigned int n);
-/* *result = product of x[0 .. n-1]; 1 when n = 0. */
+/* *result = product of x[0 .. n-1] in index order; 1 (and (1, 0)) when
+ * n = 0. The real product is formed in double from 1.0 and rounded once at
+ * the end; the complex one in single precision, each step
+ * (pr xr - pi xi, pr xi + pi xr). */
 ORB_API void Product_s(const float *x, unsigned int n, float *result);
 ORB_API void Productc_s(const orb_complex8 *x, unsigned int n, orb_complex8 *result);
-/* dst[i] = *start + i * *step */
+/* dst[i] = *start + k * *step per part, k the index i converted to float
+ * (exact below 2^24, the nearest float above): one product and one sum per
+ * part, each rounded to single precision. */
 ORB_API void Rampc_s(orb_complex8 *dst, const orb_complex8 *start, const orb_complex8 *step,
                      unsigned int n);
-/* dst[i] = src[i] ^ *power = exp(power * log(src[i])), principal branch; 0^p = 0. */
+/* dst[i] = src[i] ^ *power = exp(power * log(src[i])) on the principal
+ * branch (log z = (ln |z|, atan2(im, re)), so -1 has argument +pi and -1 - 0i
+ * argument -pi), computed in double and rounded once per part. A zero
+ * element (either sign of either part) gives (+0, +0) whatever the power,
+ * 0^0 included; a nonzero element to the power 0 gives (1, 0). Infinite or
+ * NaN operands give what the formula gives. */
 ORB_API void Powc_s(const orb_complex8 *src, orb_complex8 *dst, const orb_complex8 *power,
                     unsigned int n);
-/* dst[i] = a[i] - b[i] * trunc(a[i] / b[i]) (sign of a, like C fmod) */
+/* dst[i] = the exact remainder of a[i] / b[i] with the quotient truncated
+ * toward zero, as C fmodf: the sign of a[i] (a zero result keeps it),
+ * |dst[i]| < |b[i]|; NaN when b[i] is 0 or a[i] infinite or either is NaN;
+ * a[i] itself when b[i] is infinite and a[i] finite. */
 ORB_API void Rem_s(const float *a, const float *b, float *dst, unsigned int n);
-/* dst[i] = src[i] - v * trunc(src[i] / v) (sign of src, like C fmod) */
+/* dst[i] = the remainder of src[i] / v, as Rem_s. */
 ORB_API void RemVal_s(const float *src, float *dst, float v, unsigned int n);
-/* dst[i] = largest integer <= src[i] */
+/* dst[i] = the largest integer <= src[i], exact (-0.5 gives -1, -0 gives
+ * -0); infinities and NaN pass through. */
 ORB_API void Floor_s(const float *src, float *dst, unsigned int n);
-/* dst[i] = smallest integer >= src[i] */
+/* dst[i] = the smallest integer >= src[i], exact (-0.5 gives -0, 0.5 gives
+ * 1); infinities and NaN pass through. */
 ORB_API void Ceil_s(const float *src, float *dst, unsigned int n);
 
 /* ---------------------------------------------------------------------------

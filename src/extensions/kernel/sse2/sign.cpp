@@ -1,0 +1,3 @@
+// The sign families on the sse2 path.
+#define ORB_HOST_TABLE kSignSse2
+#include "extensions/kernel/sign.inc"
