@@ -63,7 +63,8 @@ inline std::vector<float> operand(std::size_t n, unsigned seed) {
 }
 
 inline bool same_bits(const std::vector<float> &a, const std::vector<float> &b) {
-  return a.size() == b.size() && std::memcmp(a.data(), b.data(), a.size() * sizeof(float)) == 0;
+  return a.size() == b.size() &&
+         (a.empty() || std::memcmp(a.data(), b.data(), a.size() * sizeof(float)) == 0);
 }
 
 // The first index where the bits differ, for messages.
