@@ -1240,9 +1240,15 @@ ORB_API void CAIRY(const orb_complex8 *z, const int *id, const int *kode, orb_co
 /* *bi = Bi(z) (id = 0) or Bi'(z) (id = 1) */
 ORB_API void CBIRY(const orb_complex8 *z, const int *id, const int *kode, orb_complex8 *bi,
                    int *ierr);
-/* Double machine constant *i: 1 tiny, 2 huge, 3 eps/2, 4 eps, 5 log10(2). */
+/* Double machine constant *i (IEEE double, base 2, 53 digits): 1 the smallest
+ * positive normal number 2^-1022, 2 the largest 2^1024 (1 - 2^-53), 3 the
+ * smallest relative spacing 2^-53, 4 the largest relative spacing 2^-52,
+ * 5 log10(2). Another *i reports parameter 1 through XERBLA and returns 0. */
 ORB_API double D1MACH(const int *i);
-/* Single machine constant *i: 1 tiny, 2 huge, 3 eps/2, 4 eps, 5 log10(2). */
+/* Single machine constant *i (IEEE single, base 2, 24 digits): 1 the smallest
+ * positive normal number 2^-126, 2 the largest 2^128 (1 - 2^-24), 3 the
+ * smallest relative spacing 2^-24, 4 the largest relative spacing 2^-23,
+ * 5 log10(2). Another *i reports parameter 1 through XERBLA and returns 0. */
 ORB_API float R1MACH(const int *i);
 /* Equiripple linear-phase FIR design by the Remez exchange: nfilt taps, jtype
  * 1 multiband / 2 differentiator / 3 Hilbert, nbands bands with edges edge[2 nbands]
