@@ -13,9 +13,6 @@
 
 namespace orb::vml {
 
-#if defined(ORB_KERNELS_AVX2)
-extern const PackKernels kPackAvx2;
-#endif
 #if defined(ORB_KERNELS_AVX512)
 extern const PackKernels kPackAvx512;
 #endif
@@ -177,9 +174,6 @@ const PackKernels &wide() {
 #if defined(ORB_KERNELS_AVX512)
     if (w == nullptr && cpu::avx512_usable()) w = &kPackAvx512;
 #endif
-#if defined(ORB_KERNELS_AVX2)
-    if (w == nullptr && cpu::avx2_fma_usable()) w = &kPackAvx2;
-#endif
     PackKernels k = kPackB;
     if (w != nullptr) {
       if (w->packi) k.packi = w->packi;
@@ -194,9 +188,7 @@ const PackKernels &wide() {
   return chosen;
 }
 
-// A contiguous or repeated source is a copy or a fill, bound by memory.
 void packi_c(int n, const Word *a, int inca, Word *y) {
-  if (inca == 0 || inca == 1) return packi_b(n, a, inca, y);
   wide().packi(n, a, inca, y);
 }
 void packm_c(int n, const Word *a, const int *ma, Word *y) {
@@ -206,7 +198,6 @@ void packv_c(int n, const Word *a, const int *ia, Word *y) {
   wide().packv(n, a, ia, y);
 }
 void unpacki_c(int n, const Word *a, int incy, Word *y) {
-  if (incy == 0 || incy == 1) return unpacki_b(n, a, incy, y);
   wide().unpacki(n, a, incy, y);
 }
 void unpackm_c(int n, const Word *a, const int *my, Word *y) {
@@ -243,14 +234,6 @@ Word *words(float *p) {
 const PackKernels kPackA = {packi_a, packm_a, packv_a, unpacki_a, unpackm_a, unpackv_a};
 const PackKernels kPackB = {packi_b, packm_b, packv_b, unpacki_b, unpackm_b, unpackv_b};
 const PackKernels kPackC = {packi_c, packm_c, packv_c, unpacki_c, unpackm_c, unpackv_c};
-
-const PackKernels *pack_avx2() {
-#if defined(ORB_KERNELS_AVX2)
-  return &kPackAvx2;
-#else
-  return nullptr;
-#endif
-}
 
 const PackKernels *pack_avx512() {
 #if defined(ORB_KERNELS_AVX512)

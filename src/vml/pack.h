@@ -30,15 +30,15 @@ struct PackKernels {
 };
 
 // A: plain loops (vector-math types 0-3); B: unrolled, SSE2 on contiguous
-// sides (type 4); C: B, or the wider path the processor and the system
-// support, chosen on its first call (types 5 and 6).
+// sides (type 4); C: B with the 512-bit compress and expand for the masked
+// routines where the processor and the system support AVX-512, chosen on
+// its first call (types 5 and 6).
 extern const PackKernels kPackA;
 extern const PackKernels kPackB;
 extern const PackKernels kPackC;
 
-// The wider paths of C, where built (null otherwise). Callers check the
-// processor first (cpu::avx2_fma_usable, cpu::avx512_usable).
-const PackKernels *pack_avx2();
+// The wider path of C, where built (null otherwise). Callers check the
+// processor first (cpu::avx512_usable).
 const PackKernels *pack_avx512();
 
 // The variants the six dispatch slots hold (choosing them if they are still

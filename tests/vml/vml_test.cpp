@@ -92,12 +92,6 @@ TEST(Pack, VariantCMatchesThePlainLoop) {
   expect_matches_plain_loop(orb::vml::kPackC);
 }
 
-TEST(Pack, Avx2PathMatchesThePlainLoop) {
-  if (orb::vml::pack_avx2() == nullptr) GTEST_SKIP() << "the AVX2 path is not built";
-  if (!orb::cpu::avx2_fma_usable()) GTEST_SKIP() << "needs AVX2 and FMA";
-  expect_matches_plain_loop(*orb::vml::pack_avx2());
-}
-
 TEST(Pack, Avx512PathMatchesThePlainLoop) {
   if (orb::vml::pack_avx512() == nullptr) GTEST_SKIP() << "the AVX-512 path is not built";
   if (!orb::cpu::avx512_usable()) GTEST_SKIP() << "needs AVX-512F, DQ, BW and VL";
