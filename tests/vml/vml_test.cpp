@@ -67,7 +67,8 @@ void expect_matches_plain_loop(const PackKernels &v) {
       const std::ptrdiff_t off = inc < 0 ? static_cast<std::ptrdiff_t>(span) - 1 : 0;
       const auto a = words(span, gen);
       expect_same(&PackKernels::packi, v, n, a.data() + off, un + 3, 0, inc);
-      expect_same(&PackKernels::unpacki, v, n, a.data(), span + 3, off, inc);
+      const auto b = words(un, gen);
+      expect_same(&PackKernels::unpacki, v, n, b.data(), span + 3, off, inc);
     }
     const auto a = words(un, gen);
     for (double density : {0.0, 0.3, 0.9, 1.0}) {
