@@ -989,21 +989,63 @@ ORB_API int djacobi(orb_jacobi_fcn fcn, const int *n, const int *m, double *fjac
  * Vector-math mode and single-precision pack / unpack. All arguments by
  * pointer; indices, strides and masks are 0-based ints; n <= 0 does nothing.
  * ------------------------------------------------------------------------- */
-/* Merges the nonzero fields of *mode into the calling thread's mode word;
- * returns the previous word. */
+/* The mode word: a 32-bit word kept per thread (one process-wide word serves
+ * every thread only if the system has no thread-local slot to give). Fields:
+ *   bits 0-3   (0xF)     accuracy: the accuracy a vector-math function is asked
+ *                        for. 1 high (the initial value), 2 reduced, 3 fastest;
+ *                        other values are recorded and count as 1. The pack and
+ *                        unpack routines copy bits and are exact whatever it
+ *                        says; the field also picks the denormal handling of
+ *                        the fp-control settings below.
+ *   bits 4-7   (0xF0)    fp control: the last nonzero value passed in a request
+ *                        (0 until then); vmlsetmode acts on it as below.
+ *   bits 8-15  (0xFF00)  error handling: recorded for the vector-math functions;
+ *                        initially 0. No routine of the library can fail on its
+ *                        data yet (pack and unpack only copy), so no value
+ *                        changes what a routine does.
+ *   bits 16-17 (0x30000) additional control: recorded, initially 0; no routine
+ *                        reads it yet.
+ * Bits 18-31 are always 0. A thread's initial word is 0x00000001.
+ *
+ * vmlgetmode returns the calling thread's word. vmlsetmode returns the previous
+ * word and merges *mode into it: each nonzero field of *mode replaces the field,
+ * a zero field keeps it (a null pointer or *mode = 0 change nothing); bits
+ * 18-31 of *mode are ignored. The fp-control field of *mode then acts on the
+ * calling thread's SSE control register (MXCSR; other threads are not
+ * affected; the exception masks and flags are never touched):
+ *   0x00  nothing is changed;
+ *   0x30  the default state: round to nearest, denormals kept (FTZ and DAZ off);
+ *   other values set rounding (RC) and denormal handling together, denormals
+ *   following the (merged) accuracy: high - kept, reduced - results flushed to
+ *   zero (FTZ), fastest - results flushed and inputs read as zero (FTZ, DAZ):
+ *   0x10  round to nearest      (also 0x70 and 0xC0-0xF0)
+ *   0x20  round down (toward -infinity)
+ *   0x40  round up (toward +infinity)
+ *   0x50  round toward zero
+ *   0x60  rounding kept, denormals by accuracy as above
+ *   0x80, 0x90, 0xA0, 0xB0  round to nearest, down, up, toward zero with
+ *         denormal inputs read as zero only (DAZ on, FTZ off), whatever the
+ *         accuracy.
+ * That is 19 distinct settings: 16 of rounding x denormal handling and 3 with
+ * the rounding kept. */
 ORB_API unsigned int vmlsetmode(const unsigned int *mode);
 ORB_API unsigned int vmlgetmode(void);
-/* y[i] = a[i * inca] */
+/* The pack and unpack routines copy elements as 32-bit words, bit for bit (a
+ * signalling NaN stays signalling). Elements of y the rule does not name are
+ * left untouched; a and y must not overlap. Strides may be zero or negative
+ * (a[i * inca] then lies before a[0]); a mask entry selects when nonzero, and
+ * selected elements are taken in increasing i. */
+/* y[i] = a[i * inca], i < n */
 ORB_API void vspacki(const int *n, const float *a, const int *inca, float *y);
-/* y[k++] = a[i] for each ma[i] != 0 */
+/* y[k++] = a[i] for each i with ma[i] != 0 (k from 0) */
 ORB_API void vspackm(const int *n, const float *a, const int *ma, float *y);
 /* y[i] = a[ia[i]] */
 ORB_API void vspackv(const int *n, const float *a, const int *ia, float *y);
-/* y[i * incy] = a[i] */
+/* y[i * incy] = a[i] (incy = 0: y[0] = a[n - 1]) */
 ORB_API void vsunpacki(const int *n, const float *a, float *y, const int *incy);
-/* y[i] = a[k++] for each my[i] != 0 */
+/* y[i] = a[k++] for each i with my[i] != 0 (k from 0) */
 ORB_API void vsunpackm(const int *n, const float *a, float *y, const int *my);
-/* y[iy[i]] = a[i] */
+/* y[iy[i]] = a[i], in increasing i (a repeated index keeps the last) */
 ORB_API void vsunpackv(const int *n, const float *a, float *y, const int *iy);
 
 /* ---------------------------------------------------------------------------
@@ -1274,9 +1316,15 @@ ORB_API void CAIRY(const orb_complex8 *z, const int *id, const int *kode, orb_co
 /* *bi = Bi(z) (id = 0) or Bi'(z) (id = 1) */
 ORB_API void CBIRY(const orb_complex8 *z, const int *id, const int *kode, orb_complex8 *bi,
                    int *ierr);
-/* Double machine constant *i: 1 tiny, 2 huge, 3 eps/2, 4 eps, 5 log10(2). */
+/* Double machine constant *i (IEEE double, base 2, 53 digits): 1 the smallest
+ * positive normal number 2^-1022, 2 the largest 2^1024 (1 - 2^-53), 3 the
+ * smallest relative spacing 2^-53, 4 the largest relative spacing 2^-52,
+ * 5 log10(2). Another *i reports parameter 1 through XERBLA and returns 0. */
 ORB_API double D1MACH(const int *i);
-/* Single machine constant *i: 1 tiny, 2 huge, 3 eps/2, 4 eps, 5 log10(2). */
+/* Single machine constant *i (IEEE single, base 2, 24 digits): 1 the smallest
+ * positive normal number 2^-126, 2 the largest 2^128 (1 - 2^-24), 3 the
+ * smallest relative spacing 2^-24, 4 the largest relative spacing 2^-23,
+ * 5 log10(2). Another *i reports parameter 1 through XERBLA and returns 0. */
 ORB_API float R1MACH(const int *i);
 /* Equiripple linear-phase FIR design by the Remez exchange: nfilt taps, jtype
  * 1 multiband / 2 differentiator / 3 Hilbert, nbands bands with edges edge[2 nbands]
