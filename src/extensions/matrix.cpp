@@ -74,6 +74,9 @@ TransposePath choose_path() {
   return TransposePath::kSse2;
 }
 
+// Columns per panel of a transposition, a multiple of every tile.
+constexpr std::size_t kPanel = 512;
+
 bool in_part(std::size_t i, std::size_t j, Triangle part, bool diag) {
   if (i == j) return diag;
   return part == Triangle::kUpper ? j > i : j < i;
@@ -144,17 +147,29 @@ void row_exchange(T *a, std::size_t rows, std::size_t cols, std::size_t r1, std:
 
 // ---- transpositions -----------------------------------------------------------------
 
-// Tile by tile, the source read a band of rows at a time.
+// Tile by tile. The columns are taken a panel at a time (the panel's
+// destination rows stay within reach of the address translation cache while
+// every band of source rows passes), and within a panel a band of source rows
+// at a time. Each tile is transposed into a small contiguous buffer and
+// written out by whole rows: with the power-of-two row lengths common in
+// practice, the destination's rows would otherwise all fall on the same cache
+// sets.
 template <class T, ElementOp Op>
 void transpose(const T *src, T *dst, std::size_t rows, std::size_t cols) {
   if (rows == 0 || cols == 0) return;
   const TransposeKernels<T> &k = transpose_kernels<T, Op>();
   constexpr std::size_t tile = kTile<T>;
-  for (std::size_t i = 0; i < rows; i += tile) {
-    const std::size_t m = std::min(tile, rows - i);
-    for (std::size_t j = 0; j < cols; j += tile) {
-      const std::size_t n = std::min(tile, cols - j);
-      k.copy(src + i * cols + j, cols, dst + j * rows + i, rows, m, n);
+  alignas(64) T buf[tile * tile];
+  for (std::size_t j0 = 0; j0 < cols; j0 += kPanel) {
+    const std::size_t j1 = std::min(cols, j0 + kPanel);
+    for (std::size_t i = 0; i < rows; i += tile) {
+      const std::size_t m = std::min(tile, rows - i);
+      for (std::size_t j = j0; j < j1; j += tile) {
+        const std::size_t n = std::min(tile, j1 - j);
+        k.copy(src + i * cols + j, cols, buf, tile, m, n);
+        for (std::size_t r = 0; r < n; ++r)
+          std::memcpy(static_cast<void *>(dst + (j + r) * rows + i), buf + r * tile, m * sizeof(T));
+      }
     }
   }
 }
