@@ -159,7 +159,10 @@ void transpose(const T *src, T *dst, std::size_t rows, std::size_t cols) {
   if (rows == 0 || cols == 0) return;
   const TransposeKernels<T> &k = transpose_kernels<T, Op>();
   constexpr std::size_t tile = kTile<T>;
-  alignas(64) T buf[tile * tile];
+  // Left uninitialised (complex elements would be zeroed on construction);
+  // std::complex<float> is laid out as two floats.
+  alignas(64) float raw[tile * tile * sizeof(T) / sizeof(float)];
+  T *buf = reinterpret_cast<T *>(raw);
   for (std::size_t j0 = 0; j0 < cols; j0 += kPanel) {
     const std::size_t j1 = std::min(cols, j0 + kPanel);
     for (std::size_t i = 0; i < rows; i += tile) {

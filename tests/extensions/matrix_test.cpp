@@ -11,7 +11,7 @@
 
 #include "extensions/matrix_kernels.h"
 #include "orb.h"
-#include "service/cpu.h"
+#include "support/child.h"
 
 namespace {
 
@@ -141,6 +141,19 @@ void compare_path(TransposePath path) {
 
 TEST(HostMatrix, Sse2KernelsMatchPlain) {
   compare_path(TransposePath::kSse2);
+}
+
+ORB_CHILD(host_matrix_path) {
+  return static_cast<int>(orb::host::transpose_path());
+}
+
+// Code-path type 0 (the override's 1) takes the plain loop, 2 and 3 SSE2.
+TEST(HostMatrix, CpuTypeChoosesPath) {
+  using orb::test::run_child;
+  EXPECT_EQ(run_child("host_matrix_path", {{"ORB_DEBUG_CPU_TYPE", "1"}}).exit_code,
+            static_cast<int>(TransposePath::kPlain));
+  EXPECT_EQ(run_child("host_matrix_path", {{"ORB_DEBUG_CPU_TYPE", "3"}}).exit_code,
+            static_cast<int>(TransposePath::kSse2));
 }
 
 template <class T>
