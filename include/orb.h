@@ -1224,58 +1224,74 @@ ORB_API unsigned int PackByMaskc_s(unsigned int n, const orb_complex8 *src, orb_
  * Host routines: row-major matrices (rows x cols, element (i, j) at
  * i * cols + j, 0-based). Real forms on float, c forms on orb_complex8.
  * The triangle routines take a flag: nonzero includes the diagonal.
+ * A routine with rows or cols 0 does nothing and touches no element. The
+ * triangle rules (j > i, j >= i, j < i, j <= i) apply to every element of a
+ * matrix of any shape, square or not. Unless a routine says otherwise, its
+ * source and destination must not overlap.
  * ------------------------------------------------------------------------- */
 /* Zeroes a[i][j] for j > i (j >= i with diag), in place. */
 ORB_API void ZeroUpperTriangle_s(float *a, unsigned int rows, unsigned int cols, int diag);
 /* Zeroes a[i][j] for j < i (j <= i with diag), in place. */
 ORB_API void ZeroLowerTriangle_s(float *a, unsigned int rows, unsigned int cols, int diag);
-/* dst = the part of src with j > i (j >= i with diag), other elements zero. */
+/* dst = the part of src with j > i (j >= i with diag), other elements zero;
+ * dst may equal src. */
 ORB_API void UpperTriangle_s(const float *src, float *dst, unsigned int rows, unsigned int cols,
                              int diag);
-/* dst = the part of src with j < i (j <= i with diag), other elements zero. */
+/* dst = the part of src with j < i (j <= i with diag), other elements zero;
+ * dst may equal src. */
 ORB_API void LowerTriangle_s(const float *src, float *dst, unsigned int rows, unsigned int cols,
                              int diag);
-/* Swaps columns c1 and c2 (0-based) in place. */
+/* Swaps columns c1 and c2 (0-based) in place; nothing happens when c1 == c2
+ * or either is >= cols. */
 ORB_API void ColExchange_s(float *a, unsigned int rows, unsigned int cols, unsigned int c1,
                            unsigned int c2);
-/* Swaps rows r1 and r2 (0-based) in place. */
+/* Swaps rows r1 and r2 (0-based) in place; nothing happens when r1 == r2 or
+ * either is >= rows. */
 ORB_API void RowExchange_s(float *a, unsigned int rows, unsigned int cols, unsigned int r1,
                            unsigned int r2);
 /* dst (cols x rows) = transpose of src (rows x cols); src and dst must not overlap. */
 ORB_API void TransposeMatrix_s(const float *src, float *dst, unsigned int rows, unsigned int cols);
-/* dst (n x n) = transpose of src; dst may equal src (in place). */
+/* dst (n x n) = transpose of src; dst may equal src (in place, no extra
+ * memory); otherwise they must not overlap. */
 ORB_API void TransposeSquareMatrix_s(const float *src, float *dst, unsigned int n);
-/* dst (dst_rows x dst_cols) = top-left overlap of src (src_rows x src_cols), rest zero. */
+/* dst (dst_rows x dst_cols) = top-left overlap of src (src_rows x src_cols), rest zero.
+ * dst may equal src (in place, growing or shrinking either dimension; the
+ * buffer must hold the larger of the two matrices); otherwise they must not
+ * overlap. With dst_rows or dst_cols 0 nothing is written. */
 ORB_API void ResizeMatrix_s(const float *src, float *dst, unsigned int src_rows,
                             unsigned int src_cols, unsigned int dst_rows, unsigned int dst_cols);
 /* dst (rows x cols) = block of src (src_rows x src_cols) starting at (row0, col0);
- * a block reaching outside src copies nothing. */
+ * a block reaching outside src (row0 + rows > src_rows or col0 + cols >
+ * src_cols, computed without wrapping) copies nothing and leaves dst
+ * untouched. No overlap. */
 ORB_API void CopySubMatrix_s(const float *src, float *dst, unsigned int src_rows,
                              unsigned int src_cols, unsigned int row0, unsigned int col0,
                              unsigned int rows, unsigned int cols);
-/* Complex forms of the routines above, same argument meanings. */
+/* Complex forms of the routines above, same argument meanings and the same
+ * rules for empty matrices, indices out of range and overlap. */
 /* Zeroes a[i][j] for j > i (j >= i with diag), in place. */
 ORB_API void ZeroUpperTrianglec_s(orb_complex8 *a, unsigned int rows, unsigned int cols, int diag);
 /* Zeroes a[i][j] for j < i (j <= i with diag), in place. */
 ORB_API void ZeroLowerTrianglec_s(orb_complex8 *a, unsigned int rows, unsigned int cols, int diag);
-/* dst = the part of src with j > i (j >= i with diag), other elements zero. */
+/* dst = the part of src with j > i (j >= i with diag), other elements zero; dst may equal src. */
 ORB_API void UpperTrianglec_s(const orb_complex8 *src, orb_complex8 *dst, unsigned int rows,
                               unsigned int cols, int diag);
-/* dst = the part of src with j < i (j <= i with diag), other elements zero. */
+/* dst = the part of src with j < i (j <= i with diag), other elements zero; dst may equal src. */
 ORB_API void LowerTrianglec_s(const orb_complex8 *src, orb_complex8 *dst, unsigned int rows,
                               unsigned int cols, int diag);
-/* Swaps columns c1 and c2 in place. */
+/* Swaps columns c1 and c2 in place; nothing if c1 == c2 or either is >= cols. */
 ORB_API void ColExchangec_s(orb_complex8 *a, unsigned int rows, unsigned int cols, unsigned int c1,
                             unsigned int c2);
-/* Swaps rows r1 and r2 in place. */
+/* Swaps rows r1 and r2 in place; nothing if r1 == r2 or either is >= rows. */
 ORB_API void RowExchangec_s(orb_complex8 *a, unsigned int rows, unsigned int cols, unsigned int r1,
                             unsigned int r2);
 /* dst (cols x rows) = transpose (not conjugated) of src; no overlap. */
 ORB_API void TransposeMatrixc_s(const orb_complex8 *src, orb_complex8 *dst, unsigned int rows,
                                 unsigned int cols);
-/* dst (n x n) = transpose (not conjugated) of src; dst may equal src. */
+/* dst (n x n) = transpose (not conjugated) of src; dst may equal src (in
+ * place), otherwise no overlap. */
 ORB_API void TransposeSquareMatrixc_s(const orb_complex8 *src, orb_complex8 *dst, unsigned int n);
-/* dst = top-left overlap of src, rest zero. */
+/* dst = top-left overlap of src, rest zero; dst may equal src (in place). */
 ORB_API void ResizeMatrixc_s(const orb_complex8 *src, orb_complex8 *dst, unsigned int src_rows,
                              unsigned int src_cols, unsigned int dst_rows, unsigned int dst_cols);
 /* dst (rows x cols) = block of src at (row0, col0); nothing if outside src. */
@@ -1285,7 +1301,8 @@ ORB_API void CopySubMatrixc_s(const orb_complex8 *src, orb_complex8 *dst, unsign
 /* dst (cols x rows) = conjugate transpose of src (rows x cols); no overlap. */
 ORB_API void AdjungateMatrixc_s(const orb_complex8 *src, orb_complex8 *dst, unsigned int rows,
                                 unsigned int cols);
-/* dst (n x n) = conjugate transpose of src; dst may equal src (in place). */
+/* dst (n x n) = conjugate transpose of src (the diagonal conjugated too);
+ * dst may equal src (in place), otherwise no overlap. */
 ORB_API void AdjungateSquareMatrixc_s(const orb_complex8 *src, orb_complex8 *dst, unsigned int n);
 
 /* ---------------------------------------------------------------------------
