@@ -73,6 +73,26 @@ const Row kRows[] = {
     {"vdunpackic_s inc 2", 16,
      [](Operands &o, unsigned n) { vdunpackic_s(n, o.a.data(), o.c.data(), 2); },
      [](Operands &o, unsigned n) { plain::unpack_strided(n, o.a.data(), o.c.data(), 2); }},
+    {"CumSum_s", 8, [](Operands &o, unsigned n) { CumSum_s(o.fa(), o.fc(), n); },
+     [](Operands &o, unsigned n) { plain::cum_sum(o.fa(), o.fc(), n); }},
+    {"vspacki inc 1", 8,
+     [](Operands &o, unsigned n) {
+       const int m = static_cast<int>(n), inc = 1;
+       vspacki(&m, o.fa(), &inc, o.fc());
+     },
+     [](Operands &o, unsigned n) { plain::pack_strided_real(int(n), o.fa(), 1, o.fc()); }},
+    {"vspacki inc 2", 8,
+     [](Operands &o, unsigned n) {
+       const int m = static_cast<int>(n), inc = 2;
+       vspacki(&m, o.fa(), &inc, o.fc());
+     },
+     [](Operands &o, unsigned n) { plain::pack_strided_real(int(n), o.fa(), 2, o.fc()); }},
+    {"vsunpacki inc 2", 8,
+     [](Operands &o, unsigned n) {
+       const int m = static_cast<int>(n), inc = 2;
+       vsunpacki(&m, o.fa(), o.fc(), &inc);
+     },
+     [](Operands &o, unsigned n) { plain::unpack_strided_real(int(n), o.fa(), o.fc(), 2); }},
     // Source and mask read, about half the elements written.
     {"PackByMask_s", 10,
      [](Operands &o, unsigned n) { PackByMask_s(n, o.fa(), o.fc(), o.mask.data()); },

@@ -12,5 +12,8 @@ void div_vec_cc(const orb_complex8 *a, const orb_complex8 *b, orb_complex8 *d, u
 void pack_strided(unsigned n, const orb_complex8 *s, int inc, orb_complex8 *d);
 void unpack_strided(unsigned n, const orb_complex8 *s, orb_complex8 *d, int inc);
 unsigned pack_by_mask(unsigned n, const float *s, float *d, const int *mask);
+unsigned cum_sum(const float *s, float *d, unsigned n);
+void pack_strided_real(int n, const float *a, int inc, float *y);
+void unpack_strided_real(int n, const float *a, float *y, int inc);
 
 }  // namespace orb::bench::plain

@@ -43,4 +43,18 @@ unsigned pack_by_mask(unsigned n, const float *s, float *d, const int *mask) {
   return k;
 }
 
+unsigned cum_sum(const float *s, float *d, unsigned n) {
+  float sum = 0.0f;
+  for (unsigned i = 0; i < n; ++i) d[i] = sum = s[i] + sum;
+  return n;
+}
+
+void pack_strided_real(int n, const float *a, int inc, float *y) {
+  for (int i = 0; i < n; ++i) y[i] = a[static_cast<std::ptrdiff_t>(i) * inc];
+}
+
+void unpack_strided_real(int n, const float *a, float *y, int inc) {
+  for (int i = 0; i < n; ++i) y[static_cast<std::ptrdiff_t>(i) * inc] = a[i];
+}
+
 }  // namespace orb::bench::plain

@@ -19,9 +19,16 @@ extern const PackKernels kPackAvx512;
 
 namespace {
 
-// ---- A: plain loops -------------------------------------------------------
+// A contiguous run of words.
+void copy(int n, const Word *a, Word *y) {
+  std::memcpy(y, a, static_cast<std::size_t>(n) * sizeof(Word));
+}
+
+// ---- A: plain loops (the processors of every other vendor take them, so a
+// contiguous side is still a block copy) ------------------------------------
 
 void packi_a(int n, const Word *a, int inca, Word *y) {
+  if (inca == 1) return copy(n, a, y);
   for (int i = 0; i < n; ++i) y[i] = a[std::int64_t{i} * inca];
 }
 
@@ -36,6 +43,7 @@ void packv_a(int n, const Word *a, const int *ia, Word *y) {
 }
 
 void unpacki_a(int n, const Word *a, int incy, Word *y) {
+  if (incy == 1) return copy(n, a, y);
   for (int i = 0; i < n; ++i) y[std::int64_t{i} * incy] = a[i];
 }
 
@@ -56,10 +64,6 @@ void fill(int n, Word w, Word *y) {
   int i = 0;
   for (; i + 4 <= n; i += 4) _mm_storeu_si128(reinterpret_cast<__m128i *>(y + i), v);
   for (; i < n; ++i) y[i] = w;
-}
-
-void copy(int n, const Word *a, Word *y) {
-  std::memcpy(y, a, static_cast<std::size_t>(n) * sizeof(Word));
 }
 
 void packi_b(int n, const Word *a, int inca, Word *y) {
