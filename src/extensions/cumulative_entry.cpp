@@ -7,14 +7,8 @@
 
 namespace {
 
+using orb::host::floats;
 using orb::host::kCumulative;
-
-const float *f(const orb_complex8 *p) {
-  return reinterpret_cast<const float *>(p);
-}
-float *f(orb_complex8 *p) {
-  return reinterpret_cast<float *>(p);
-}
 
 }  // namespace
 
@@ -25,7 +19,7 @@ ORB_API unsigned int CumSum_s(const float *src, float *dst, unsigned int n) {
   return n;
 }
 ORB_API unsigned int CumSumc_s(const orb_complex8 *src, orb_complex8 *dst, unsigned int n) {
-  if (n != 0) kCumulative.for_dst(dst).cum_sum_c(f(src), f(dst), n);
+  if (n != 0) kCumulative.for_dst(dst).cum_sum_c(floats(src), floats(dst), n);
   return n;
 }
 ORB_API unsigned int CumSumDelta_s(const float *src, float *dst, unsigned int delta,
@@ -35,7 +29,7 @@ ORB_API unsigned int CumSumDelta_s(const float *src, float *dst, unsigned int de
 }
 ORB_API unsigned int CumSumDeltac_s(const orb_complex8 *src, orb_complex8 *dst, unsigned int delta,
                                     unsigned int n) {
-  if (n != 0) kCumulative.for_dst(dst).cum_sum_lag_c(f(src), f(dst), delta, n);
+  if (n != 0) kCumulative.for_dst(dst).cum_sum_lag_c(floats(src), floats(dst), delta, n);
   return n;
 }
 
@@ -43,7 +37,7 @@ ORB_API void Product_s(const float *x, unsigned int n, float *result) {
   kCumulative.for_dst(result).product(x, result, n);
 }
 ORB_API void Productc_s(const orb_complex8 *x, unsigned int n, orb_complex8 *result) {
-  kCumulative.for_dst(result).product_c(f(x), f(result), n);
+  kCumulative.for_dst(result).product_c(floats(x), floats(result), n);
 }
 
 }  // extern "C"

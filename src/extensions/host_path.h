@@ -9,6 +9,7 @@
 
 #include <cstdint>
 
+#include "orb.h"
 #include "service/cpu.h"
 
 namespace orb::host {
@@ -40,5 +41,13 @@ struct PathTables {
   const Table &operator[](Path p) const { return *table[static_cast<int>(p)]; }
   const Table &for_dst(const void *dst) const { return (*this)[path_for(dst)]; }
 };
+
+// A complex array of the exported interface as the float pairs the kernels take.
+inline const float *floats(const orb_complex8 *p) {
+  return reinterpret_cast<const float *>(p);
+}
+inline float *floats(orb_complex8 *p) {
+  return reinterpret_cast<float *>(p);
+}
 
 }  // namespace orb::host

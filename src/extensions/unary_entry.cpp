@@ -33,30 +33,24 @@ void pow_c(const float *src, float *dst, const float *power, std::size_t n) {
 
 namespace {
 
+using orb::host::floats;
 using orb::host::kUnary;
-
-const float *f(const orb_complex8 *p) {
-  return reinterpret_cast<const float *>(p);
-}
-float *f(orb_complex8 *p) {
-  return reinterpret_cast<float *>(p);
-}
 
 }  // namespace
 
 extern "C" {
 
 ORB_API void MulI_s(const orb_complex8 *src, orb_complex8 *dst, unsigned int n) {
-  if (n != 0) kUnary.for_dst(dst).mul_i(f(src), f(dst), n);
+  if (n != 0) kUnary.for_dst(dst).mul_i(floats(src), floats(dst), n);
 }
 ORB_API void Flip_s(const orb_complex8 *src, orb_complex8 *dst, unsigned int n) {
-  if (n != 0) kUnary.for_dst(dst).flip(f(src), f(dst), n);
+  if (n != 0) kUnary.for_dst(dst).flip(floats(src), floats(dst), n);
 }
 ORB_API void FlipConj_s(const orb_complex8 *src, orb_complex8 *dst, unsigned int n) {
-  if (n != 0) kUnary.for_dst(dst).flip_conj(f(src), f(dst), n);
+  if (n != 0) kUnary.for_dst(dst).flip_conj(floats(src), floats(dst), n);
 }
 ORB_API void Reverse_s(const orb_complex8 *src, orb_complex8 *dst, unsigned int n) {
-  if (n != 0) kUnary.for_dst(dst).reverse(f(src), f(dst), n);
+  if (n != 0) kUnary.for_dst(dst).reverse(floats(src), floats(dst), n);
 }
 
 ORB_API void Floor_s(const float *src, float *dst, unsigned int n) {
@@ -74,11 +68,11 @@ ORB_API void RemVal_s(const float *src, float *dst, float v, unsigned int n) {
 
 ORB_API void Rampc_s(orb_complex8 *dst, const orb_complex8 *start, const orb_complex8 *step,
                      unsigned int n) {
-  if (n != 0) kUnary.for_dst(dst).ramp_c(f(dst), f(start), f(step), n);
+  if (n != 0) kUnary.for_dst(dst).ramp_c(floats(dst), floats(start), floats(step), n);
 }
 ORB_API void Powc_s(const orb_complex8 *src, orb_complex8 *dst, const orb_complex8 *power,
                     unsigned int n) {
-  if (n != 0) orb::host::pow_c(f(src), f(dst), f(power), n);
+  if (n != 0) orb::host::pow_c(floats(src), floats(dst), floats(power), n);
 }
 
 }  // extern "C"
