@@ -1,0 +1,98 @@
+// The numerical factorization of the sparse direct solver over the supernodes
+// of a symbolic factor, and the substitutions with its factors. One template
+// over the scalar type (double, std::complex<double>).
+//
+// The matrix handed to the factorization is already permuted to pivot order
+// (and scaled): B = P (the caller's matrix) P^T in compressed columns,
+// 0-based, rows increasing within a column. For the symmetric and Hermitian
+// kinds only the lower triangle (row >= column) is given; for kLu the whole
+// matrix, its pattern contained in that of the symbolic factor plus its
+// transpose.
+#pragma once
+
+#include <complex>
+#include <cstdint>
+#include <vector>
+
+#include "sparse_direct/symbolic.h"
+
+namespace orb::sparse {
+
+enum class FactorKind {
+  kCholesky,      // B = L L^H, Hermitian (symmetric) positive definite
+  kLdlSymmetric,  // B = L D L^T, real symmetric or complex symmetric indefinite
+  kLdlHermitian,  // B = L D L^H, Hermitian indefinite
+  kLu,            // B = L U, static pivoting (structurally symmetric pattern)
+};
+
+template <class T>
+struct CscMatrix {
+  int n = 0;
+  const int *col_ptr = nullptr;  // n + 1
+  const int *row = nullptr;      // col_ptr[n]
+  const T *val = nullptr;        // col_ptr[n]
+};
+
+struct FactorOptions {
+  FactorKind kind = FactorKind::kCholesky;
+  // kLdl*: 1x1 and 2x2 Bunch-Kaufman pivots inside supernodes; false: 1x1
+  // diagonal pivots only.
+  bool two_by_two = true;
+  // A pivot of magnitude below this (absolute) is replaced by it, with the
+  // pivot's sign (or phase), and counted as perturbed; 0 for none. Not used
+  // by kCholesky.
+  double pivot_floor = 0;
+  int threads = 1;  // the team the factorization may use (>= 1)
+};
+
+struct FactorReport {
+  int status = 0;         // 0 or a FactorStatus
+  int failed_column = 0;  // kNotPositiveDefinite: 1-based new column of the failing pivot
+  int perturbed = 0;      // pivots replaced by the floor
+  int positive = 0;       // inertia of the kLdl* and kCholesky kinds
+  int negative = 0;
+  double flops = 0;  // floating-point operations done
+};
+
+enum FactorStatus : int {
+  kFactorOk = 0,
+  kFactorNoMemory = 1,
+  kNotPositiveDefinite = 2,  // kCholesky met a pivot that is not positive
+  kZeroPivot = 3,            // an exactly zero pivot with no floor to replace it
+};
+
+// The numerical factor. Its storage belongs to the factorization code; the
+// driver only keeps it, refactors into it and solves with it.
+template <class T>
+struct NumericFactor {
+  FactorKind kind = FactorKind::kCholesky;
+  std::vector<T> lower;    // L by supernodes (Symbolic::value_ptr)
+  std::vector<T> upper;    // kLu: U^T stored as L (unit-lower parts in `lower`, see numeric.cpp)
+  std::vector<T> diag;     // kLdl*: D, 1x1 and 2x2 blocks (layout of numeric.cpp)
+  std::vector<int> pivot;  // pivoting inside supernodes (layout of numeric.cpp)
+  int64_t bytes() const;   // storage held
+};
+
+// Factorizes B into `f` (whose earlier contents are replaced). Never throws;
+// storage failures give kFactorNoMemory with `f` left empty.
+template <class T>
+void factorize(const Symbolic &s, const CscMatrix<T> &b, const FactorOptions &opt,
+               NumericFactor<T> *f, FactorReport *report);
+
+// Which system a solve works on.
+enum class SolveOp { kNone, kTranspose, kConjTranspose };
+
+// Which parts of the substitution to run: forward (with L), diagonal (with
+// D, kLdl* only; nothing for the other kinds) and backward (with L^H, L^T or
+// U). kAll is the whole solve.
+enum SolveSteps : int { kForward = 1, kDiagonal = 2, kBackward = 4, kAll = 7 };
+
+// X := op(B)^-1 X for `nrhs` columns of X (leading dimension ldx), X in pivot
+// order. With the partial steps, kForward applies L^-1 (with the pivoting
+// inside supernodes), kDiagonal D^-1, kBackward the rest, so that running the
+// three in order equals kAll.
+template <class T>
+void solve(const Symbolic &s, const NumericFactor<T> &f, SolveOp op, int steps, int nrhs, T *x,
+           int ldx, int threads);
+
+}  // namespace orb::sparse
