@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # Installs everything ORB's builds and tests need on a fresh Debian 12 machine:
 # the native toolchain, the mingw-w64 i686 cross compilers (posix threads), 32-bit
-# wine, METIS, GoogleTest, and NumPy, SciPy and pytest for the client check. Safe to run again; it skips what is already there.
+# wine, METIS, SuiteSparse (AMD), GoogleTest, and NumPy, SciPy and pytest for the client check. Safe to run again; it skips what is already there.
 #
 #   tools/install-deps.sh            build and test dependencies
 #   tools/install-deps.sh --bench    also the peer libraries the benchmarks compare with
@@ -15,11 +15,11 @@ SUDO=""
 export DEBIAN_FRONTEND=noninteractive
 
 native_pkgs=(build-essential cmake ninja-build pkg-config python3 googletest libgtest-dev
-             libmetis-dev g++-mingw-w64-i686-posix gcc-mingw-w64-i686-posix
+             libmetis-dev libsuitesparse-dev g++-mingw-w64-i686-posix gcc-mingw-w64-i686-posix
              binutils-mingw-w64-i686 gfortran-mingw-w64-i686-posix xz-utils dpkg-dev
              libblas-test liblapack-test
              libblas3 liblapack3 python3-numpy python3-scipy python3-pytest python3-hypothesis)
-bench_pkgs=(libbenchmark-dev libopenblas-pthread-dev libblis-pthread-dev)
+bench_pkgs=(libbenchmark-dev libopenblas-pthread-dev libblis-pthread-dev libmumps-seq-dev)
 
 missing=()
 for p in "${native_pkgs[@]}"; do
