@@ -863,10 +863,30 @@ ORB_API void ORB_FreeBuffers(void);
  *           -1 frees everything; -2 and -3 are queries that leave pt alone
  *   a, ia, ja  nonzero values (double or orb_complex16), row starts (n + 1),
  *           column of each value
- *   perm    user permutation (n), nrhs right-hand sides, iparam[64] controls
+ *   perm    n entries: perm(i) is the position (1-based) at which equation i
+ *           is eliminated; read when iparam(5) = 1, written when iparam(5) = 2
+ *   nrhs    right-hand sides; iparam[64] controls and reports (below)
  *   msglvl  0 silent, nonzero prints statistics
  *   b, x    right-hand sides and solutions, n x nrhs, same scalar type as a
- *   error   0 on success, negative on failure
+ *   error   0 on success; -1 bad input, -2 no memory, -3 analysis failed,
+ *           -4 numerical factorization failed (iparam(30): the equation of a
+ *           non-positive pivot of an SPD matrix), -7 the diagonal shortcut
+ *           failed, -8 the factor would overflow 32-bit indices
+ * Symmetric and Hermitian types pass the upper triangle (entries below the
+ * diagonal are ignored); 1, 3, 11, 13 the whole matrix. iparam (1-based):
+ *   (1) 0 defaults by mtype; (2) ordering 0 minimum degree, 2 nested
+ *   dissection; (4) 10 L + K: solve by CGS (K 1) or CG (K 2) to 10^-L with
+ *   the earlier factor as preconditioner, reported in (20); (5) perm use;
+ *   (6) 1 the solution overwrites b; (7) refinement steps done; (8) step
+ *   limit (0: at most two, (20) = -34 when the second ends it); (10) pivots
+ *   below 10^-(10) max|a| are perturbed (<= 0: none); (11) scaling and (13)
+ *   weighted matching (11, 13; (13) scales -2, -4, 6 too); (12) 0 A x = b,
+ *   1 A^H x = b, 2 A^T x = b; (14) perturbed pivots; (18), (19) < 0 on input:
+ *   factor entries and Mflop/s; (21) 1 Bunch-Kaufman 2x2 pivots; (22), (23)
+ *   inertia; (27) 1 checks the matrix; (35) 1 zero-based ia, ja; (64) 106.
+ * Phases 331, 332, 333 run the forward, diagonal and backward parts of the
+ * substitution (334 the last two) without refinement: 331 takes b in the
+ * caller's order and leaves the result in pivot order, 333 goes back.
  * ------------------------------------------------------------------------- */
 ORB_API void TESSERA(void **pt, const int *maxfct, const int *mnum, const int *mtype,
                      const int *phase, const int *n, const void *a, const int *ia, const int *ja,
