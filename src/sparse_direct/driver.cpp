@@ -24,10 +24,18 @@ double seconds_since(Clock::time_point t0) {
   return std::chrono::duration<double>(Clock::now() - t0).count();
 }
 
-State *state_of(void **pt) { return static_cast<State *>(pt[kWordState]); }
-int *table_of(void **pt) { return static_cast<int *>(pt[kWordTable]); }
-Analysis *analysis_of(void **pt) { return static_cast<Analysis *>(pt[kWordAnalysis]); }
-OocBlock *ooc_of(void **pt) { return static_cast<OocBlock *>(pt[kWordOoc]); }
+State *state_of(void **pt) {
+  return static_cast<State *>(pt[kWordState]);
+}
+int *table_of(void **pt) {
+  return static_cast<int *>(pt[kWordTable]);
+}
+Analysis *analysis_of(void **pt) {
+  return static_cast<Analysis *>(pt[kWordAnalysis]);
+}
+OocBlock *ooc_of(void **pt) {
+  return static_cast<OocBlock *>(pt[kWordOoc]);
+}
 
 void clear_entry(int *entry) {
   for (int w = 0; w < kEntryWords; ++w) entry[w] = 0;
@@ -101,13 +109,23 @@ void set_defaults(int mtype, int *ip) {
   int p10 = 0, p11 = 0, p13 = 0, p21 = 0;
   switch (mtype) {
     case 1:
-    case 3: p10 = 13; break;
+    case 3:
+      p10 = 13;
+      break;
     case -2:
     case -4:
-    case 6: p10 = 8; p21 = 1; break;
+    case 6:
+      p10 = 8;
+      p21 = 1;
+      break;
     case 11:
-    case 13: p10 = 13; p11 = 1; p13 = 1; break;
-    default: break;
+    case 13:
+      p10 = 13;
+      p11 = 1;
+      p13 = 1;
+      break;
+    default:
+      break;
   }
   ip[1] = 2;
   ip[3] = 0;
@@ -144,7 +162,9 @@ void reset_working(State *st, const Call &c) {
   st->n = c.n;
 }
 
-constexpr std::int64_t kib(std::int64_t bytes) { return (bytes + 1023) / 1024; }
+constexpr std::int64_t kib(std::int64_t bytes) {
+  return (bytes + 1023) / 1024;
+}
 
 void write_memory(void **pt, int *ip) {
   const State *st = state_of(pt);
@@ -183,8 +203,10 @@ const T *values(const Call &c) {
 template <class T>
 int factor_stage(const Call &c, State *st, Analysis *an, Factorization *fz, Failure *fail) {
   NumericFactor<T> &f = [&]() -> NumericFactor<T> & {
-    if constexpr (std::is_same_v<T, double>) return fz->real;
-    else return fz->cplx;
+    if constexpr (std::is_same_v<T, double>)
+      return fz->real;
+    else
+      return fz->cplx;
   }();
   std::vector<T> val;
   double largest;
@@ -192,8 +214,8 @@ int factor_stage(const Call &c, State *st, Analysis *an, Factorization *fz, Fail
     largest = assemble(*an, values<T>(c), &val);
   } catch (const std::bad_alloc &) {
     fail->stage = text::Stage::kInsufficientMemory;
-    fail->detail = text::allocation_error(text::Storage::kWorkReal,
-                                          std::int64_t(an->row.size()) * sizeof(T));
+    fail->detail =
+        text::allocation_error(text::Storage::kWorkReal, std::int64_t(an->row.size()) * sizeof(T));
     return -2;
   }
   FactorOptions opt;
@@ -215,7 +237,8 @@ int factor_stage(const Call &c, State *st, Analysis *an, Factorization *fz, Fail
   st->work[kWorkPositive] = rep.positive;
   st->work[kWorkNegative] = rep.negative;
   switch (rep.status) {
-    case kFactorOk: return 0;
+    case kFactorOk:
+      return 0;
     case kFactorNoMemory: {
       const Symbolic &s = an->symbolic;
       const std::int64_t words = s.value_ptr.empty() ? 0 : s.value_ptr[s.nsuper];
@@ -248,8 +271,10 @@ template <class T>
 int solve_stage(const Call &c, State *st, Analysis *an, Factorization *fz, bool iterative,
                 Failure *fail) {
   const NumericFactor<T> &f = [&]() -> const NumericFactor<T> & {
-    if constexpr (std::is_same_v<T, double>) return fz->real;
-    else return fz->cplx;
+    if constexpr (std::is_same_v<T, double>)
+      return fz->real;
+    else
+      return fz->cplx;
   }();
   int *ip = c.iparam;
   const int n = an->n, nrhs = c.nrhs;
@@ -261,8 +286,8 @@ int solve_stage(const Call &c, State *st, Analysis *an, Factorization *fz, bool 
     sol.resize(std::size_t(n) * nrhs);
   } catch (const std::bad_alloc &) {
     fail->stage = text::Stage::kInsufficientMemory;
-    fail->detail = text::allocation_error(text::Storage::kWorkReal,
-                                          std::int64_t(n) * nrhs * sizeof(T));
+    fail->detail =
+        text::allocation_error(text::Storage::kWorkReal, std::int64_t(n) * nrhs * sizeof(T));
     return -2;
   }
   const bool print = c.msglvl > 0;
@@ -310,13 +335,13 @@ int solve_stage(const Call &c, State *st, Analysis *an, Factorization *fz, bool 
 
 void print_statistics(const Call &c, const State *st, const Analysis *an, const Stats &done) {
   text::put(text::banner(c.mtype));
-  text::put(text::mode_line(c.iparam[59] == 1 ? text::Mode::kInCoreEnoughRam
-                                              : text::Mode::kInCoreOff));
+  text::put(
+      text::mode_line(c.iparam[59] == 1 ? text::Mode::kInCoreEnoughRam : text::Mode::kInCoreOff));
   if (done.analysed && an) {
     const Symbolic &s = an->symbolic;
     text::put("Summary: ( analysis )");
-    text::put(text::format("    time: %.6f s, equations: %d, stored entries: %lld", st->time_analysis,
-                           an->n, static_cast<long long>(st->nnz)));
+    text::put(text::format("    time: %.6f s, equations: %d, stored entries: %lld",
+                           st->time_analysis, an->n, static_cast<long long>(st->nnz)));
     text::put(text::format("    supernodes: %d, factor entries: %lld, factorization flops: %.3e",
                            s.nsuper, static_cast<long long>(s.nnz_factor), s.flops));
     text::put(text::format("    ordering: %s, matching: %s, scaling: %s",
@@ -474,8 +499,7 @@ int drive(const Call &c) {
   }
   Analysis *an = analysis_of(pt);
   if (first > 1) {
-    if (!an || an->mtype != c.mtype || an->n != c.n ||
-        std::int64_t(c.ia[c.n]) - base != st->nnz)
+    if (!an || an->mtype != c.mtype || an->n != c.n || std::int64_t(c.ia[c.n]) - base != st->nnz)
       return input_error(text::Stage::kSequence, std::string());
   }
 
@@ -550,8 +574,7 @@ int drive(const Call &c) {
     ip[22] = st->work[kWorkNegative];
     if (ip[17] < 0) {
       const Symbolic &s = an->symbolic;
-      const std::int64_t nnz =
-          an->kind == FactorKind::kLu ? 2 * s.nnz_factor - s.n : s.nnz_factor;
+      const std::int64_t nnz = an->kind == FactorKind::kLu ? 2 * s.nnz_factor - s.n : s.nnz_factor;
       ip[17] = int(nnz > 2147483647 ? 2147483647 : nnz);
     }
     if (ip[18] < 0) {

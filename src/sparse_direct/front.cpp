@@ -19,8 +19,10 @@ bool known_mtype(int mtype) {
     case -4:
     case 6:
     case 11:
-    case 13: return true;
-    default: return false;
+    case 13:
+      return true;
+    default:
+      return false;
   }
 }
 
@@ -34,8 +36,8 @@ namespace {
 // The stored entry of each row, taken as the diagonal; -1 when a row does
 // not hold exactly one entry.
 template <class T>
-int diagonal_solve(int n, int nrhs, const int *ia, const T *a, T *b, T *x, int over_b,
-                   bool solve, int threads) {
+int diagonal_solve(int n, int nrhs, const int *ia, const T *a, T *b, T *x, int over_b, bool solve,
+                   int threads) {
   const int base = ia[0];
   for (int i = 0; i < n; ++i) {
     if (ia[i + 1] - ia[i] != 1) return 1;
@@ -73,8 +75,8 @@ int diagonal_solve_complex(int n, int nrhs, const int *ia, const int *, const c1
 }
 
 void front(void **pt, const int *maxfct, const int *mnum, const int *mtype, const int *phase,
-           const int *n, const void *a, const int *ia, const int *ja, int *perm,
-           const int *nrhs, int *iparam, const int *msglvl, void *b, void *x, int *error) {
+           const int *n, const void *a, const int *ia, const int *ja, int *perm, const int *nrhs,
+           int *iparam, const int *msglvl, void *b, void *x, int *error) {
   if (*phase == -2) {
     *error = 16;
     iparam[0] = 23;
@@ -103,16 +105,16 @@ void front(void **pt, const int *maxfct, const int *mnum, const int *mtype, cons
                                       solve, team);
     else
       status = diagonal_solve_real(*n, *nrhs, ia, ja, static_cast<const double *>(a),
-                                   static_cast<double *>(b), static_cast<double *>(x),
-                                   iparam[5], solve, team, &iparam[21], &iparam[22]);
+                                   static_cast<double *>(b), static_cast<double *>(x), iparam[5],
+                                   solve, team, &iparam[21], &iparam[22]);
     if (status != 0) *error = -7;
     return;
   }
   if (iparam[11] == -1) return;
 
   iparam[2] = threads;
-  const Call call{pt,    *maxfct, *mnum, *mtype, *phase, *n, a,       ia,
-                  ja,    perm,    *nrhs, iparam, *msglvl, b,  x,       threads < 1 ? 1 : threads};
+  const Call call{pt, *maxfct, *mnum, *mtype, *phase,  *n, a, ia,
+                  ja, perm,    *nrhs, iparam, *msglvl, b,  x, threads < 1 ? 1 : threads};
   *error = drive(call);
   if (*phase == 33 && iparam[3] == 0) *error = 0;
 }

@@ -11,36 +11,60 @@ namespace {
 
 const char *stage_label(Stage s) {
   switch (s) {
-    case Stage::kReordering: return "        reordering_phase";
-    case Stage::kOpenOocFiles: return "      open OOC tmp files";
-    case Stage::kInsufficientMemory: return "     insufficient_memory";
-    case Stage::kInternalUnclassified: return " internal_error,unclass.";
-    case Stage::kOocMemory: return " not enough mem. for OOC";
-    case Stage::kNumericalFactorization: return " numerical_factorization";
-    case Stage::kSequence: return " sequence_ido,parameters";
-    case Stage::kOverflow: return "32-bit overflow problem.";
-    case Stage::kIncorrectMatrix: return "incorrect input matrix  ";
-    case Stage::kPrereordering: return "prereordering_mtype11,13";
-    case Stage::kOocReadWrite: return "read/write OOC data file";
+    case Stage::kReordering:
+      return "        reordering_phase";
+    case Stage::kOpenOocFiles:
+      return "      open OOC tmp files";
+    case Stage::kInsufficientMemory:
+      return "     insufficient_memory";
+    case Stage::kInternalUnclassified:
+      return " internal_error,unclass.";
+    case Stage::kOocMemory:
+      return " not enough mem. for OOC";
+    case Stage::kNumericalFactorization:
+      return " numerical_factorization";
+    case Stage::kSequence:
+      return " sequence_ido,parameters";
+    case Stage::kOverflow:
+      return "32-bit overflow problem.";
+    case Stage::kIncorrectMatrix:
+      return "incorrect input matrix  ";
+    case Stage::kPrereordering:
+      return "prereordering_mtype11,13";
+    case Stage::kOocReadWrite:
+      return "read/write OOC data file";
   }
   return " internal_error,unclass.";
 }
 
 const char *storage_label(Storage s) {
   switch (s) {
-    case Storage::kBasic: return "BASIC   ";
-    case Storage::kCgsArrays: return "CGS_ARR ";
-    case Storage::kFactorAddresses: return "FACT_ADR";
-    case Storage::kFactorValues: return "FACT_L&U";
-    case Storage::kLocalInt1: return "LOC_INT1";
-    case Storage::kLocalInt2: return "LOC_INT2";
-    case Storage::kStructureFinal: return "STRUC_FI";
-    case Storage::kStructure0: return "STRUC_S0";
-    case Storage::kStructure1: return "STRUC_S1";
-    case Storage::kStructure2: return "STRUC_S2";
-    case Storage::kUpdateLengths: return "UP_UPLEN";
-    case Storage::kWorkInt: return "WORK_I0 ";
-    case Storage::kWorkReal: return "WORK_R0 ";
+    case Storage::kBasic:
+      return "BASIC   ";
+    case Storage::kCgsArrays:
+      return "CGS_ARR ";
+    case Storage::kFactorAddresses:
+      return "FACT_ADR";
+    case Storage::kFactorValues:
+      return "FACT_L&U";
+    case Storage::kLocalInt1:
+      return "LOC_INT1";
+    case Storage::kLocalInt2:
+      return "LOC_INT2";
+    case Storage::kStructureFinal:
+      return "STRUC_FI";
+    case Storage::kStructure0:
+      return "STRUC_S0";
+    case Storage::kStructure1:
+      return "STRUC_S1";
+    case Storage::kStructure2:
+      return "STRUC_S2";
+    case Storage::kUpdateLengths:
+      return "UP_UPLEN";
+    case Storage::kWorkInt:
+      return "WORK_I0 ";
+    case Storage::kWorkReal:
+      return "WORK_R0 ";
   }
   return "BASIC   ";
 }
@@ -99,23 +123,43 @@ const char *const kSystemError = "System error in TESSERA";
 std::string banner(int mtype) {
   const char *what = nullptr;
   switch (mtype) {
-    case 2: what = "symm. posit. def. system"; break;
-    case -2: what = " symmetric indef. system"; break;
-    case 1: what = "real struct. sym. system"; break;
-    case 11: what = "real nonsymmetric system"; break;
-    case 4: what = "  Herm. pos. def. system"; break;
-    case -4: what = " Hermitian indef. system"; break;
-    case 3: what = " compl. str. sym. system"; break;
-    case 6: what = " complex symmetr. system"; break;
-    case 13: what = "  complex nonsym. system"; break;
-    default: return std::string();
+    case 2:
+      what = "symm. posit. def. system";
+      break;
+    case -2:
+      what = " symmetric indef. system";
+      break;
+    case 1:
+      what = "real struct. sym. system";
+      break;
+    case 11:
+      what = "real nonsymmetric system";
+      break;
+    case 4:
+      what = "  Herm. pos. def. system";
+      break;
+    case -4:
+      what = " Hermitian indef. system";
+      break;
+    case 3:
+      what = " compl. str. sym. system";
+      break;
+    case 6:
+      what = " complex symmetr. system";
+      break;
+    case 13:
+      what = "  complex nonsym. system";
+      break;
+    default:
+      return std::string();
   }
   return format("================  TESSERA: solving a %s  ================", what);
 }
 
 const char *mode_line(Mode mode) {
   switch (mode) {
-    case Mode::kInCoreOff: return "=== TESSERA is running in In-Core mode, because iparam(60)=0 ===";
+    case Mode::kInCoreOff:
+      return "=== TESSERA is running in In-Core mode, because iparam(60)=0 ===";
     case Mode::kInCoreEnoughRam:
       return "=== TESSERA is running in In-Core mode, because iparam(60)=1 and there is enough RAM "
              "for In-Core ===";

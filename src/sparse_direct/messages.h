@@ -50,9 +50,9 @@ std::string allocation_error(Storage storage, std::int64_t bytes);
 extern const char *const kIdoBelowMinusOne;
 extern const char *const kIdoInitialization;
 extern const char *const kCleanImpossible;
-extern const char *const kWrongMatrixNumber;  // %d
+extern const char *const kWrongMatrixNumber;     // %d
 extern const char *const kDiagonalOnlySymbolic;  // %d
-extern const char *const kPreorderingFailed;  // %d %d
+extern const char *const kPreorderingFailed;     // %d %d
 extern const char *const kZeroPivot;
 extern const char *const kNotSpd;
 extern const char *const kFactorNoMemory;

@@ -11,10 +11,18 @@ namespace orb::sparse {
 
 namespace {
 
-double magnitude(double v) { return std::fabs(v); }
-double magnitude(const c16 &v) { return std::abs(v); }
-double conj_of(double v) { return v; }
-c16 conj_of(const c16 &v) { return std::conj(v); }
+double magnitude(double v) {
+  return std::fabs(v);
+}
+double magnitude(const c16 &v) {
+  return std::abs(v);
+}
+double conj_of(double v) {
+  return v;
+}
+c16 conj_of(const c16 &v) {
+  return std::conj(v);
+}
 
 bool symmetric_type(int mtype) {
   return mtype == 2 || mtype == -2 || mtype == 4 || mtype == -4 || mtype == 6;
@@ -38,25 +46,24 @@ bool check_matrix(int n, const int *ia, const int *ja, int base, bool symmetric,
     for (int k = begin; k < end; ++k) {
       const int c = ja[k] - base;
       if (c < 0 || c >= n) {
-        *message = text::format("*** Error in TESSERA: row %d: column %d is out of range", i + 1,
-                                ja[k]);
+        *message =
+            text::format("*** Error in TESSERA: row %d: column %d is out of range", i + 1, ja[k]);
         return false;
       }
       if (!full) continue;
       if (k > begin && c <= ja[k - 1] - base) {
-        *message = c == ja[k - 1] - base
-                       ? text::format("*** Error in TESSERA: row %d: column %d appears twice",
-                                      i + 1, ja[k])
-                       : text::format(
-                             "*** Error in TESSERA: row %d: columns are not in increasing order",
-                             i + 1);
+        *message =
+            c == ja[k - 1] - base
+                ? text::format("*** Error in TESSERA: row %d: column %d appears twice", i + 1,
+                               ja[k])
+                : text::format("*** Error in TESSERA: row %d: columns are not in increasing order",
+                               i + 1);
         return false;
       }
       diagonal = diagonal || c == i;
     }
     if (full && symmetric && !diagonal) {
-      *message =
-          text::format("*** Error in TESSERA: row %d: the diagonal entry is missing", i + 1);
+      *message = text::format("*** Error in TESSERA: row %d: the diagonal entry is missing", i + 1);
       return false;
     }
   }
@@ -66,11 +73,15 @@ bool check_matrix(int n, const int *ia, const int *ja, int base, bool symmetric,
 FactorKind kind_of(int mtype) {
   switch (mtype) {
     case 2:
-    case 4: return FactorKind::kCholesky;
+    case 4:
+      return FactorKind::kCholesky;
     case -2:
-    case 6: return FactorKind::kLdlSymmetric;
-    case -4: return FactorKind::kLdlHermitian;
-    default: return FactorKind::kLu;
+    case 6:
+      return FactorKind::kLdlSymmetric;
+    case -4:
+      return FactorKind::kLdlHermitian;
+    default:
+      return FactorKind::kLu;
   }
 }
 
@@ -113,9 +124,9 @@ int build_analysis(const Call &call, int base, Analysis *an, int *status,
     // The preprocessing belongs to the unsymmetric types 11 and 13 and the
     // indefinite ones; the structurally symmetric types 1 and 3 have none.
     const bool general = call.mtype == 11 || call.mtype == 13;
-    const bool want_matching = general ? (ip[10] == 1 || ip[12] > 0)
-                                       : an->kind != FactorKind::kCholesky && symmetric &&
-                                             ip[12] > 0;
+    const bool want_matching = general
+                                   ? (ip[10] == 1 || ip[12] > 0)
+                                   : an->kind != FactorKind::kCholesky && symmetric && ip[12] > 0;
     an->matched = false;
     an->row_scale.clear();
     an->col_scale.clear();
@@ -225,8 +236,8 @@ int build_analysis(const Call &call, int base, Analysis *an, int *status,
         user[p] = i;
       }
     }
-    const int st = analyse(g, ordering, user.empty() ? nullptr : user.data(), call.threads,
-                           &an->symbolic);
+    const int st =
+        analyse(g, ordering, user.empty() ? nullptr : user.data(), call.threads, &an->symbolic);
     *status = st;
     if (st == kAnalysisNoMemory) return -2;
     if (st == kAnalysisBadPerm) return -1;
@@ -378,8 +389,8 @@ void direct_solve(const Analysis &an, const NumericFactor<T> &f, int op, int ste
   const bool conj_sym =
       symmetric && an.complex && ((op == 1 && !hermitian) || (op == 2 && hermitian));
   SolveOp sop = SolveOp::kNone;
-  if (!symmetric) sop = op == 1 ? SolveOp::kConjTranspose : op == 2 ? SolveOp::kTranspose
-                                                                     : SolveOp::kNone;
+  if (!symmetric)
+    sop = op == 1 ? SolveOp::kConjTranspose : op == 2 ? SolveOp::kTranspose : SolveOp::kNone;
   // Without the forward part the right-hand sides are in pivot order
   // already, and without the backward part the result stays in it.
   const bool pre = steps & kForward, post = steps & kBackward;
@@ -388,7 +399,7 @@ void direct_solve(const Analysis &an, const NumericFactor<T> &f, int op, int ste
     const T *br = b + std::size_t(r) * n;
     T *zr = z.data() + std::size_t(r) * n;
     for (int k = 0; k < n; ++k) {
-      int i;     // the equation of b at pivot position k
+      int i;  // the equation of b at pivot position k
       double w = 1;
       if (symmetric) {
         i = s.perm[k];
@@ -429,11 +440,11 @@ void direct_solve(const Analysis &an, const NumericFactor<T> &f, int op, int ste
   }
 }
 
-#define ORB_PREPARE(T)                                                                \
-  template double assemble(const Analysis &, const T *, std::vector<T> *);           \
-  template void multiply(const Analysis &, const T *, int, const T *, T *);          \
-  template void direct_solve(const Analysis &, const NumericFactor<T> &, int, int, int, \
-                             const T *, T *, int);
+#define ORB_PREPARE(T)                                                                             \
+  template double assemble(const Analysis &, const T *, std::vector<T> *);                         \
+  template void multiply(const Analysis &, const T *, int, const T *, T *);                        \
+  template void direct_solve(const Analysis &, const NumericFactor<T> &, int, int, int, const T *, \
+                             T *, int);
 ORB_PREPARE(double)
 ORB_PREPARE(c16)
 #undef ORB_PREPARE

@@ -10,10 +10,18 @@ namespace orb::sparse {
 
 namespace {
 
-double mag(double v) { return std::fabs(v); }
-double mag(const c16 &v) { return std::abs(v); }
-double cj(double v) { return v; }
-c16 cj(const c16 &v) { return std::conj(v); }
+double mag(double v) {
+  return std::fabs(v);
+}
+double mag(const c16 &v) {
+  return std::abs(v);
+}
+double cj(double v) {
+  return v;
+}
+c16 cj(const c16 &v) {
+  return std::conj(v);
+}
 
 template <class T>
 double sum_abs(const T *v, std::size_t len) {
@@ -111,8 +119,7 @@ RefineOutcome refine(const Analysis &an, const NumericFactor<T> &f, const T *a, 
 
 template <class T>
 IterativeOutcome iterate(const Analysis &an, const NumericFactor<T> &f, const T *a, int op,
-                         int nrhs, const T *b, T *x, bool cg, int digits, bool print,
-                         int threads) {
+                         int nrhs, const T *b, T *x, bool cg, int digits, bool print, int threads) {
   constexpr int kMaxIterations = 150;
   IterativeOutcome out;
   const int n = an.n;
@@ -148,8 +155,17 @@ IterativeOutcome iterate(const Analysis &an, const NumericFactor<T> &f, const T 
         }
         res = norm2(r.data(), n) / bnorm;
         if (print) text::put(text::cg_iteration(it, res));
-        if (!(res < 1e3 * best)) { fail = 1; break; }
-        if (res < 0.5 * best) { best = res; stall = 0; } else if (++stall >= 10) { fail = 2; break; }
+        if (!(res < 1e3 * best)) {
+          fail = 1;
+          break;
+        }
+        if (res < 0.5 * best) {
+          best = res;
+          stall = 0;
+        } else if (++stall >= 10) {
+          fail = 2;
+          break;
+        }
         precondition(r.data(), z.data());
         const T rho1 = dot(r.data(), z.data(), n);
         const T beta = rho1 / rho;
@@ -165,7 +181,10 @@ IterativeOutcome iterate(const Analysis &an, const NumericFactor<T> &f, const T 
       while (res > tol && it < kMaxIterations) {
         ++it;
         const T rho = dot(rhat.data(), r.data(), n);
-        if (rho == T(0)) { fail = 1; break; }
+        if (rho == T(0)) {
+          fail = 1;
+          break;
+        }
         if (it == 1) {
           u = r;
           p = u;
@@ -180,7 +199,10 @@ IterativeOutcome iterate(const Analysis &an, const NumericFactor<T> &f, const T 
         precondition(p.data(), z.data());
         apply(z.data(), v.data());
         const T sigma = dot(rhat.data(), v.data(), n);
-        if (sigma == T(0)) { fail = 1; break; }
+        if (sigma == T(0)) {
+          fail = 1;
+          break;
+        }
         const T alpha = rho / sigma;
         for (int i = 0; i < n; ++i) {
           q[i] = u[i] - alpha * v[i];
@@ -194,8 +216,17 @@ IterativeOutcome iterate(const Analysis &an, const NumericFactor<T> &f, const T 
         }
         res = norm2(r.data(), n) / bnorm;
         if (print) text::put(text::cgs_iteration(it, res));
-        if (!(res < 1e3 * best)) { fail = 1; break; }
-        if (res < 0.5 * best) { best = res; stall = 0; } else if (++stall >= 10) { fail = 2; break; }
+        if (!(res < 1e3 * best)) {
+          fail = 1;
+          break;
+        }
+        if (res < 0.5 * best) {
+          best = res;
+          stall = 0;
+        } else if (++stall >= 10) {
+          fail = 2;
+          break;
+        }
       }
     }
     if (fail == 0 && res > tol) fail = 3;
@@ -206,10 +237,10 @@ IterativeOutcome iterate(const Analysis &an, const NumericFactor<T> &f, const T 
   return out;
 }
 
-#define ORB_REFINE(T)                                                                          \
+#define ORB_REFINE(T)                                                                            \
   template RefineOutcome refine(const Analysis &, const NumericFactor<T> &, const T *, int, int, \
-                                const T *, T *, int, bool, int);                               \
-  template IterativeOutcome iterate(const Analysis &, const NumericFactor<T> &, const T *, int, \
+                                const T *, T *, int, bool, int);                                 \
+  template IterativeOutcome iterate(const Analysis &, const NumericFactor<T> &, const T *, int,  \
                                     int, const T *, T *, bool, int, bool, int);
 ORB_REFINE(double)
 ORB_REFINE(c16)

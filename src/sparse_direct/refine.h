@@ -9,9 +9,9 @@
 namespace orb::sparse {
 
 struct RefineOutcome {
-  int steps = 0;            // the step reached
-  int status = 0;           // -112 when a stalled refinement left a large relative error
-  bool stopped_early = false;  // iparam(8) = 0 ended it at step 2 (iparam(20) := -34)
+  int steps = 0;                    // the step reached
+  int status = 0;                   // -112 when a stalled refinement left a large relative error
+  bool stopped_early = false;       // iparam(8) = 0 ended it at step 2 (iparam(20) := -34)
   double rel_res = 0, rel_err = 0;  // the last step's figures for the report
 };
 
@@ -34,7 +34,6 @@ struct IterativeOutcome {
 // the start X = 0.
 template <class T>
 IterativeOutcome iterate(const Analysis &an, const NumericFactor<T> &f, const T *a, int op,
-                         int nrhs, const T *b, T *x, bool cg, int digits, bool print,
-                         int threads);
+                         int nrhs, const T *b, T *x, bool cg, int digits, bool print, int threads);
 
 }  // namespace orb::sparse

@@ -25,8 +25,8 @@ namespace orb::sparse {
 
 using c16 = std::complex<double>;
 
-constexpr int kVersion = 106;    // iparam(64) on every call
-constexpr int kUnset = 777777;   // a working parameter not yet set; an empty table entry
+constexpr int kVersion = 106;     // iparam(64) on every call
+constexpr int kUnset = 777777;    // a working parameter not yet set; an empty table entry
 constexpr int kHandleWords = 18;  // words 0..17 of the caller's handle are used
 
 // Handle word numbers.
@@ -71,11 +71,11 @@ struct Factorization;
 
 // The internal state record.
 struct State {
-  int work[100];       // working parameters, kUnset at each analysis
-  double tolerance[4]; // 10.0, 1.0, 1.0e-12, 1.0e-30 from each analysis
-  int limits[7];       // 2147483647, 6, 2, 1, 1, 1, 10000 from each analysis
-  int maxfct = 0;      // the table's size, fixed at initialisation
-  int mtype = 0;       // the type analysed
+  int work[100];        // working parameters, kUnset at each analysis
+  double tolerance[4];  // 10.0, 1.0, 1.0e-12, 1.0e-30 from each analysis
+  int limits[7];        // 2147483647, 6, 2, 1, 1, 1, 10000 from each analysis
+  int maxfct = 0;       // the table's size, fixed at initialisation
+  int mtype = 0;        // the type analysed
   int n = 0;
   std::int64_t nnz = 0;  // stored entries at the analysis
   // Statistics of the last stages (msglvl > 0).
@@ -107,8 +107,8 @@ struct Analysis {
   std::vector<int> input_ptr;  // the caller's row starts at analysis (0-based)
   std::vector<int> input_col;  // the caller's columns at analysis (0-based)
   // Preprocessing: B = P Pm Dr A Dc P^T (unsymmetric) or P S A S P^T.
-  bool matched = false;          // rows permuted by the matching
-  std::vector<int> match_row;    // match_row[j]: the caller's row placed j-th
+  bool matched = false;                      // rows permuted by the matching
+  std::vector<int> match_row;                // match_row[j]: the caller's row placed j-th
   std::vector<double> row_scale, col_scale;  // empty when not scaled
   std::int64_t bytes() const;
 };
@@ -139,8 +139,8 @@ struct Call {
 // The front routine: queries, the diagonal shortcut, the thread count, then
 // the phase driver. Sets *error.
 void front(void **pt, const int *maxfct, const int *mnum, const int *mtype, const int *phase,
-           const int *n, const void *a, const int *ia, const int *ja, int *perm,
-           const int *nrhs, int *iparam, const int *msglvl, void *b, void *x, int *error);
+           const int *n, const void *a, const int *ia, const int *ja, int *perm, const int *nrhs,
+           int *iparam, const int *msglvl, void *b, void *x, int *error);
 
 // The phase driver: returns the error code of the call.
 int drive(const Call &call);
@@ -149,9 +149,9 @@ int drive(const Call &call);
 // the stored entry of each row taken as its diagonal. `solve` false checks
 // only. Return 0 or a failure status. The real one counts the signs of the
 // diagonal into *positive, *negative.
-int diagonal_solve_real(int n, int nrhs, const int *ia, const int *ja, const double *a,
-                        double *b, double *x, int over_b, bool solve, int threads,
-                        int *positive, int *negative);
+int diagonal_solve_real(int n, int nrhs, const int *ia, const int *ja, const double *a, double *b,
+                        double *x, int over_b, bool solve, int threads, int *positive,
+                        int *negative);
 int diagonal_solve_complex(int n, int nrhs, const int *ia, const int *ja, const c16 *a, c16 *b,
                            c16 *x, int over_b, bool solve, int threads);
 
