@@ -1,6 +1,7 @@
 // The phase driver: the handle's life, the parameter defaults, the stages
 // and the mapping of their outcomes onto the caller's error code, the memory
 // figures and the printed reports.
+#include <algorithm>
 #include <chrono>
 #include <cmath>
 #include <cstdio>
@@ -367,6 +368,37 @@ void print_statistics(const Call &c, const State *st, const Analysis *an, const 
   }
 }
 
+// msglvl > 1: the shape of the caller's rows before the analysis (a work
+// array of 16 bytes per equation).
+bool input_statistics(const Call &c, int base, Failure *fail) {
+  std::vector<std::int64_t> work;
+  try {
+    work.resize(2 * std::size_t(c.n));
+  } catch (const std::bad_alloc &) {
+    fail->stage = text::Stage::kInsufficientMemory;
+    fail->status = -2;
+    fail->detail = text::allocation_error(text::Storage::kWorkInt, std::int64_t(c.n) * 16);
+    return false;
+  }
+  std::int64_t shortest = c.n, longest = 0, missing_diagonal = 0;
+  for (int i = 0; i < c.n; ++i) {
+    work[2 * i] = c.ia[i + 1] - c.ia[i];
+    work[2 * i + 1] = 0;
+    for (int k = c.ia[i] - base; k < c.ia[i + 1] - base; ++k)
+      if (c.ja[k] - base == i) work[2 * i + 1] = 1;
+    shortest = std::min(shortest, work[2 * i]);
+    longest = std::max(longest, work[2 * i]);
+    missing_diagonal += 1 - work[2 * i + 1];
+  }
+  text::put("Statistics of the input matrix:");
+  text::put(text::format("    equations: %d, stored entries: %lld, entries per row: %lld to %lld",
+                         c.n, static_cast<long long>(c.ia[c.n] - base),
+                         static_cast<long long>(shortest), static_cast<long long>(longest)));
+  text::put(text::format("    rows without a stored diagonal entry: %lld",
+                         static_cast<long long>(missing_diagonal)));
+  return true;
+}
+
 }  // namespace
 
 int drive(const Call &c) {
@@ -516,6 +548,7 @@ int drive(const Call &c) {
       return finish(-2);
     }
     pt[kWordAnalysis] = an;
+    if (c.msglvl > 1 && !input_statistics(c, base, &fail)) return finish(-2);
     const auto t0 = Clock::now();
     int status = 0;
     std::int64_t bytes = 0;
