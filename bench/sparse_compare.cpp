@@ -38,7 +38,10 @@
 // ||A x - b||inf / (||A||inf ||x||inf + ||b||inf) for b = A x_true, the
 // worst over the rounds. Factor nonzeros: L with its diagonal for the
 // symmetric factorizations, L + U (diagonal once) for the unsymmetric ones;
-// MUMPS reports the entries of its fronts (INFOG(29)).
+// MUMPS reports the entries of its fronts (INFOG(29)); a '~' after the count
+// marks a count that changed between rounds (SCOTCH's orderings are not
+// reproducible run to run). Refinement: "ref" is the number of steps taken;
+// MUMPS (CNTL(2) = 0) and UMFPACK stop early once a step stops paying.
 //
 // TESSERA is looked up at run time, so the program builds and runs before
 // the solver is exported (its rows then say so). Built with
@@ -740,8 +743,9 @@ void mumps_run(void (*mumps)(Struc *), const Matrix &m, const std::vector<c16> &
   }
   id.icntl[0] = id.icntl[1] = id.icntl[2] = -1;  // no output
   id.icntl[3] = 0;
-  id.icntl[6] = 3;  // SCOTCH nested dissection
-  id.icntl[9] = 2;  // at most 2 refinement steps
+  id.icntl[6] = 3;   // SCOTCH nested dissection
+  id.icntl[9] = 2;   // at most 2 refinement steps,
+  id.cntl[1] = 0.0;  // stopping only when a step no longer halves the error
   id.n = m.n;
   id.nnz = static_cast<MUMPS_INT8>(irn.size());
   id.irn = irn.data();
@@ -950,7 +954,7 @@ void print_table(const Matrix &m, const std::vector<Row> &rows) {
     std::vector<double> an, fa, so, peak;
     double berr = 0, nnz = 0;
     int steps = -1;
-    bool failed = false, maxrss = false;
+    bool failed = false, maxrss = false, nnz_varies = false;
     const char *note = "";
     for (const Outcome &o : r.runs) {
       if (o.note[0]) note = o.note;
@@ -963,6 +967,7 @@ void print_table(const Matrix &m, const std::vector<Row> &rows) {
       so.push_back(o.solve);
       peak.push_back(o.peak_mb);
       berr = std::max(berr, o.berr);
+      if (nnz != 0 && nnz != o.factor_nnz) nnz_varies = true;
       nnz = o.factor_nnz;
       steps = o.refine_steps;
       maxrss = maxrss || o.peak_from_maxrss;
@@ -979,9 +984,9 @@ void print_table(const Matrix &m, const std::vector<Row> &rows) {
     const double of = orb_factor(r.job.threads);
     if (r.job.solver != Solver::kOrb && of > 0)
       std::snprintf(ratio, sizeof ratio, "%.2f", median(fa) / of);
-    std::printf("%9.3f %27s %9.4f %12.0f %9.2e %3d %8.1f%s %7s", median(an), spread, median(so),
-                nnz, berr, steps, *std::max_element(peak.begin(), peak.end()), maxrss ? "*" : " ",
-                ratio);
+    std::printf("%9.3f %27s %9.4f %11.0f%s %9.2e %3d %8.1f%s %7s", median(an), spread, median(so),
+                nnz, nnz_varies ? "~" : " ", berr, steps,
+                *std::max_element(peak.begin(), peak.end()), maxrss ? "*" : " ", ratio);
     if (note[0]) std::printf("  (%s)", note);
     std::printf("\n");
   }
