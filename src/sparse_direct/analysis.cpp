@@ -204,9 +204,13 @@ void column_counts(const Graph &g, const std::vector<int> &perm, const std::vect
     if (parent[j] != -1) count[parent[j]] += count[j];
 }
 
-// Dense blocks of complex single-precision values must stay addressable, and
-// so must the row indices.
-constexpr int64_t kMaxValues = std::numeric_limits<std::ptrdiff_t>::max() / 8;
+// Sizes the factor may reach: its row indices and its values (at least four
+// bytes each) must be addressable as arrays in this process, so that offsets
+// in row_ptr and value_ptr index them without overflowing; beyond that the
+// analysis reports kAnalysisOverflow. (On a 32-bit process, 2^29 entries;
+// whether the values of a given type fit in memory is the numerical
+// factorization's question.)
+constexpr int64_t kMaxValues = std::numeric_limits<std::ptrdiff_t>::max() / int64_t(sizeof(float));
 constexpr int64_t kMaxRows = std::numeric_limits<std::ptrdiff_t>::max() / int64_t(sizeof(int));
 
 int analyse_pattern(const Graph &g, Ordering ordering, const int *user_perm, Symbolic &out) {

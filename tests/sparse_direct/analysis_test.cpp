@@ -143,6 +143,31 @@ int64_t check(const Graph &g, const Symbolic &s) {
       flops += 0.5 * c * (c + 1);
     }
   }
+  // Fundamental supernodes are found: a column whose structure is its
+  // parent's plus itself, where the parent has no other child, shares its
+  // supernode; and a supernode made of such a chain alone holds no zeros.
+  std::vector<int> cnt(n, 0), eparent(n, -1), nchild(n, 0);
+  for (int j = 0; j < n; ++j)
+    for (int i = n - 1; i >= j; --i)
+      if (L[size_t(i) * n + j]) {
+        ++cnt[j];
+        if (i > j) eparent[j] = i;
+      }
+  for (int j = 0; j < n; ++j)
+    if (eparent[j] != -1) ++nchild[eparent[j]];
+  auto chained = [&](int j) {
+    return eparent[j] == j + 1 && nchild[j + 1] == 1 && cnt[j] == cnt[j + 1] + 1;
+  };
+  for (int j = 0; j + 1 < n; ++j)
+    if (chained(j)) {
+      EXPECT_EQ(s.super_of[j], s.super_of[j + 1]) << "column " << j;
+    }
+  for (int t = 0; t < ns; ++t) {
+    bool fundamental = true;
+    for (int j = s.first[t]; j + 1 < s.first[t + 1]; ++j) fundamental = fundamental && chained(j);
+    for (int j = s.first[t]; fundamental && j < s.first[t + 1]; ++j)
+      EXPECT_EQ(cnt[j], s.nrows(t) - (j - s.first[t])) << "supernode " << t;
+  }
   EXPECT_EQ(s.value_ptr[0], 0);
   EXPECT_EQ(s.value_ptr[ns], values);
   EXPECT_EQ(s.nnz_factor, nnz);
