@@ -37,8 +37,8 @@ static_assert(std::is_same<idx_t, int>::value,
 // ---------------------------------------------------------------------------
 constexpr int kMaxWidth = 256;
 struct RelaxRule {
-  int width;         // merged supernodes up to this many columns ...
-  double zero_part;  // ... may hold up to this fraction of explicit zeros
+  int width;             // merged supernodes up to this many columns ...
+  double zero_fraction;  // ... may hold up to this fraction of explicit zeros
 };
 constexpr RelaxRule kRelaxRules[] = {{8, 1.0}, {16, 0.1}, {48, 0.05}, {kMaxWidth, 0.03}};
 
@@ -49,7 +49,7 @@ inline int64_t trapezoid(int64_t k, int64_t below) {
 
 bool relaxed_merge_ok(int64_t width, int64_t zeros, int64_t entries) {
   for (const RelaxRule &r : kRelaxRules)
-    if (width <= r.width) return double(zeros) <= r.zero_part * double(entries);
+    if (width <= r.width) return double(zeros) <= r.zero_fraction * double(entries);
   return false;
 }
 
