@@ -78,4 +78,6 @@ if ! wine_ready; then
 fi
 # METIS for the Windows build, cross-compiled from Debian's source package.
 "$(dirname "$0")/build-metis-win32.sh"
+# AMD (SuiteSparse's minimum degree ordering) likewise.
+"$(dirname "$0")/build-amd-win32.sh"
 echo "install-deps: done"
