@@ -320,6 +320,7 @@ struct Factorizer {
           f.diag[2 * g + 3] = 0;
           f.pivot[s.n + g] = 1;
           f.pivot[s.n + g + 1] = 2;
+          at(k + 1, k) = 0;  // L is the identity inside the 2x2 block
           if (track) {
             const double dr = std::real(det);
             if (dr < 0) {

@@ -309,29 +309,35 @@ TEST(SparseNumeric, LdlTwoByTwoPivotsInWideSupernodes) {
 }
 
 TEST(SparseNumeric, LdlSaddlePoint) {
-  // [[A, C^T], [C, 0]]: each multiplier ordered before the nodes it couples,
-  // all within amalgamated supernodes.
+  // [[A, C^T], [C, 0]]: each multiplier ordered right before the nodes it
+  // couples, all within amalgamated supernodes.
   const int m = 12 * 12, k = 30;
   Entries<double> e = laplacian<double>(12, 12, 1, 0);
   std::mt19937 g(5);
   std::uniform_int_distribution<int> node(0, m - 1);
+  std::vector<int> order;
+  std::vector<char> placed(m, 0);
   for (int r = 0; r < k; ++r) {
+    order.push_back(m + r);
     for (int t = 0; t < 3; ++t) {
       const int c = node(g);
       const double v = 1.0 + t;
       e[{m + r, c}] += v;
       e[{c, m + r}] += v;
+      if (!placed[c]) order.push_back(c), placed[c] = 1;
     }
     e[{m + r, m + r}] += 0.0;
   }
   const auto a = testing::compress(m + k, e);
-  std::vector<int> order;
-  for (int r = 0; r < k; ++r) order.push_back(m + r);
-  for (int i = 0; i < m; ++i) order.push_back(i);
+  for (int i = 0; i < m; ++i)
+    if (!placed[i]) order.push_back(i);
   auto p = factor(a, order, options(FactorKind::kLdlSymmetric), Supernodes::kAmalgamated, 400);
   expect_solves(p, "saddle", 1e-12);
   EXPECT_EQ(p.report.positive, m);
   EXPECT_EQ(p.report.negative, k);
+  auto q =
+      factor(a, order, options(FactorKind::kLdlSymmetric, 0, false), Supernodes::kAmalgamated, 400);
+  EXPECT_EQ(q.report.status, kZeroPivot);
 }
 
 TEST(SparseNumeric, LuUnsymmetric) {
