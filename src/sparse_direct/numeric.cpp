@@ -529,7 +529,13 @@ struct Factorizer {
         apply_d(l21 + a, nr, cw, s.first[t], nc, wd, cw, false);
         gemm(threaded, Op::kNone, op, m, cw, nc, T(1), l21 + a, nr, wd, cw, T(0), cl, m);
       } else {
-        gemm(threaded, Op::kNone, op, m, cw, nc, T(1), l21 + a, nr, l21 + a, nr, T(0), cl, m);
+        // The lower triangle of the chunk's top square, then the rows below.
+        if (threaded)
+          blas::syrk_omp<T>(false, Op::kNone, true, cw, nc, T(1), l21 + a, nr, T(0), cl, m);
+        else
+          blas::syrk_serial<T>(false, Op::kNone, true, cw, nc, T(1), l21 + a, nr, T(0), cl, m);
+        gemm(threaded, Op::kNone, op, m - cw, cw, nc, T(1), l21 + b, nr, l21 + a, nr, T(0), cl + cw,
+             m);
       }
       tally.flops += (lu ? 4.0 : 2.0) * nc * (double(m) * cw - (lu ? 0.0 : cw * (cw - 1) / 2.0));
       // Scatter, column group by column group of one target supernode.
@@ -545,17 +551,30 @@ struct Factorizer {
           while (trows[p] != below[i]) ++p;
           w.rel[i] = p;
         }
+        // Rows i >= `dense` land on consecutive rows of the target.
+        int dense = nb - 1;
+        while (dense > j && w.rel[dense - 1] == w.rel[dense] - 1) --dense;
         T *tl = f.lower.data() + s.value_ptr[tg];
         T *tu = lu ? f.upper.data() + s.value_ptr[tg] : nullptr;
         for (int jj = j; jj < je; ++jj) {
           const std::ptrdiff_t col = std::ptrdiff_t(below[jj] - s.first[tg]) * ntr;
           const T *src = cl + std::ptrdiff_t(jj - a) * m - a;
+          const int split = std::max(jj, dense);
           T *dst = tl + col;
-          for (int i = jj; i < nb; ++i) dst[w.rel[i]] -= src[i];
+          for (int i = jj; i < split; ++i) dst[w.rel[i]] -= src[i];
+          if (split < nb) {
+            T *dd = dst + w.rel[split] - split;
+            for (int i = split; i < nb; ++i) dd[i] -= src[i];
+          }
           if (lu) {
             const T *su = cu + std::ptrdiff_t(jj - a) * m - a;
             T *du = tu + col;
-            for (int i = jj + 1; i < nb; ++i) du[w.rel[i]] -= su[i];
+            const int us = std::max(jj + 1, dense);
+            for (int i = jj + 1; i < us; ++i) du[w.rel[i]] -= su[i];
+            if (us < nb) {
+              T *dd = du + w.rel[us] - us;
+              for (int i = us; i < nb; ++i) dd[i] -= su[i];
+            }
           }
         }
         j = je;
