@@ -493,7 +493,7 @@ void expect_same_factor(const Sparse<T> &a, const std::vector<int> &order, Facto
   EXPECT_EQ(p1.report.flops, p2.report.flops);
   ASSERT_EQ(p1.f.lower.size(), p2.f.lower.size());
   EXPECT_EQ(0, std::memcmp(p1.f.lower.data(), p2.f.lower.data(), sizeof(T) * p1.f.lower.size()));
-  EXPECT_EQ(0, std::memcmp(p1.f.upper.data(), p2.f.upper.data(), sizeof(T) * p1.f.upper.size()));
+  EXPECT_EQ(p1.f.upper, p2.f.upper);
   EXPECT_EQ(p1.f.pivot, p2.f.pivot);
   EXPECT_LT(solve_residual(p2, SolveOp::kNone, 2, 2), 1e-13);
 }
