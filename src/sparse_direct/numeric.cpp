@@ -608,7 +608,8 @@ struct Factorizer {
 
 // Cuts the assembly tree into subtrees (roots listed increasing) and a top
 // part, from the supernodes' work alone.
-void cut_tree(const Symbolic &s, std::vector<int> *roots, std::vector<char> *top) {
+void cut_tree(const Symbolic &s, std::vector<int> *roots, std::vector<char> *top,
+              std::vector<double> *subtree_work) {
   const int ns = s.nsuper;
   std::vector<double> work(ns, 0);
   std::vector<int> child_ptr(ns + 1, 0), child(ns);
@@ -650,6 +651,8 @@ void cut_tree(const Symbolic &s, std::vector<int> *roots, std::vector<char> *top
     heap.pop();
   }
   std::sort(roots->begin(), roots->end());
+  subtree_work->clear();
+  for (int r : *roots) subtree_work->push_back(work[r]);
 }
 
 template <class T>
@@ -676,8 +679,15 @@ void factorize_impl(const Symbolic &s, const CscMatrix<T> &b, const FactorOption
   if (lu) fz.rows_of_upper(b);
   std::vector<int> roots;
   std::vector<char> top;
-  cut_tree(s, &roots, &top);
+  std::vector<double> sub_work;
+  cut_tree(s, &roots, &top, &sub_work);
   const int nsub = int(roots.size());
+  // The subtrees are taken largest first; the results do not depend on the
+  // order.
+  std::vector<int> sched(nsub);
+  for (int i = 0; i < nsub; ++i) sched[i] = i;
+  std::stable_sort(sched.begin(), sched.end(),
+                   [&](int x, int y) { return sub_work[x] > sub_work[y]; });
   std::vector<int> lo(nsub);
   {
     // The first supernode of each subtree: postorder makes subtrees ranges.
@@ -710,11 +720,11 @@ void factorize_impl(const Symbolic &s, const CscMatrix<T> &b, const FactorOption
         ok = false;
       }
 #pragma omp for schedule(dynamic, 1)
-      for (int i = 0; i < nsub; ++i) {
+      for (int q = 0; q < nsub; ++q) {
         if (ok)
-          run_subtree(i, w);
+          run_subtree(sched[q], w);
         else
-          no_memory[i] = 1;
+          no_memory[sched[q]] = 1;
       }
     }
   }

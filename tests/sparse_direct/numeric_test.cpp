@@ -511,6 +511,17 @@ TEST(SparseNumeric, OneAndTwoThreadsGiveTheSameFactor) {
           nx, ny, nz, c16(7, 0.2),
           [](int i, int j, int) { return i < j ? c16(-1.2, 0.3) : c16(-0.8, 0); }, false, false));
   expect_same_factor(z, order, FactorKind::kLu);
+
+  // A failing pivot is reported the same way.
+  auto e = laplacian<double>(nx, ny, nz, 0);
+  e[{1234, 1234}] = -1;
+  const auto bad = testing::compress(nx * ny * nz, e);
+  auto p1 = factor(bad, order, options(FactorKind::kCholesky, 0, true, 1));
+  auto p2 = factor(bad, order, options(FactorKind::kCholesky, 0, true, 2));
+  EXPECT_EQ(p1.report.status, kNotPositiveDefinite);
+  EXPECT_EQ(p2.report.status, kNotPositiveDefinite);
+  EXPECT_EQ(p1.report.failed_column, p2.report.failed_column);
+  EXPECT_EQ(p1.report.failed_column, p1.sym.iperm[1234] + 1);
 }
 
 }  // namespace
