@@ -28,4 +28,11 @@ struct Matching {
 int weighted_matching(int n, const int *col_ptr, const int *row, const double *absval,
                       Matching *out);
 
+// The symmetric scaling of a symmetric matrix given with its full pattern (both
+// triangles): scale_i = sqrt(row_scale_i * col_scale_i) of the matching above,
+// so that no entry of D |A| D, D = diag(scale), exceeds 1 and the matched ones
+// are 1. Returns the status codes of weighted_matching; `scale` gets n values.
+int symmetric_scaling(int n, const int *col_ptr, const int *row, const double *absval,
+                      std::vector<double> *scale);
+
 }  // namespace orb::sparse
