@@ -73,123 +73,118 @@ void build_costs(int n, const int *col_ptr, const int *row, const double *absval
   }
 }
 
-// Binary min-heap of rows keyed by an outside distance array, with each row's
-// place kept so that a shorter distance moves it up in place.
+// Binary min-heap of rows with their distances, each row's place kept so
+// that a shorter distance moves it up in place.
 class RowHeap {
  public:
-  explicit RowHeap(int n) : place_(n, -1) { rows_.reserve(64); }
+  explicit RowHeap(int n) : place_(n, -1) { items_.reserve(64); }
 
-  bool empty() const { return rows_.empty(); }
-  int top() const { return rows_.front(); }
+  bool empty() const { return items_.empty(); }
+  double top_key() const { return items_.front().key; }
 
-  // Inserts row i, or restores the order after its key has decreased.
-  void push_or_raise(int i, const double *key) {
+  // Inserts row i with distance d, or moves it up to its shorter distance d.
+  void push_or_raise(int i, double d) {
     int at = place_[i];
     if (at < 0) {
-      at = static_cast<int>(rows_.size());
-      rows_.push_back(i);
+      at = static_cast<int>(items_.size());
+      items_.push_back({d, i});
     }
-    sift_up(at, key);
+    sift_up(at, {d, i});
   }
 
-  int pop(const double *key) {
-    const int first = rows_.front();
+  int pop() {
+    const int first = items_.front().row;
     place_[first] = -1;
-    const int last = rows_.back();
-    rows_.pop_back();
-    if (!rows_.empty()) {
-      rows_[0] = last;
-      place_[last] = 0;
-      sift_down(0, key);
-    }
+    const Item last = items_.back();
+    items_.pop_back();
+    if (!items_.empty()) sift_down(last);
     return first;
   }
 
   void clear() {
-    for (int i : rows_) place_[i] = -1;
-    rows_.clear();
+    for (const Item &t : items_) place_[t.row] = -1;
+    items_.clear();
   }
 
  private:
-  void sift_up(int at, const double *key) {
-    const int i = rows_[at];
-    const double d = key[i];
-    while (at > 0) {
-      const int parent = (at - 1) / 2;
-      const int pr = rows_[parent];
-      if (key[pr] <= d) break;
-      rows_[at] = pr;
-      place_[pr] = at;
-      at = parent;
-    }
-    rows_[at] = i;
-    place_[i] = at;
+  struct Item {
+    double key;
+    int row;
+  };
+
+  void put(int at, const Item &t) {
+    items_[at] = t;
+    place_[t.row] = at;
   }
 
-  void sift_down(int at, const double *key) {
-    const int size = static_cast<int>(rows_.size());
-    const int i = rows_[at];
-    const double d = key[i];
+  void sift_up(int at, const Item &t) {
+    while (at > 0) {
+      const int parent = (at - 1) / 2;
+      if (items_[parent].key <= t.key) break;
+      put(at, items_[parent]);
+      at = parent;
+    }
+    put(at, t);
+  }
+
+  // Places t, taken from the end, starting at the root.
+  void sift_down(const Item &t) {
+    const int size = static_cast<int>(items_.size());
+    int at = 0;
     for (;;) {
       int child = 2 * at + 1;
       if (child >= size) break;
-      if (child + 1 < size && key[rows_[child + 1]] < key[rows_[child]]) ++child;
-      const int c = rows_[child];
-      if (key[c] >= d) break;
-      rows_[at] = c;
-      place_[c] = at;
+      if (child + 1 < size && items_[child + 1].key < items_[child].key) ++child;
+      if (items_[child].key >= t.key) break;
+      put(at, items_[child]);
       at = child;
     }
-    rows_[at] = i;
-    place_[i] = at;
+    put(at, t);
   }
 
-  std::vector<int> rows_;
+  std::vector<Item> items_;
   std::vector<int> place_;
 };
+
+// What the searches read of a row, together in one place.
+struct RowState {
+  double u = kInf;     // dual
+  double dist = kInf;  // tentative distance in the current search
+  int col = -1;        // matched column
+  int mark = 0;        // kFinal in the current search, kDead for good
+};
+constexpr int kFinal = 1;
+// Rows from which no free row can be reached; that stays so, since no
+// augmenting path can pass through them.
+constexpr int kDead = 2;
 
 // The matching state and the duals, with the work arrays of the searches.
 class Matcher {
  public:
   Matcher(int n, const CostGraph &g)
-      : n_(n),
-        g_(g),
-        u_(n, kInf),
-        v_(n, 0.0),
-        col_of_row_(n, -1),
-        row_of_col_(n, -1),
-        dist_(n, kInf),
-        from_(n, -1),
-        done_(n, 0),
-        heap_(n) {}
+      : n_(n), g_(g), rows_(n), v_(n, 0.0), row_of_col_(n, -1), from_(n, -1), heap_(n) {}
 
   void initial_duals();
   int cheap_matching();
   bool augment_from(int j0);
 
-  const std::vector<double> &u() const { return u_; }
+  double u(int i) const { return rows_[i].u; }
   const std::vector<int> &row_of_col() const { return row_of_col_; }
-  const std::vector<int> &col_of_row() const { return col_of_row_; }
 
  private:
-  double reduced(int k, int i, int j) const {
-    const double r = g_.cost[k] - u_[i] - v_[j];
-    return r > 0.0 ? r : 0.0;
-  }
   void match(int i, int j) {
     row_of_col_[j] = i;
-    col_of_row_[i] = j;
+    rows_[i].col = j;
   }
 
   int n_;
   const CostGraph &g_;
-  std::vector<double> u_, v_;
-  std::vector<int> col_of_row_, row_of_col_;
-  // Search state: tentative distances of rows, the column each was reached
-  // from, which rows are final, and the rows touched (to reset).
-  std::vector<double> dist_;
+  std::vector<RowState> rows_;
+  std::vector<double> v_;
+  std::vector<int> row_of_col_;
+  // The column each row was last reached from, and the rows touched by the
+  // current search (to reset).
   std::vector<int> from_;
-  std::vector<char> done_;
   std::vector<int> touched_, finished_;
   RowHeap heap_;
 };
@@ -200,16 +195,17 @@ class Matcher {
 void Matcher::initial_duals() {
   for (int j = 0; j < n_; ++j) {
     for (int k = g_.ptr[j]; k < g_.ptr[j + 1]; ++k) {
-      const int i = g_.row[k];
-      u_[i] = std::min(u_[i], g_.cost[k]);
+      double &u = rows_[g_.row[k]].u;
+      u = std::min(u, g_.cost[k]);
     }
   }
-  for (int i = 0; i < n_; ++i) {
-    if (u_[i] == kInf) u_[i] = 0.0;
+  for (RowState &r : rows_) {
+    if (r.u == kInf) r.u = 0.0;
   }
   for (int j = 0; j < n_; ++j) {
     double m = kInf;
-    for (int k = g_.ptr[j]; k < g_.ptr[j + 1]; ++k) m = std::min(m, g_.cost[k] - u_[g_.row[k]]);
+    for (int k = g_.ptr[j]; k < g_.ptr[j + 1]; ++k)
+      m = std::min(m, g_.cost[k] - rows_[g_.row[k]].u);
     v_[j] = m == kInf ? 0.0 : m;
   }
 }
@@ -219,11 +215,12 @@ void Matcher::initial_duals() {
 // column's list is walked once in that second pass, rows never being freed).
 // Returns the number matched.
 int Matcher::cheap_matching() {
+  auto tight = [&](int k, int j) { return g_.cost[k] - rows_[g_.row[k]].u - v_[j] <= 0.0; };
   int matched = 0;
   for (int j = 0; j < n_; ++j) {
     for (int k = g_.ptr[j]; k < g_.ptr[j + 1]; ++k) {
       const int i = g_.row[k];
-      if (col_of_row_[i] < 0 && g_.cost[k] - u_[i] - v_[j] <= 0.0) {
+      if (rows_[i].col < 0 && tight(k, j)) {
         match(i, j);
         ++matched;
         break;
@@ -235,9 +232,9 @@ int Matcher::cheap_matching() {
   for (int j = 0; j < n_; ++j) {
     if (row_of_col_[j] >= 0) continue;
     for (int k = g_.ptr[j]; k < g_.ptr[j + 1] && row_of_col_[j] < 0; ++k) {
+      if (!tight(k, j)) continue;
       const int i = g_.row[k];
-      if (g_.cost[k] - u_[i] - v_[j] > 0.0) continue;
-      const int jj = col_of_row_[i];
+      const int jj = rows_[i].col;
       if (jj < 0) {
         match(i, j);
         ++matched;
@@ -245,7 +242,7 @@ int Matcher::cheap_matching() {
       }
       for (int &q = next[jj]; q < g_.ptr[jj + 1]; ++q) {
         const int ii = g_.row[q];
-        if (col_of_row_[ii] >= 0 || g_.cost[q] - u_[ii] - v_[jj] > 0.0) continue;
+        if (rows_[ii].col >= 0 || !tight(q, jj)) continue;
         match(ii, jj);
         match(i, j);
         ++matched;
@@ -261,36 +258,39 @@ int Matcher::cheap_matching() {
 // with their distance in reduced costs; a matched row leads on to its column
 // at no cost. `best` is the shortest path to a free row seen so far, and the
 // search stops once no labelled row is closer. Returns false when no free row
-// can be reached (the matrix is then structurally singular); the duals and
-// the matching are left as they were.
+// can be reached (the matrix is then structurally singular); the matching and
+// the duals are left as they were, and the rows reached are dead.
 bool Matcher::augment_from(int j0) {
   double best = kInf;
   int best_row = -1;
   int j = j0;
   double dj = 0.0;
   for (;;) {
+    const double vj = v_[j];
     for (int k = g_.ptr[j]; k < g_.ptr[j + 1]; ++k) {
       const int i = g_.row[k];
-      if (done_[i]) continue;
-      const double d = dj + reduced(k, i, j);
+      RowState &r = rows_[i];
+      if (r.mark) continue;
+      const double d = dj + std::max(0.0, g_.cost[k] - r.u - vj);
       if (d >= best) continue;
-      if (col_of_row_[i] < 0) {
+      if (r.col < 0) {
         best = d;
         best_row = i;
         from_[i] = j;
-      } else if (d < dist_[i]) {
-        if (dist_[i] == kInf) touched_.push_back(i);
-        dist_[i] = d;
+      } else if (d < r.dist) {
+        if (r.dist == kInf) touched_.push_back(i);
+        r.dist = d;
         from_[i] = j;
-        heap_.push_or_raise(i, dist_.data());
+        heap_.push_or_raise(i, d);
       }
     }
-    if (heap_.empty() || dist_[heap_.top()] >= best) break;
-    const int i = heap_.pop(dist_.data());
-    done_[i] = 1;
+    if (heap_.empty() || heap_.top_key() >= best) break;
+    const int i = heap_.pop();
+    RowState &r = rows_[i];
+    r.mark = kFinal;
     finished_.push_back(i);
-    j = col_of_row_[i];
-    dj = dist_[i];
+    j = r.col;
+    dj = r.dist;
   }
 
   const bool found = best_row >= 0;
@@ -300,9 +300,10 @@ bool Matcher::augment_from(int j0) {
     // reduced cost, the rest stay nonnegative.
     v_[j0] += best;
     for (int i : finished_) {
-      const double shift = best - dist_[i];
-      u_[i] -= shift;
-      v_[col_of_row_[i]] += shift;
+      RowState &r = rows_[i];
+      const double shift = best - r.dist;
+      r.u -= shift;
+      v_[r.col] += shift;
     }
     int i = best_row;
     for (;;) {
@@ -313,12 +314,67 @@ bool Matcher::augment_from(int j0) {
       i = previous;
     }
   }
-  for (int i : touched_) dist_[i] = kInf;
-  for (int i : finished_) done_[i] = 0;
+  for (int i : touched_) rows_[i].dist = kInf;
+  for (int i : finished_) rows_[i].mark = found ? 0 : kDead;
   touched_.clear();
   finished_.clear();
   heap_.clear();
   return found;
+}
+
+// The matching of largest size and, for a structurally nonsingular matrix,
+// smallest cost; row_of_col gets -1 for the unmatched columns. Returns the
+// size of the matching.
+int solve(int n, const CostGraph &g, std::vector<int> *row_of_col, std::vector<double> *u) {
+  Matcher m(n, g);
+  m.initial_duals();
+  int matched = m.cheap_matching();
+  for (int j = 0; j < n && matched < n; ++j) {
+    if (m.row_of_col()[j] < 0 && m.augment_from(j)) ++matched;
+  }
+  *row_of_col = m.row_of_col();
+  u->resize(n);
+  for (int i = 0; i < n; ++i) (*u)[i] = m.u(i);
+  return matched;
+}
+
+// A structurally singular matrix: searches that found no free row have left
+// the duals unfit for the rows they reached. The matched rows and columns
+// form a square submatrix with a perfect matching; its optimal matching and
+// duals replace them.
+void solve_matched_block(int n, const CostGraph &g, int matched, std::vector<int> *row_of_col,
+                         std::vector<double> *u) {
+  std::vector<int> cols, rows, new_row(n, -1);
+  cols.reserve(matched);
+  rows.reserve(matched);
+  for (int j = 0; j < n; ++j) {
+    if ((*row_of_col)[j] < 0) continue;
+    cols.push_back(j);
+    new_row[(*row_of_col)[j]] = 0;
+  }
+  for (int i = 0; i < n; ++i) {
+    if (new_row[i] < 0) continue;
+    new_row[i] = static_cast<int>(rows.size());
+    rows.push_back(i);
+  }
+  CostGraph sub;
+  sub.ptr.assign(1, 0);
+  sub.ptr.reserve(matched + 1);
+  for (int j : cols) {
+    for (int k = g.ptr[j]; k < g.ptr[j + 1]; ++k) {
+      if (new_row[g.row[k]] < 0) continue;
+      sub.row.push_back(new_row[g.row[k]]);
+      sub.cost.push_back(g.cost[k]);
+    }
+    sub.ptr.push_back(static_cast<int>(sub.row.size()));
+  }
+  std::vector<int> sub_match;
+  std::vector<double> sub_u;
+  solve(matched, sub, &sub_match, &sub_u);
+  for (int c = 0; c < matched; ++c) {
+    (*row_of_col)[cols[c]] = rows[sub_match[c]];
+    (*u)[rows[c]] = sub_u[c];
+  }
 }
 
 double clamp_log(double s) {
@@ -328,27 +384,26 @@ double clamp_log(double s) {
 int matching_impl(int n, const int *col_ptr, const int *row, const double *absval, Matching *out) {
   CostGraph g;
   build_costs(n, col_ptr, row, absval, &g);
-  Matcher m(n, g);
-  m.initial_duals();
-  int matched = m.cheap_matching();
-  for (int j = 0; j < n && matched < n; ++j) {
-    if (m.row_of_col()[j] < 0 && m.augment_from(j)) ++matched;
-  }
+  std::vector<int> rc;
+  std::vector<double> u;
+  const int matched = solve(n, g, &rc, &u);
+  if (matched < n && matched > 0) solve_matched_block(n, g, matched, &rc, &u);
 
   // Logs of the scaling: rows from their duals, columns from the matched
   // entry so that it scales to 1 exactly up to rounding. Row and column
   // logs may trade a common constant; it is chosen to centre them about 0.
   std::vector<double> log_row(n, 0.0), log_col(n, 0.0);
-  const std::vector<int> &rc = m.row_of_col();
+  std::vector<char> row_used(n, 0);
   double lo = kInf, hi = -kInf;
   for (int j = 0; j < n; ++j) {
     const int i = rc[j];
     if (i < 0) continue;
+    row_used[i] = 1;
     for (int k = g.ptr[j]; k < g.ptr[j + 1]; ++k) {
       if (g.row[k] != i) continue;
       const double log_a = g.log_max[j] - g.cost[k];
-      log_row[i] = m.u()[i];
-      log_col[j] = -(log_row[i] + log_a);
+      log_row[i] = u[i];
+      log_col[j] = -(u[i] + log_a);
       lo = std::min({lo, log_row[i], -log_col[j]});
       hi = std::max({hi, log_row[i], -log_col[j]});
       break;
@@ -370,11 +425,10 @@ int matching_impl(int n, const int *col_ptr, const int *row, const double *absva
   if (matched == n) return kOk;
 
   // Free columns take the free rows in order, unscaled.
-  const std::vector<int> &cr = m.col_of_row();
   int i = 0;
   for (int j = 0; j < n; ++j) {
     if (rc[j] >= 0) continue;
-    while (cr[i] >= 0) ++i;
+    while (row_used[i]) ++i;
     out->row_of_col[j] = i++;
   }
   return kSingular;
