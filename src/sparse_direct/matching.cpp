@@ -342,8 +342,8 @@ int solve(int n, const CostGraph &g, std::vector<int> *row_of_col, std::vector<d
 // the duals unfit for the rows they reached. The matched rows and columns
 // form a square submatrix with a perfect matching; its optimal matching and
 // duals replace them.
-void solve_matched_part(int n, const CostGraph &g, int matched, std::vector<int> *row_of_col,
-                        std::vector<double> *u) {
+void solve_matched_block(int n, const CostGraph &g, int matched, std::vector<int> *row_of_col,
+                         std::vector<double> *u) {
   std::vector<int> cols, rows, new_row(n, -1);
   cols.reserve(matched);
   rows.reserve(matched);
@@ -387,7 +387,7 @@ int matching_impl(int n, const int *col_ptr, const int *row, const double *absva
   std::vector<int> rc;
   std::vector<double> u;
   const int matched = solve(n, g, &rc, &u);
-  if (matched < n && matched > 0) solve_matched_part(n, g, matched, &rc, &u);
+  if (matched < n && matched > 0) solve_matched_block(n, g, matched, &rc, &u);
 
   // Logs of the scaling: rows from their duals, columns from the matched
   // entry so that it scales to 1 exactly up to rounding. Row and column
