@@ -67,10 +67,14 @@ inline T phase(T x) {
   return a == 0 ? T(1) : x / a;
 }
 
-constexpr int kChunk = 192;     // columns of the update computed at once
-constexpr int kLdlPanel = 128;  // width of the pivoting panels of kLdl*
-constexpr int kLuPanel = 64;    // panel width of the dense LU
-constexpr int kRhsBlock = 64;   // right-hand sides per solve block
+constexpr int kChunk = 192;  // columns of the update computed at once
+// kLdl*: supernodes up to kLdlWhole columns pivot over their whole diagonal
+// block; wider ones over panels of kLdlPanel columns, so that most of their
+// work runs in the level-3 kernels.
+constexpr int kLdlWhole = 256;
+constexpr int kLdlPanel = 128;
+constexpr int kLuPanel = 64;   // panel width of the dense LU
+constexpr int kRhsBlock = 64;  // right-hand sides per solve block
 
 template <class T>
 void gemm(bool threaded, Op ta, Op tb, int m, int n, int k, T alpha, const T *a, int lda,
@@ -144,7 +148,7 @@ struct Factorizer {
     w.c.resize(std::max<std::size_t>(
         std::size_t(max_nb) * std::min(kChunk, std::max(max_nb, 1)) * (lu ? 2 : 1), max_nc));
     if (opt.kind == FactorKind::kLdlSymmetric || opt.kind == FactorKind::kLdlHermitian)
-      w.w.resize(std::max(std::size_t(max_nb + max_nc) * std::min(kLdlPanel, max_nc),
+      w.w.resize(std::max(std::size_t(max_nb + max_nc) * std::min(kLdlWhole, max_nc),
                           std::size_t(kChunk) * max_nc));
     w.rel.resize(std::max(max_nb, 1));
     w.perm.resize(std::max(max_nc, 1));
@@ -398,8 +402,9 @@ struct Factorizer {
     std::vector<int> &perm = w.perm;
     for (int k = 0; k < nc; ++k) perm[k] = k;
     const Op op = herm ? Op::kConjTrans : Op::kTrans;
-    for (int k0 = 0; k0 < nc; k0 += kLdlPanel) {
-      const int m = std::min(kLdlPanel, nc - k0), k1 = k0 + m;
+    const int panel = nc <= kLdlWhole ? nc : kLdlPanel;
+    for (int k0 = 0; k0 < nc; k0 += panel) {
+      const int m = std::min(panel, nc - k0), k1 = k0 + m;
       if (!ldl_square(t, l, nr, k0, m, perm, tally)) return false;
       const int below = nr - k1;
       if (below == 0) continue;
