@@ -3,7 +3,8 @@
 // Layout of the factor (all indices in pivot order):
 //  - `lower`: supernode s's block of nrows(s) x ncols(s) at value_ptr[s].
 //    kCholesky: L with its diagonal. kLdl*: unit L (the diagonal is not
-//    referenced). kLu: unit L below the diagonal of the top square.
+//    referenced). kLu: unit L below the diagonal of the top square (whose
+//    strictly upper part keeps a copy of U11, never read).
 //  - `upper` (kLu only): U^T in the same layout: the top square's lower
 //    triangle with the diagonal holds U11^T, the rows below U12^T.
 //  - `diag` (kLdl* only): 2n entries; diag[2j] is D(j, j) and diag[2j + 1]
@@ -66,10 +67,14 @@ inline T phase(T x) {
   return a == 0 ? T(1) : x / a;
 }
 
-constexpr int kChunk = 192;     // columns of the update computed at once
-constexpr int kLdlPanel = 128;  // width of the pivoting panels of kLdl*
-constexpr int kLuPanel = 64;    // panel width of the dense LU
-constexpr int kRhsBlock = 64;   // right-hand sides per solve block
+constexpr int kChunk = 192;  // columns of the update computed at once
+// kLdl*: supernodes up to kLdlWhole columns pivot over their whole diagonal
+// block; wider ones over panels of kLdlPanel columns, so that most of their
+// work runs in the level-3 kernels.
+constexpr int kLdlWhole = 256;
+constexpr int kLdlPanel = 128;
+constexpr int kLuPanel = 64;   // panel width of the dense LU
+constexpr int kRhsBlock = 64;  // right-hand sides per solve block
 
 template <class T>
 void gemm(bool threaded, Op ta, Op tb, int m, int n, int k, T alpha, const T *a, int lda,
@@ -107,7 +112,6 @@ template <class T>
 struct Work {
   std::vector<T> c;  // update chunk (two for kLu)
   std::vector<T> w;  // L D rows, or the panel's L D
-  std::vector<T> f;  // kLu: the dense diagonal block
   std::vector<int> rel;
   std::vector<int> perm;
 };
@@ -144,9 +148,8 @@ struct Factorizer {
     w.c.resize(std::max<std::size_t>(
         std::size_t(max_nb) * std::min(kChunk, std::max(max_nb, 1)) * (lu ? 2 : 1), max_nc));
     if (opt.kind == FactorKind::kLdlSymmetric || opt.kind == FactorKind::kLdlHermitian)
-      w.w.resize(std::max(std::size_t(max_nb + max_nc) * std::min(kLdlPanel, max_nc),
+      w.w.resize(std::max(std::size_t(max_nb + max_nc) * std::min(kLdlWhole, max_nc),
                           std::size_t(kChunk) * max_nc));
-    if (lu) w.f.resize(std::size_t(max_nc) * max_nc);
     w.rel.resize(std::max(max_nb, 1));
     w.perm.resize(std::max(max_nc, 1));
   }
@@ -399,8 +402,9 @@ struct Factorizer {
     std::vector<int> &perm = w.perm;
     for (int k = 0; k < nc; ++k) perm[k] = k;
     const Op op = herm ? Op::kConjTrans : Op::kTrans;
-    for (int k0 = 0; k0 < nc; k0 += kLdlPanel) {
-      const int m = std::min(kLdlPanel, nc - k0), k1 = k0 + m;
+    const int panel = nc <= kLdlWhole ? nc : kLdlPanel;
+    for (int k0 = 0; k0 < nc; k0 += panel) {
+      const int m = std::min(panel, nc - k0), k1 = k0 + m;
       if (!ldl_square(t, l, nr, k0, m, perm, tally)) return false;
       const int below = nr - k1;
       if (below == 0) continue;
@@ -447,11 +451,12 @@ struct Factorizer {
     const int nr = s.nrows(t), nc = s.ncols(t), nb = nr - nc;
     T *l = f.lower.data() + s.value_ptr[t];
     T *u = f.upper.data() + s.value_ptr[t];
-    T *a = w.f.data();
-    auto F = [&](int i, int j) -> T & { return a[i + std::ptrdiff_t(j) * nc]; };
+    // The diagonal block is factored in place in the top square of `lower`,
+    // whose strictly upper part takes U11 (it is not referenced later).
+    T *a = l;
+    auto F = [&](int i, int j) -> T & { return a[i + std::ptrdiff_t(j) * nr]; };
     for (int j = 0; j < nc; ++j)
-      for (int i = 0; i < nc; ++i)
-        F(i, j) = i >= j ? l[i + std::ptrdiff_t(j) * nr] : u[j + std::ptrdiff_t(i) * nr];
+      for (int i = 0; i < j; ++i) F(i, j) = u[j + std::ptrdiff_t(i) * nr];
     std::vector<int> &perm = w.perm;
     for (int k = 0; k < nc; ++k) perm[k] = k;
     for (int k0 = 0; k0 < nc; k0 += kLuPanel) {
@@ -475,27 +480,25 @@ struct Factorizer {
         }
       }
       if (k1 < nc) {
-        trsm(threaded, Triangular{true, false, Op::kNone, true}, k1 - k0, nc - k1, &F(k0, k0), nc,
-             &F(k0, k1), nc);
-        gemm(threaded, Op::kNone, Op::kNone, nc - k1, nc - k1, k1 - k0, T(-1), &F(k1, k0), nc,
-             &F(k0, k1), nc, T(1), &F(k1, k1), nc);
+        trsm(threaded, Triangular{true, false, Op::kNone, true}, k1 - k0, nc - k1, &F(k0, k0), nr,
+             &F(k0, k1), nr);
+        gemm(threaded, Op::kNone, Op::kNone, nc - k1, nc - k1, k1 - k0, T(-1), &F(k1, k0), nr,
+             &F(k0, k1), nr, T(1), &F(k1, k1), nr);
       }
     }
     for (int j = 0; j < nc; ++j)
-      for (int i = j; i < nc; ++i) {
-        l[i + std::ptrdiff_t(j) * nr] = i == j ? T(1) : F(i, j);
-        u[i + std::ptrdiff_t(j) * nr] = F(j, i);
-      }
+      for (int i = j; i < nc; ++i) u[i + std::ptrdiff_t(j) * nr] = F(j, i);
     if (nb > 0) {
-      trsm(threaded, Triangular{false, true, Op::kNone, false}, nb, nc, a, nc, l + nc, nr);
+      trsm(threaded, Triangular{false, true, Op::kNone, false}, nb, nc, a, nr, l + nc, nr);
       // U12^T's columns follow the row interchanges.
       T *tmp = w.c.data();
       for (int i = 0; i < nb; ++i) {
         for (int j = 0; j < nc; ++j) tmp[j] = u[nc + i + std::ptrdiff_t(perm[j]) * nr];
         for (int j = 0; j < nc; ++j) u[nc + i + std::ptrdiff_t(j) * nr] = tmp[j];
       }
-      trsm(threaded, Triangular{false, false, Op::kTrans, true}, nb, nc, a, nc, u + nc, nr);
+      trsm(threaded, Triangular{false, false, Op::kTrans, true}, nb, nc, a, nr, u + nc, nr);
     }
+    for (int j = 0; j < nc; ++j) F(j, j) = T(1);
     for (int k = 0; k < nc; ++k) f.pivot[s.first[t] + k] = s.first[t] + perm[k];
     const double mc = nc, mb = nb;
     tally.flops += 2 * (2 * mc * mc * mc / 3 + 2 * mb * mc * mc);

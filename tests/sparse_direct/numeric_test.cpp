@@ -459,7 +459,7 @@ void check_steps(const Problem<T> &p, SolveOp op) {
   EXPECT_LT(residual(p.full, op, nrhs, all.data(), b.data(), n), 1e-13);
 }
 
-TEST(SparseNumeric, PartialStepsEqualWholeSolveAndManyRightHandSides) {
+TEST(SparseNumeric, StepwiseSolveEqualsWholeSolveAndManyRightHandSides) {
   const auto s = testing::compress(14 * 14, laplacian<double>(14, 14, 1, 2.1));
   auto pl = factor(s, grid_dissection(14, 14, 1), options(FactorKind::kLdlSymmetric),
                    Supernodes::kAmalgamated);
