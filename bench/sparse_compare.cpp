@@ -36,8 +36,10 @@
 // the round is repeated --reps times; the tables give medians, the
 // factorization with its [min, max] over the rounds. The backward error is
 // ||A x - b||inf / (||A||inf ||x||inf + ||b||inf) for b = A x_true, the
-// worst over the rounds. Factor nonzeros: L with its diagonal for the
-// symmetric factorizations, L + U (diagonal once) for the unsymmetric ones;
+// worst over the rounds. Factor nonzeros: the entries stored, L with its
+// diagonal for the symmetric factorizations (ORB and CHOLMOD: the dense
+// supernode blocks, explicit zeros of amalgamation included, CHOLMOD's
+// exact count in parentheses), L + U (diagonal once) for the unsymmetric ones;
 // MUMPS reports the entries of its fronts (INFOG(29)); a '~' after the count
 // marks a count that changed between rounds (SCOTCH's orderings are not
 // reproducible run to run). Refinement: "ref" is the number of steps taken;
@@ -628,6 +630,11 @@ void run_cholmod(const Matrix &m, const std::vector<c16> &b, int threads,
     t = now();
     if (cholmod_factorize(A, L, &c) && c.status == CHOLMOD_OK) {
       o->factor = now() - t;
+      // Its supernodes' storage, beside ORB's, which also counts the blocks.
+      if (L->is_super) {
+        o->factor_nnz = double(L->xsize);
+        set_note(o, "exact nnz(L) %ld", static_cast<long>(c.lnz));
+      }
       t = now();
       X = cholmod_solve(CHOLMOD_A, L, B, &c);
       if (X) o->solve = now() - t;

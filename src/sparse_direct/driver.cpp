@@ -226,7 +226,9 @@ int factor_stage(const Call &c, State *st, Analysis *an, Factorization *fz, Fail
   opt.pivot_floor = (an->kind == FactorKind::kCholesky || p10 <= 0)
                         ? 0
                         : std::pow(10.0, -double(p10)) * (largest > 0 ? largest : 1.0);
-  opt.threads = c.threads;
+  // A small factorization runs faster on one thread than a team can start.
+  constexpr double kTeamFlops = 3e8;
+  opt.threads = an->symbolic.flops < kTeamFlops ? 1 : c.threads;
   fz->pivot_floor = opt.pivot_floor;
   FactorReport rep;
   const auto t0 = Clock::now();
