@@ -28,6 +28,108 @@ bool symmetric_type(int mtype) {
   return mtype == 2 || mtype == -2 || mtype == 4 || mtype == -4 || mtype == 6;
 }
 
+// Symmetric indefinite matrices with zero (or negligible) diagonal entries,
+// saddle points above all, break a pivot order that eliminates such an
+// equation before its neighbours: its pivot is zero, and its perturbation
+// lets the factor grow without bound. Each such equation is paired with the
+// neighbour of largest coupling whose own diagonal is not negligible; the
+// ordering works on the graph with each pair merged into one vertex and
+// eliminates the neighbour right before it, so that its pivot is -b^2 / d
+// and not zero. Returns the pairs' count; mate[v] is v's partner or -1.
+int pair_zero_diagonals(int n, const int *ptr, const int *col, const std::vector<double> &mag,
+                        const std::vector<double> &diag, std::vector<int> *mate) {
+  double largest = 0;
+  for (int i = 0; i < n; ++i)
+    for (int k = ptr[i]; k < ptr[i + 1]; ++k) largest = std::max(largest, mag[k]);
+  const double negligible = 1e-8 * largest;
+  std::vector<char> tiny(n);
+  int count = 0;
+  for (int i = 0; i < n; ++i) count += tiny[i] = diag[i] <= negligible;
+  mate->assign(n, -1);
+  if (count == 0 || largest == 0) return 0;
+  // The candidates of each negligible-diagonal equation.
+  std::vector<int> cp(n + 1, 0);
+  auto visit = [&](auto &&take) {
+    for (int i = 0; i < n; ++i)
+      for (int k = ptr[i]; k < ptr[i + 1]; ++k) {
+        const int c = col[k];
+        if (c <= i || mag[k] == 0) continue;
+        if (tiny[i] && !tiny[c]) take(i, c, mag[k]);
+        if (tiny[c] && !tiny[i]) take(c, i, mag[k]);
+      }
+  };
+  visit([&](int p, int, double) { ++cp[p + 1]; });
+  for (int i = 0; i < n; ++i) cp[i + 1] += cp[i];
+  std::vector<int> cand(cp[n]);
+  std::vector<double> weight(cp[n]);
+  std::vector<int> next(cp.begin(), cp.end() - 1);
+  visit([&](int p, int f, double w) {
+    cand[next[p]] = f;
+    weight[next[p]++] = w;
+  });
+  int pairs = 0;
+  for (int p = 0; p < n; ++p) {
+    int best = -1;
+    for (int k = cp[p]; k < cp[p + 1]; ++k)
+      if ((*mate)[cand[k]] < 0 && (best < 0 || weight[k] > weight[best])) best = k;
+    if (best < 0) continue;
+    (*mate)[p] = cand[best];
+    (*mate)[cand[best]] = p;
+    ++pairs;
+  }
+  return pairs;
+}
+
+// The ordering of `g` with the pairs of `mate` kept together, the partner of
+// larger diagonal first: the quotient graph of the pairs is ordered, then
+// expanded. Returns an analysis status; *order gets order[new] = old.
+int paired_order(const Graph &g, const std::vector<int> &mate, const std::vector<double> &diag,
+                 Ordering ordering, int threads, std::vector<int> *order) {
+  const int n = g.n;
+  std::vector<int> rep(n);
+  int nc = 0;
+  for (int v = 0; v < n; ++v) rep[v] = (mate[v] >= 0 && mate[v] < v) ? rep[mate[v]] : nc++;
+  std::vector<int> first_member(nc, -1), mark(nc, -1);
+  for (int v = 0; v < n; ++v)
+    if (first_member[rep[v]] < 0) first_member[rep[v]] = v;
+  Graph q;
+  q.n = nc;
+  q.ptr.assign(nc + 1, 0);
+  for (int c = 0; c < nc; ++c) {
+    const int v = first_member[c];
+    const std::size_t start = q.adj.size();
+    mark[c] = c;
+    for (int w : {v, mate[v]}) {
+      if (w < 0) continue;
+      for (int k = g.ptr[w]; k < g.ptr[w + 1]; ++k) {
+        const int r = rep[g.adj[k]];
+        if (mark[r] == c) continue;
+        mark[r] = c;
+        q.adj.push_back(r);
+      }
+    }
+    std::sort(q.adj.begin() + std::ptrdiff_t(start), q.adj.end());
+    q.ptr[c + 1] = int(q.adj.size());
+  }
+  Symbolic qs;
+  const int st = analyse(q, ordering, nullptr, threads, &qs);
+  if (st != kAnalysisOk) return st;
+  order->clear();
+  order->reserve(n);
+  for (int k = 0; k < nc; ++k) {
+    const int v = first_member[qs.perm[k]];
+    const int w = mate[v];
+    if (w < 0) {
+      order->push_back(v);
+    } else {
+      const bool v_first = diag[v] >= diag[w];
+      order->push_back(v_first ? v : w);
+      order->push_back(v_first ? w : v);
+    }
+  }
+  return kAnalysisOk;
+}
+
 }  // namespace
 
 bool check_matrix(int n, const int *ia, const int *ja, int base, bool symmetric, bool full,
@@ -121,12 +223,14 @@ int build_analysis(const Call &call, int base, Analysis *an, int *status,
 
     // Magnitudes of the stored values, for the matching.
     const bool unsym = an->kind == FactorKind::kLu;
-    // The preprocessing belongs to the unsymmetric types 11 and 13 and the
-    // indefinite ones; the structurally symmetric types 1 and 3 have none.
+    // The preprocessing belongs to the unsymmetric types 11 and 13 (the
+    // matching with iparam(13), its scaling with iparam(11) as well) and the
+    // indefinite ones (the symmetric scaling with both); the structurally
+    // symmetric types 1 and 3 and the definite ones have none.
     const bool general = call.mtype == 11 || call.mtype == 13;
-    const bool want_matching = general
-                                   ? (ip[10] == 1 || ip[12] > 0)
-                                   : an->kind != FactorKind::kCholesky && symmetric && ip[12] > 0;
+    const bool want_matching =
+        general ? ip[12] > 0
+                : an->kind != FactorKind::kCholesky && symmetric && ip[12] > 0 && ip[10] == 1;
     an->matched = false;
     an->row_scale.clear();
     an->col_scale.clear();
@@ -188,7 +292,7 @@ int build_analysis(const Call &call, int base, Analysis *an, int *status,
         if (st == 1) return -2;
         // A structurally singular matrix keeps its rows: the factorization's
         // perturbation deals with it.
-        if (ip[12] > 0 && st == 0) {
+        if (st == 0) {
           an->matched = true;
           an->match_row = m.row_of_col;
         }
@@ -236,8 +340,26 @@ int build_analysis(const Call &call, int base, Analysis *an, int *status,
         user[p] = i;
       }
     }
-    const int st =
-        analyse(g, ordering, user.empty() ? nullptr : user.data(), call.threads, &an->symbolic);
+    int st = kAnalysisOk;
+    bool ordered = false;
+    if (ordering != Ordering::kUser && symmetric && an->kind != FactorKind::kCholesky) {
+      std::vector<double> mag(nnz), diag(n, 0.0);
+      for (std::int64_t k = 0; k < nnz; ++k)
+        mag[k] = an->complex ? std::abs(static_cast<const c16 *>(call.a)[k])
+                             : std::fabs(static_cast<const double *>(call.a)[k]);
+      for (int i = 0; i < n; ++i)
+        for (int k = ptr[i]; k < ptr[i + 1]; ++k)
+          if (col[k] == i) diag[i] = std::max(diag[i], mag[k]);
+      std::vector<int> mate;
+      if (pair_zero_diagonals(n, ptr, col, mag, diag, &mate) > 0) {
+        st = paired_order(g, mate, diag, ordering, call.threads, &user);
+        if (st == kAnalysisOk)
+          st = analyse(g, Ordering::kUser, user.data(), call.threads, &an->symbolic);
+        ordered = true;
+      }
+    }
+    if (!ordered)
+      st = analyse(g, ordering, user.empty() ? nullptr : user.data(), call.threads, &an->symbolic);
     *status = st;
     if (st == kAnalysisNoMemory) return -2;
     if (st == kAnalysisBadPerm) return -1;

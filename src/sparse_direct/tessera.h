@@ -65,6 +65,8 @@ enum WorkSlot : int {
   kWorkNegative = 4,
   kWorkIparam26 = 5,  // iparam(26) as it was at the analysis
   kWorkFailedEq = 6,  // equation of a non-positive pivot (1-based)
+  kWorkMatching = 7,  // iparam(13) of the analysis (types -2, -4, 6, 11, 13), else 0
+  kWorkScaling = 8,   // 1 when the matching's scaling goes with it (iparam(11) = 1)
 };
 
 struct Factorization;

@@ -455,9 +455,24 @@ TEST(TesseraSolve, EveryTypeSolvesItsProblems) {
   auto shifted = grid<double>(30, true, 4 - 1.3, -1, -1, -1, -1);  // indefinite
   EXPECT_LT(solve13(shifted, -2, 2, &err), 1e-12);
   EXPECT_EQ(err, 0);
-  auto sp = saddle(20);
-  EXPECT_LT(solve13(sp, -2, 1, &err), 1e-10);
+  // The saddle point's zero diagonal: each multiplier is eliminated right
+  // after a coupled unknown, so no pivot needs perturbing and the inertia is
+  // exact (one negative eigenvalue per multiplier).
+  auto sp = saddle(30);
+  int perturbed = -1, negative = -1;
+  EXPECT_LT(solve13(sp, -2, 1, &err, 0,
+                    [&](Solver &s) {
+                      s.iparam[0] = 0;
+                      s.call<double>(11, sp, nullptr, nullptr);
+                      std::vector<double> b = rhs<double>(sp.n, 1), x(sp.n);
+                      s.call(22, sp, b.data(), x.data());
+                      perturbed = s.iparam[13];
+                      negative = s.iparam[22];
+                    }),
+            1e-12);
   EXPECT_EQ(err, 0);
+  EXPECT_EQ(perturbed, 0);
+  EXPECT_EQ(negative, 30 * 30 / 2);
   auto cd = grid<double>(30, false, 4, -1.4, -0.6, -1.2, -0.8);  // convection-diffusion
   for (int mt : {1, 11})
     for (int op : {0, 1, 2}) {
