@@ -777,6 +777,32 @@ void factorize_impl(const Symbolic &s, const CscMatrix<T> &b, const FactorOption
 
 // ---- the substitutions ------------------------------------------------------------
 
+// sum_i op(a_i) b_i over n entries, op the conjugate when `c`, in four
+// interleaved partial sums so that the loop vectorises.
+template <class T>
+T dot4(const T *a, const T *b, int n, bool c) {
+  T s0(0), s1(0), s2(0), s3(0);
+  int i = 0;
+  if (c && kComplex<T>) {
+    for (; i + 3 < n; i += 4) {
+      s0 += cj(a[i]) * b[i];
+      s1 += cj(a[i + 1]) * b[i + 1];
+      s2 += cj(a[i + 2]) * b[i + 2];
+      s3 += cj(a[i + 3]) * b[i + 3];
+    }
+    for (; i < n; ++i) s0 += cj(a[i]) * b[i];
+  } else {
+    for (; i + 3 < n; i += 4) {
+      s0 += a[i] * b[i];
+      s1 += a[i + 1] * b[i + 1];
+      s2 += a[i + 2] * b[i + 2];
+      s3 += a[i + 3] * b[i + 3];
+    }
+    for (; i < n; ++i) s0 += a[i] * b[i];
+  }
+  return (s0 + s1) + (s2 + s3);
+}
+
 template <class T>
 struct Solver {
   const Symbolic &s;
@@ -796,12 +822,31 @@ struct Solver {
       const T *a = m.data() + s.value_ptr[t];
       for (int r = 0; r < nrhs; ++r)
         for (int i = 0; i < nc; ++i) top[i + r * nc] = X(permute ? f.pivot[f0 + i] : f0 + i, r);
-      trsm(false, Triangular{true, false, Op::kNone, unit}, nc, nrhs, a, nr, top.data(), nc);
+      if (nrhs == 1) {
+        // One right-hand side: column sweeps, no packing.
+        for (int j = 0; j < nc; ++j) {
+          const T *col = a + std::ptrdiff_t(j) * nr;
+          if (!unit) top[j] /= col[j];
+          const T v = top[j];
+          for (int i = j + 1; i < nc; ++i) top[i] -= col[i] * v;
+        }
+      } else {
+        trsm(false, Triangular{true, false, Op::kNone, unit}, nc, nrhs, a, nr, top.data(), nc);
+      }
       for (int r = 0; r < nrhs; ++r)
         for (int i = 0; i < nc; ++i) X(f0 + i, r) = top[i + r * nc];
       if (nb == 0) continue;
-      gemm(false, Op::kNone, Op::kNone, nb, nrhs, nc, T(1), a + nc, nr, top.data(), nc, T(0),
-           bot.data(), nb);
+      if (nrhs == 1) {
+        std::fill(bot.begin(), bot.begin() + nb, T(0));
+        for (int j = 0; j < nc; ++j) {
+          const T v = top[j];
+          const T *col = a + nc + std::ptrdiff_t(j) * nr;
+          for (int i = 0; i < nb; ++i) bot[i] += col[i] * v;
+        }
+      } else {
+        gemm(false, Op::kNone, Op::kNone, nb, nrhs, nc, T(1), a + nc, nr, top.data(), nc, T(0),
+             bot.data(), nb);
+      }
       const int *rb = s.rows.data() + s.row_ptr[t] + nc;
       for (int r = 0; r < nrhs; ++r)
         for (int i = 0; i < nb; ++i) X(rb[i], r) -= bot[i + r * nb];
@@ -820,10 +865,27 @@ struct Solver {
         const int *rb = s.rows.data() + s.row_ptr[t] + nc;
         for (int r = 0; r < nrhs; ++r)
           for (int i = 0; i < nb; ++i) bot[i + r * nb] = X(rb[i], r);
-        gemm(false, op, Op::kNone, nc, nrhs, nb, T(-1), a + nc, nr, bot.data(), nb, T(1),
-             top.data(), nc);
+        if (nrhs == 1) {
+          const bool c = op == Op::kConjTrans;
+          for (int j = 0; j < nc; ++j) {
+            const T *col = a + nc + std::ptrdiff_t(j) * nr;
+            top[j] -= dot4(col, bot.data(), nb, c);
+          }
+        } else {
+          gemm(false, op, Op::kNone, nc, nrhs, nb, T(-1), a + nc, nr, bot.data(), nb, T(1),
+               top.data(), nc);
+        }
       }
-      trsm(false, Triangular{true, false, op, unit}, nc, nrhs, a, nr, top.data(), nc);
+      if (nrhs == 1) {
+        const bool c = op == Op::kConjTrans;
+        for (int j = nc - 1; j >= 0; --j) {
+          const T *col = a + std::ptrdiff_t(j) * nr;
+          const T sum = top[j] - dot4(col + j + 1, top.data() + j + 1, nc - j - 1, c);
+          top[j] = unit ? sum : sum / cj_if(col[j], c);
+        }
+      } else {
+        trsm(false, Triangular{true, false, op, unit}, nc, nrhs, a, nr, top.data(), nc);
+      }
       for (int r = 0; r < nrhs; ++r)
         for (int i = 0; i < nc; ++i) X(permute ? f.pivot[f0 + i] : f0 + i, r) = top[i + r * nc];
     }
