@@ -159,8 +159,8 @@ void reset_working(State *st, const Call &c) {
   for (int i = 0; i < 4; ++i) st->tolerance[i] = tol[i];
   for (int i = 0; i < 7; ++i) st->limits[i] = limits[i];
   st->work[kWorkIparam26] = c.iparam[25];
-  const bool preprocessed = c.mtype == -2 || c.mtype == -4 || c.mtype == 6 || c.mtype == 11 ||
-                            c.mtype == 13;
+  const bool preprocessed =
+      c.mtype == -2 || c.mtype == -4 || c.mtype == 6 || c.mtype == 11 || c.mtype == 13;
   st->work[kWorkMatching] = preprocessed && c.iparam[12] > 0 ? c.iparam[12] : 0;
   st->work[kWorkScaling] = st->work[kWorkMatching] > 0 && c.iparam[10] == 1 ? 1 : 0;
   st->mtype = c.mtype;

@@ -47,19 +47,6 @@ using blas::Triangular;
 template <class T>
 constexpr bool kComplex = is_complex_v<T>;
 
-template <class T>
-inline T cj(T x) {
-  if constexpr (kComplex<T>)
-    return std::conj(x);
-  else
-    return x;
-}
-
-template <class T>
-inline T cj_if(T x, bool c) {
-  return c ? cj(x) : x;
-}
-
 // x / |x| with 1 for zero (the sign or phase a perturbed pivot keeps).
 template <class T>
 inline T phase(T x) {
@@ -252,10 +239,10 @@ struct Factorizer {
     for (int i = b + 1; i < nr - k0; ++i) std::swap(at(i, a), at(i, b));
     for (int j = a + 1; j < b; ++j) {
       T t = at(j, a);
-      at(j, a) = cj_if(at(b, j), herm);
-      at(b, j) = cj_if(t, herm);
+      at(j, a) = orb::conj_if(at(b, j), herm);
+      at(b, j) = orb::conj_if(t, herm);
     }
-    at(b, a) = cj_if(at(b, a), herm);
+    at(b, a) = orb::conj_if(at(b, a), herm);
     std::swap(at(a, a), at(b, b));
   }
 
@@ -304,15 +291,15 @@ struct Factorizer {
             herm ? T(std::real(d11) * std::real(d22) - std::norm(d21)) : d11 * d22 - d21 * d21;
         if (det == T(0) || !std::isfinite(std::abs(det))) two = false;
         if (two) {
-          const T c = cj_if(d21, herm);
+          const T c = orb::conj_if(d21, herm);
           for (int i = k + 2; i < m; ++i) {
             const T a1 = at(i, k), a2 = at(i, k + 1);
             at(i, k) = (a1 * d22 - a2 * d21) / det;
             at(i, k + 1) = (a2 * d11 - a1 * c) / det;
           }
           for (int j = k + 2; j < m; ++j) {
-            const T w1 = cj_if(at(j, k) * d11 + at(j, k + 1) * d21, herm);
-            const T w2 = cj_if(at(j, k) * c + at(j, k + 1) * d22, herm);
+            const T w1 = orb::conj_if(at(j, k) * d11 + at(j, k + 1) * d21, herm);
+            const T w2 = orb::conj_if(at(j, k) * c + at(j, k + 1) * d22, herm);
             for (int i = j; i < m; ++i) at(i, j) -= at(i, k) * w1 + at(i, k + 1) * w2;
             if (herm) at(j, j) = std::real(at(j, j));
           }
@@ -343,7 +330,7 @@ struct Factorizer {
       at(k, k) = d;
       for (int i = k + 1; i < m; ++i) at(i, k) /= d;
       for (int j = k + 1; j < m; ++j) {
-        const T w = cj_if(at(j, k), herm) * d;
+        const T w = orb::conj_if(at(j, k), herm) * d;
         for (int i = j; i < m; ++i) at(i, j) -= at(i, k) * w;
         if (herm) at(j, j) = std::real(at(j, j));
       }
@@ -365,7 +352,7 @@ struct Factorizer {
       const T d11 = f.diag[2 * gk];
       if (f.pivot[s.n + gk] == 1) {
         const T d21 = f.diag[2 * gk + 1], d22 = f.diag[2 * gk + 2];
-        const T c = cj_if(d21, herm);
+        const T c = orb::conj_if(d21, herm);
         const T *x1 = x + std::ptrdiff_t(k) * ldx, *x2 = x1 + ldx;
         T *y1 = y + std::ptrdiff_t(k) * ldy, *y2 = y1 + ldy;
         if (inverse) {
@@ -785,12 +772,12 @@ T dot4(const T *a, const T *b, int n, bool c) {
   int i = 0;
   if (c && kComplex<T>) {
     for (; i + 3 < n; i += 4) {
-      s0 += cj(a[i]) * b[i];
-      s1 += cj(a[i + 1]) * b[i + 1];
-      s2 += cj(a[i + 2]) * b[i + 2];
-      s3 += cj(a[i + 3]) * b[i + 3];
+      s0 += orb::conj(a[i]) * b[i];
+      s1 += orb::conj(a[i + 1]) * b[i + 1];
+      s2 += orb::conj(a[i + 2]) * b[i + 2];
+      s3 += orb::conj(a[i + 3]) * b[i + 3];
     }
-    for (; i < n; ++i) s0 += cj(a[i]) * b[i];
+    for (; i < n; ++i) s0 += orb::conj(a[i]) * b[i];
   } else {
     for (; i + 3 < n; i += 4) {
       s0 += a[i] * b[i];
@@ -881,7 +868,7 @@ struct Solver {
         for (int j = nc - 1; j >= 0; --j) {
           const T *col = a + std::ptrdiff_t(j) * nr;
           const T sum = top[j] - dot4(col + j + 1, top.data() + j + 1, nc - j - 1, c);
-          top[j] = unit ? sum : sum / cj_if(col[j], c);
+          top[j] = unit ? sum : sum / orb::conj_if(col[j], c);
         }
       } else {
         trsm(false, Triangular{true, false, op, unit}, nc, nrhs, a, nr, top.data(), nc);
@@ -898,7 +885,7 @@ struct Solver {
         const T d11 = f.diag[2 * j];
         if (f.pivot[n + j] == 1) {
           const T d21 = f.diag[2 * j + 1], d22 = f.diag[2 * j + 2];
-          const T c = cj_if(d21, herm);
+          const T c = orb::conj_if(d21, herm);
           const T det =
               herm ? T(std::real(d11) * std::real(d22) - std::norm(d21)) : d11 * d22 - d21 * d21;
           const T b1 = X(j, r), b2 = X(j + 1, r);

@@ -5,24 +5,12 @@
 #include <new>
 #include <numeric>
 
+#include "common/scalar.h"
 #include "sparse_direct/messages.h"
 
 namespace orb::sparse {
 
 namespace {
-
-double magnitude(double v) {
-  return std::fabs(v);
-}
-double magnitude(const c16 &v) {
-  return std::abs(v);
-}
-double conj_of(double v) {
-  return v;
-}
-c16 conj_of(const c16 &v) {
-  return std::conj(v);
-}
 
 bool symmetric_type(int mtype) {
   return mtype == 2 || mtype == -2 || mtype == 4 || mtype == -4 || mtype == 6;
@@ -444,14 +432,14 @@ double assemble(const Analysis &an, const T *a, std::vector<T> *val) {
     for (int k = an.input_ptr[i]; k < an.input_ptr[i + 1]; ++k) {
       const std::int64_t d = an.dest[k];
       if (d < 0) continue;
-      T v = an.conj[k] ? conj_of(a[k]) : a[k];
+      T v = an.conj[k] ? orb::conj(a[k]) : a[k];
       if (scaled) {
         const int c = an.input_col[k];
         v *= symmetric ? an.row_scale[i] * an.row_scale[c] : an.row_scale[i] * an.col_scale[c];
       }
       (*val)[d] += v;
     }
-  for (const T &v : *val) largest = std::max(largest, magnitude(v));
+  for (const T &v : *val) largest = std::max(largest, std::abs(v));
   return largest;
 }
 
@@ -469,14 +457,14 @@ void multiply(const Analysis &an, const T *a, int op, const T *x, T *y) {
       // complex symmetric one and the transpose of a Hermitian one.
       const bool cj = an.complex && ((op == 1 && !hermitian) || (op == 2 && hermitian));
       T acc(0);
-      const T xi = cj ? conj_of(x[i]) : x[i];
+      const T xi = cj ? orb::conj(x[i]) : x[i];
       for (int k = begin; k < end; ++k) {
         const int c = an.input_col[k];
         if (c < i) continue;
         const T v = a[k];
-        const T xc = cj ? conj_of(x[c]) : x[c];
+        const T xc = cj ? orb::conj(x[c]) : x[c];
         acc += v * xc;
-        if (c != i) y[c] += (hermitian ? conj_of(v) : v) * xi;
+        if (c != i) y[c] += (hermitian ? orb::conj(v) : v) * xi;
       }
       y[i] += acc;
       continue;
@@ -488,13 +476,13 @@ void multiply(const Analysis &an, const T *a, int op, const T *x, T *y) {
     } else {
       const T xi = x[i];
       for (int k = begin; k < end; ++k) {
-        const T v = op == 1 ? conj_of(a[k]) : a[k];
+        const T v = op == 1 ? orb::conj(a[k]) : a[k];
         y[an.input_col[k]] += v * xi;
       }
     }
   }
   if (symmetric && an.complex && ((op == 1 && !hermitian) || (op == 2 && hermitian)))
-    for (int i = 0; i < n; ++i) y[i] = conj_of(y[i]);
+    for (int i = 0; i < n; ++i) y[i] = orb::conj(y[i]);
 }
 
 template <class T>
@@ -536,7 +524,7 @@ void direct_solve(const Analysis &an, const NumericFactor<T> &f, int op, int ste
         i = s.perm[k];
         if (scaled) w = an.col_scale[i];
       }
-      zr[k] = conj_sym ? T(conj_of(br[i]) * w) : T(br[i] * w);
+      zr[k] = conj_sym ? T(orb::conj(br[i]) * w) : T(br[i] * w);
     }
   }
   solve(s, f, sop, steps, nrhs, z.data(), n, threads);
@@ -557,7 +545,7 @@ void direct_solve(const Analysis &an, const NumericFactor<T> &f, int op, int ste
         i = an.matched ? an.match_row[j] : j;
         if (scaled) w = an.row_scale[i];
       }
-      xr[i] = conj_sym ? T(conj_of(zr[k]) * w) : T(zr[k] * w);
+      xr[i] = conj_sym ? T(orb::conj(zr[k]) * w) : T(zr[k] * w);
     }
   }
 }

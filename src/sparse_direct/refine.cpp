@@ -3,6 +3,7 @@
 #include <cmath>
 #include <vector>
 
+#include "common/scalar.h"
 #include "sparse_direct/messages.h"
 #include "sparse_direct/prepare.h"
 
@@ -10,23 +11,10 @@ namespace orb::sparse {
 
 namespace {
 
-double mag(double v) {
-  return std::fabs(v);
-}
-double mag(const c16 &v) {
-  return std::abs(v);
-}
-double cj(double v) {
-  return v;
-}
-c16 cj(const c16 &v) {
-  return std::conj(v);
-}
-
 template <class T>
 double sum_abs(const T *v, std::size_t len) {
   double s = 0;
-  for (std::size_t i = 0; i < len; ++i) s += mag(v[i]);
+  for (std::size_t i = 0; i < len; ++i) s += std::abs(v[i]);
   return s;
 }
 
@@ -43,7 +31,7 @@ void residual(const Analysis &an, const T *a, int op, int nrhs, const T *b, cons
 template <class T>
 T dot(const T *x, const T *y, int n) {
   T s(0);
-  for (int i = 0; i < n; ++i) s += cj(x[i]) * y[i];
+  for (int i = 0; i < n; ++i) s += orb::conj(x[i]) * y[i];
   return s;
 }
 
