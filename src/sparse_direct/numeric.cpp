@@ -743,12 +743,58 @@ void factorize_impl(const Symbolic &s, const CscMatrix<T> &b, const FactorOption
     std::vector<int> owner(s.nsuper, -1);
     for (int i = 0; i < nsub; ++i)
       for (int t = lo[i]; t <= roots[i]; ++t) owner[t] = i;
+    // Those updates as tasks, one per block of kChunk columns of a top
+    // supernode: a task writes only its own columns, and adds the
+    // contributions of the subtrees' supernodes in increasing order, so the
+    // tasks run in parallel and every sum keeps one order whatever the
+    // thread count.
+    struct Piece {
+      int t, c0, c1;
+    };
+    std::vector<std::vector<Piece>> tasks;
+    std::vector<int> task_base(s.nsuper, -1);
+    for (int t = 0; t < s.nsuper; ++t) {
+      if (!top[t]) continue;
+      task_base[t] = int(tasks.size());
+      tasks.resize(tasks.size() + (s.ncols(t) + kChunk - 1) / kChunk);
+    }
     for (int t = 0; t < s.nsuper; ++t) {
       if (top[t]) continue;
       const int nc = s.ncols(t), nb = s.nrows(t) - nc;
       const int *rb = s.rows.data() + s.row_ptr[t] + nc;
-      const int inside = int(std::lower_bound(rb, rb + nb, s.first[roots[owner[t]] + 1]) - rb);
-      fz.update(t, inside, nb, threaded, w, all);
+      int c0 = int(std::lower_bound(rb, rb + nb, s.first[roots[owner[t]] + 1]) - rb);
+      while (c0 < nb) {
+        const int tg = s.super_of[rb[c0]];
+        const int block = (rb[c0] - s.first[tg]) / kChunk;
+        const int end = std::min(s.first[tg + 1], s.first[tg] + (block + 1) * kChunk);
+        const int c1 = int(std::lower_bound(rb + c0, rb + nb, end) - rb);
+        tasks[task_base[tg] + block].push_back({t, c0, c1});
+        c0 = c1;
+      }
+    }
+    const int ntasks = int(tasks.size());
+    const int team = threaded ? std::max(1, std::min(opt.threads, ntasks)) : 1;
+    std::vector<Tally> team_tally(team);
+    std::vector<char> team_no_memory(team, 0);
+#pragma omp parallel num_threads(team) if (team > 1)
+    {
+      const int me = omp_get_thread_num();
+      Work<T> tw;
+      bool ok = true;
+      try {
+        fz.reserve(tw);
+      } catch (const std::bad_alloc &) {
+        ok = false;
+        team_no_memory[me] = 1;
+      }
+#pragma omp for schedule(dynamic, 1)
+      for (int q = 0; q < ntasks; ++q)
+        if (ok)
+          for (const Piece &u : tasks[q]) fz.update(u.t, u.c0, u.c1, false, tw, team_tally[me]);
+    }
+    for (int i = 0; i < team; ++i) {
+      if (team_no_memory[i]) throw std::bad_alloc();
+      all.flops += team_tally[i].flops;
     }
     for (int t = 0; t < s.nsuper && all.status == kFactorOk; ++t)
       if (top[t]) fz.node(t, s.n, threaded, w, all);
