@@ -7,7 +7,8 @@
 // The d and e updates never read the vectors, so the rotations of the
 // sweeps are only recorded, and go to VT, U and C a batch of sweeps at a
 // time through lasr3, which passes over each matrix once per batch instead
-// of once per sweep. Without vectors the same iteration runs alone.
+// of once per sweep. Without vectors the values come from dqds (lasq1),
+// the iteration only finishing what dqds may leave.
 #include "lapack/svd.h"
 
 #include <algorithm>
@@ -351,6 +352,12 @@ int bdsqr_batched(Uplo uplo, int n, int ncvt, int nru, int ncc, real_t<T> *d, re
   using R = real_t<T>;
   if (n <= 0) return 0;
   int info = 0;
+  if (n > 1 && ncvt <= 0 && nru <= 0 && ncc <= 0) {
+    // Values only: dqds, the QR iteration finishing what it leaves.
+    info = lasq1(n, d, e, work);
+    if (info != 2) return info;
+    info = 0;
+  }
   if (n > 1) {
     if (uplo == Uplo::kLower) {
       // B = Q L: rotate the lower bidiagonal to upper, Q going to U and C.

@@ -22,4 +22,11 @@ template <class T>
 int bdsqr_batched(Uplo uplo, int n, int ncvt, int nru, int ncc, real_t<T> *d, real_t<T> *e, T *vt,
                   int ldvt, T *u, int ldu, T *c, int ldc, real_t<T> *work, int batch);
 
+// Singular values of the n x n bidiagonal (d, e), descending in d, by the
+// dqds algorithm on its squares (published xLASQ1; dqds.cpp). work: 4n
+// reals. INFO 2: dqds did not finish; d and e then hold a bidiagonal with
+// the same singular values for another method to finish.
+template <class R>
+int lasq1(int n, R *d, R *e, R *work);
+
 }  // namespace orb::lapack
