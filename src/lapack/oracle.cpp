@@ -66,6 +66,9 @@ constexpr Row kRows[] = {
     // vectors of order 2000: 8.0 s sweep by sweep, 1.8 s in batches of 16,
     // 1.48 of 32, 1.39 of 64 (1000: 32 and 64 best)
     {"BDSQR", "SDCZ", 32, 2, 0},
+    // the tridiagonal QL/QR: the sweeps gathered before they go to Z
+    // together, as for the bidiagonal QR
+    {"STEQR", "SDCZ", 32, 2, 0},
     // QR with column pivoting: blocks of 32 pivot steps, the last 32
     // columns (or fewer) one by one
     {"GEQP3", "SDCZ", 32, 2, 32},
