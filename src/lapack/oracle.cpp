@@ -90,6 +90,14 @@ constexpr Row kRows[] = {
     {"UNMLQ", "CZ", 32, 2, 128},
     {"ORMQL", "SD", 32, 2, 128},
     {"UNMQL", "CZ", 32, 2, 128},
+    // reduction to tridiagonal form: panels of nb reflectors, the unblocked
+    // reduction below the crossover. LATRD's crossover is the order from
+    // which the panel's products run on a team, SYTD3's that of the
+    // trailing rank-2k step
+    {"SYTRD", "SD", 32, 2, 128},
+    {"HETRD", "CZ", 32, 2, 128},
+    {"LATRD", "SDCZ", 1, 2, 256},
+    {"SYTD3", "SDCZ", 1, 2, 128},
 };
 
 // The routine's name as the table spells it, and its precision letter.
