@@ -94,8 +94,8 @@ constexpr Row kRows[] = {
     // reduction below the crossover. LATRD's crossover is the order from
     // which the panel's products run on a team, SYTD3's that of the
     // trailing rank-2k step
-    {"SYTRD", "SD", 32, 2, 128},
-    {"HETRD", "CZ", 32, 2, 128},
+    {"SYTRD", "SD", 32, 2, 32},
+    {"HETRD", "CZ", 32, 2, 32},
     {"LATRD", "SDCZ", 1, 2, 256},
     {"SYTD3", "SDCZ", 1, 2, 128},
 };
@@ -307,6 +307,21 @@ bool is_orm(const Name &n) {
   return false;
 }
 
+// Query 3 for the tridiagonal reduction's panel ("LATRD") with a team:
+// the order from which its products are split. ORB_LATRD_TEAM_FROM (a
+// positive order, read once) moves it, for timing and for the testers.
+int latrd_team_crossover(int fallback) {
+  static const int from = [fallback] {
+    char buf[16];
+    if (platform::env_get("ORB_LATRD_TEAM_FROM", buf, sizeof buf) > 0) {
+      const int v = std::atoi(buf);
+      if (v > 0) return v;
+    }
+    return fallback;
+  }();
+  return from;
+}
+
 }  // namespace
 
 int oracle(int query, const char *name, const char *opts, int n1, int n2, int n3, int n4,
@@ -334,6 +349,7 @@ int oracle(int query, const char *name, const char *opts, int n1, int n2, int n3
       if (is_routine(n, "LASR3")) return lasr3_crossover(n2);
       if (is_routine(n, "GEQRF") && threads >= 2) return geqrf_team_crossover();
       if (is_orm(n) && threads >= 2) return orm_team_crossover(n1, n2);
+      if (is_routine(n, "LATRD") && row) return latrd_team_crossover(row->nx);
       return row ? row->nx : 0;
     case kShifts:
       return 6;

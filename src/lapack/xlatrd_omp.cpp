@@ -6,12 +6,12 @@
 // C the not yet updated trailing matrix and A_p, W_p the panel's earlier
 // columns. The product with C, read from its stored triangle only, is what
 // costs. It is cut into a fixed number of column blocks of equal area (by
-// the order alone, not by the team): each block gives its own partial y,
-// the partials are added in block order, and the short products, the
-// scaling and the dot product are cut into fixed row slices the same way.
-// Threads take blocks and slices round robin, so any team gives the bits
-// of one thread. Thread 0 brings the next column up to date and makes its
-// reflector between the steps.
+// the order alone, not by the team): each block gives its own partial y.
+// Threads take the blocks, and the two short products, round robin; then
+// thread 0 adds the partials in block order, applies the corrections, tau
+// and the dot product, and brings the next column up to date and makes its
+// reflector while the others wait: two waits a step, and any team gives
+// the bits of one thread.
 #include <omp.h>
 
 #include <algorithm>
@@ -105,46 +105,43 @@ class Panel {
           short_product(task - parts, m, row0, col, iw, v);
       }
       bar_.wait();
-      // Row slices: the partials added, the panel's corrections, tau and
-      // the slice's part of y^H v.
-      const int done = upper_ ? nb_ - 1 - iw : iw;  // earlier columns of the panel
-      const int pc = upper_ ? col + 1 : 0;          // their first column in A
-      const int pw = upper_ ? iw + 1 : 0;           // and in W
-      for (int s = tid; s < parts; s += team) {
-        int lo, hi;
-        slice(m, parts, s, lo, hi);
-        if (hi <= lo) {
-          dots_[s] = T(0);
-          continue;
-        }
-        add_partials(m, y, lo, hi, parts);
-        gemv(Op::kNone, hi - lo, done, T(-1), A(row0 + lo, pc), lda_, w1_.data(), 1, T(1), y + lo,
-             1);
-        gemv(Op::kNone, hi - lo, done, T(-1), W(row0 + lo, pw), ldw_, w2_.data(), 1, T(1), y + lo,
-             1);
-        T dot(0);
-        for (int r = lo; r < hi; ++r) {
-          y[r] = mul(tau, y[r]);
-          dot += mul(conj(y[r]), v[r]);
-        }
-        dots_[s] = dot;
-      }
-      bar_.wait();
-      T dot(0);
-      for (int s = 0; s < parts; ++s) dot += dots_[s];
-      const T alpha = mul(T(real_t<T>(-0.5)) * tau, dot);
-      for (int s = tid; s < parts; s += team) {
-        int lo, hi;
-        slice(m, parts, s, lo, hi);
-        for (int r = lo; r < hi; ++r) y[r] += mul(alpha, v[r]);
-      }
-      bar_.wait();
+      if (tid == 0) finish(m, row0, col, iw, v, y, tau, parts);
     }
   }
 
  private:
   T *A(int i, int j) { return a_ + i + static_cast<std::ptrdiff_t>(j) * lda_; }
   T *W(int i, int j) { return w_ + i + static_cast<std::ptrdiff_t>(j) * ldw_; }
+
+  // The rest of the step on thread 0, while the others wait for the next
+  // reflector: by the fixed row slices, the partials added, the panel's
+  // corrections, tau and the slice's part of y^H v; then y := y - (tau/2)
+  // (y^H v) v.
+  void finish(int m, int row0, int col, int iw, const T *v, T *y, T tau, int parts) {
+    const int done = upper_ ? nb_ - 1 - iw : iw;  // earlier columns of the panel
+    const int pc = upper_ ? col + 1 : 0;          // their first column in A
+    const int pw = upper_ ? iw + 1 : 0;           // and in W
+    T dots[kMaxParts];
+    for (int s = 0; s < parts; ++s) {
+      int lo, hi;
+      slice(m, parts, s, lo, hi);
+      dots[s] = T(0);
+      if (hi <= lo) continue;
+      add_partials(m, y, lo, hi, parts);
+      gemv(Op::kNone, hi - lo, done, T(-1), A(row0 + lo, pc), lda_, w1_.data(), 1, T(1), y + lo, 1);
+      gemv(Op::kNone, hi - lo, done, T(-1), W(row0 + lo, pw), ldw_, w2_.data(), 1, T(1), y + lo, 1);
+      T dot(0);
+      for (int r = lo; r < hi; ++r) {
+        y[r] = mul(tau, y[r]);
+        dot += mul(conj(y[r]), v[r]);
+      }
+      dots[s] = dot;
+    }
+    T dot(0);
+    for (int s = 0; s < parts; ++s) dot += dots[s];
+    const T alpha = mul(T(real_t<T>(-0.5)) * tau, dot);
+    for (int r = 0; r < m; ++r) y[r] += mul(alpha, v[r]);
+  }
 
   // Column col brought up to date with the panel's earlier reflectors and W
   // columns, then its reflector made (thread 0).
@@ -261,7 +258,6 @@ class Panel {
   int ldw_;
   Barrier bar_;
   std::vector<T> partial_, w1_, w2_;
-  T dots_[kMaxParts] = {};
 };
 
 }  // namespace latrd_detail
