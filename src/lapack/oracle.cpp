@@ -91,13 +91,17 @@ constexpr Row kRows[] = {
     {"ORMQL", "SD", 32, 2, 128},
     {"UNMQL", "CZ", 32, 2, 128},
     // reduction to tridiagonal form: panels of nb reflectors, the unblocked
-    // reduction below the crossover. LATRD's crossover is the order from
-    // which the panel's products run on a team, SYTD3's that of the
-    // trailing rank-2k step
+    // reduction below the crossover (at 256 on one thread, 32 took 10 % fewer
+    // instructions than 128: the unblocked rank-2 updates cost more than the
+    // panels). LATRD's crossover is the order from which the panel's
+    // products run on a team: it waits twice a step, and on a machine whose
+    // other jobs kept both cores busy a team at 1000 took 1.2 s against
+    // 0.14 s on one thread, so only large orders split. SYTD3's is that of
+    // the trailing rank-2k step, one parallel region a panel
     {"SYTRD", "SD", 32, 2, 32},
     {"HETRD", "CZ", 32, 2, 32},
-    {"LATRD", "SDCZ", 1, 2, 256},
-    {"SYTD3", "SDCZ", 1, 2, 128},
+    {"LATRD", "SDCZ", 1, 2, 2000},
+    {"SYTD3", "SDCZ", 1, 2, 256},
 };
 
 // The routine's name as the table spells it, and its precision letter.

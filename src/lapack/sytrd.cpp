@@ -7,6 +7,7 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "blas/level1/level1.h"
 #include "blas/level2/level2.h"
 #include "lapack/eigen.h"
 #include "lapack/householder.h"
@@ -29,14 +30,6 @@ void make_real(T &x) {
   if constexpr (is_complex_v<T>) x = T(x.real());
 }
 
-// x^H y.
-template <class T>
-T dotc(int n, const T *x, const T *y) {
-  T s(0);
-  for (int i = 0; i < n; ++i) s += mul(conj(x[i]), y[i]);
-  return s;
-}
-
 // One reflector's two-sided update of the m x m triangle C with v (its
 // first element one) and tau: x := tau C v, x := x - (tau/2)(x^H v) v,
 // C := C - v x^H - x v^H. x is the caller's m-element scratch.
@@ -44,8 +37,8 @@ template <class T>
 void reflect_both_sides(bool upper, int m, T *c, int ldc, const T *v, T tau, T *x) {
   constexpr bool herm = is_complex_v<T>;
   blas::level2::symv(upper, m, tau, c, ldc, v, 1, T(0), x, 1, herm);
-  const T alpha = mul(T(real_t<T>(-0.5)) * tau, dotc(m, x, v));
-  for (int k = 0; k < m; ++k) x[k] += mul(alpha, v[k]);
+  const T alpha = mul(T(real_t<T>(-0.5)) * tau, blas::dotc(m, x, 1, v, 1));
+  blas::axpy(m, alpha, v, 1, x, 1);
   blas::level2::syr2(upper, m, T(-1), v, 1, x, 1, c, ldc, herm);
 }
 

@@ -18,6 +18,7 @@
 #include <cstddef>
 #include <vector>
 
+#include "blas/level1/level1.h"
 #include "blas/level2/level2.h"
 #include "blas/level3/level3.h"
 #include "common/scalar.h"
@@ -130,17 +131,13 @@ class Panel {
       add_partials(m, y, lo, hi, parts);
       gemv(Op::kNone, hi - lo, done, T(-1), A(row0 + lo, pc), lda_, w1_.data(), 1, T(1), y + lo, 1);
       gemv(Op::kNone, hi - lo, done, T(-1), W(row0 + lo, pw), ldw_, w2_.data(), 1, T(1), y + lo, 1);
-      T dot(0);
-      for (int r = lo; r < hi; ++r) {
-        y[r] = mul(tau, y[r]);
-        dot += mul(conj(y[r]), v[r]);
-      }
-      dots[s] = dot;
+      blas::scal(hi - lo, tau, y + lo, 1);
+      dots[s] = blas::dotc(hi - lo, y + lo, 1, v + lo, 1);
     }
     T dot(0);
     for (int s = 0; s < parts; ++s) dot += dots[s];
     const T alpha = mul(T(real_t<T>(-0.5)) * tau, dot);
-    for (int r = 0; r < m; ++r) y[r] += mul(alpha, v[r]);
+    blas::axpy(m, alpha, v, 1, y, 1);
   }
 
   // Column col brought up to date with the panel's earlier reflectors and W
