@@ -36,6 +36,9 @@ namespace latrd_detail {
 using labrd_detail::Barrier;
 using labrd_detail::slice;
 
+// The columns of C a product takes at a time.
+constexpr int kPanel = 32;
+
 // The most blocks and slices a step is cut into.
 constexpr int kMaxParts = 4;
 
@@ -185,7 +188,10 @@ class Panel {
   // Columns [c0, c1) of the m x m C (stored triangle at c) times v, block
   // `part` of `parts`. The block that reaches every row (the first below
   // the diagonal, the last above) writes y itself; the others their own
-  // partial, upper: rows [0, c1), lower: rows [c0, m).
+  // partial, upper: rows [0, c1), lower: rows [c0, m). The block goes by
+  // panels of kPanel columns: the panel's triangle on the diagonal column
+  // by column, its rectangle off the diagonal by two products, the second
+  // reading it again from cache.
   void block_product(int m, const T *c, const T *v, T *y, int part, int parts) {
     const int c0 = blas::level3_boundary(m, part, parts, 8, upper_ ? 1 : 2);
     const int c1 = blas::level3_boundary(m, part + 1, parts, 8, upper_ ? 1 : 2);
@@ -193,19 +199,31 @@ class Panel {
     T *p = direct ? y : partial_of(part, parts);
     const int r0 = direct ? 0 : (upper_ ? 0 : c0), r1 = direct ? m : (upper_ ? c1 : m);
     std::fill(p + r0, p + r1, T(0));
-    const auto axpy_dot = blas::level2::kernels<T>().axpy_dot.get();
+    auto &k = blas::level2::kernels<T>();
+    const auto axpy_dot = k.axpy_dot.get();
+    const auto gemv_n = k.gemv_n.get();
+    const auto gemv_t = k.gemv_t.get();
     constexpr bool herm = is_complex_v<T>;
-    for (int j = c0; j < c1; ++j) {
-      const T *cj = c + static_cast<std::ptrdiff_t>(j) * lda_;
-      const T t = v[j];
-      T s(0);
-      if (upper_) {
-        if (j > 0) axpy_dot(j, t, cj, v, p, herm, &s);
-      } else {
-        const int len = m - j - 1;
-        if (len > 0) axpy_dot(len, t, cj + j + 1, v + j + 1, p + j + 1, herm, &s);
+    auto C = [&](int i, int j) { return c + i + static_cast<std::ptrdiff_t>(j) * lda_; };
+    for (int j0 = c0; j0 < c1; j0 += kPanel) {
+      const int j1 = std::min(c1, j0 + kPanel), w = j1 - j0;
+      if (upper_ && j0 > 0) {
+        gemv_n(j0, w, T(1), C(0, j0), lda_, v + j0, p);
+        gemv_t(j0, w, T(1), C(0, j0), lda_, v, p + j0, herm);
       }
-      p[j] += mul(t, real_part_if(cj[j])) + s;
+      for (int j = j0; j < j1; ++j) {
+        T s(0);
+        if (upper_) {
+          if (j > j0) axpy_dot(j - j0, v[j], C(j0, j), v + j0, p + j0, herm, &s);
+        } else if (j1 - j - 1 > 0) {
+          axpy_dot(j1 - j - 1, v[j], C(j + 1, j), v + j + 1, p + j + 1, herm, &s);
+        }
+        p[j] += mul(v[j], real_part_if(*C(j, j))) + s;
+      }
+      if (!upper_ && j1 < m) {
+        gemv_n(m - j1, w, T(1), C(j1, j0), lda_, v + j0, p + j1);
+        gemv_t(m - j1, w, T(1), C(j1, j0), lda_, v + j1, p + j0, herm);
+      }
     }
   }
 
