@@ -2,18 +2,26 @@
 // unblocked (sytd2: one reflector at a time, a symmetric matrix-vector
 // product and a rank-2 update each) and blocked (sytrd: panels of nb
 // reflectors from latrd, each followed by one rank-2k update of the
-// trailing triangle through sytd3; the last block unblocked).
+// trailing triangle through sytd3; the last block unblocked). With a team
+// the loop runs either in one region (panels on the first thread, steps on
+// all) or with a team per panel and per step, by order.
+#include <omp.h>
+
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <vector>
 
 #include "blas/level1/level1.h"
 #include "blas/level2/level2.h"
 #include "lapack/eigen.h"
 #include "lapack/householder.h"
+#include "lapack/labrd.h"
 #include "lapack/names.h"
 #include "lapack/oracle.h"
 #include "lapack/sytrd.h"
+#include "service/memory.h"
+#include "service/threading.h"
 
 namespace orb::lapack {
 namespace {
@@ -133,48 +141,103 @@ void sytrd(Uplo uplo, int n, T *a, int lda, real_t<T> *d, real_t<T> *e, T *tau, 
 
 template <class T>
 void sytrd_blocked(Uplo uplo, int n, int nb, int nx, T *a, int lda, real_t<T> *d, real_t<T> *e,
-                   T *tau, T *w, int ldw, int team) {
+                   T *tau, T *w, int ldw, int team, bool panel_team) {
   if (n <= 0) return;
   nb = std::max(1, std::min(nb, n));
-  auto A = [&](int i, int j) { return at(a, lda, i, j); };
-  auto panel = [&](int order, T *ap, real_t<T> *ep, T *taup) {
-    if (team < 0)
-      latrd(uplo, order, nb, ap, lda, ep, taup, w, ldw);
-    else
-      latrd_team(uplo, order, nb, ap, lda, ep, taup, w, ldw, team);
-  };
-  auto update = [&](int order, T *ap, const T *v, const T *wp) {
-    if (team < 0)
-      sytd3(uplo, order, nb, ap, lda, v, lda, wp, ldw);
-    else
-      sytd3_team(uplo, order, nb, ap, lda, v, lda, wp, ldw, team);
-  };
-  if (uplo == Uplo::kUpper) {
-    // Panels from the last columns down to kk (each leaving a column in
-    // front of it); the leading columns unblocked.
-    const int kk = n - ((n - nx + nb - 1) / nb) * nb;
-    int i = n - nb;
-    for (; i >= kk && i > 0; i -= nb) {
-      panel(i + nb, a, e, tau);
-      update(i, a, A(0, i), w);
-      for (int j = i; j < i + nb; ++j) {
-        *A(j - 1, j) = T(e[j - 1]);
-        d[j] = std::real(*A(j, j));
-      }
+  const bool upper = uplo == Uplo::kUpper;
+  if (team < 0) {
+    // Between the step's team order and the panel's, one region whose first
+    // thread makes the panels; above, each panel and step its own team.
+    const int threads = omp_in_parallel() ? 1 : orb::threads::max_threads();
+    if (threads >= 2 && n >= oracle(kCrossover, name<T>("SYTD3"), n, nb, threads) &&
+        n < oracle(kCrossover, name<T>("LATRD"), n, nb, threads)) {
+      team = threads;
+      panel_team = false;
     }
-    sytd2(uplo, i + nb, a, lda, d, e, tau);
-    return;
   }
-  int i = 0;
-  for (; i < n - nx && i + nb < n; i += nb) {
-    panel(n - i, A(i, i), e + i, tau + i);
-    update(n - i - nb, A(i + nb, i + nb), A(i + nb, i), w + nb);
+  // The panels' first columns, in order: from the last columns down to kk,
+  // each leaving a column in front of it (upper), or from the first on
+  // while more than nx columns remain (lower).
+  std::vector<int> firsts;
+  if (upper) {
+    const int kk = n - ((n - nx + nb - 1) / nb) * nb;
+    for (int i = n - nb; i >= kk && i > 0; i -= nb) firsts.push_back(i);
+  } else {
+    for (int i = 0; i < n - nx && i + nb < n; i += nb) firsts.push_back(i);
+  }
+  auto A = [&](int i, int j) { return at(a, lda, i, j); };
+  // Panel i's order, its matrix, the trailing step's order, matrix, V and W.
+  struct Panel {
+    int order;
+    T *ap;
+    real_t<T> *ep;
+    T *taup;
+    int rest;
+    T *cp;
+    const T *vp, *wp;
+  };
+  auto panel_at = [&](int i) {
+    if (upper) return Panel{i + nb, a, e, tau, i, a, A(0, i), w};
+    return Panel{n - i,      A(i, i),           e + i,        tau + i,
+                 n - i - nb, A(i + nb, i + nb), A(i + nb, i), w + nb};
+  };
+  auto fix = [&](int i) {
     for (int j = i; j < i + nb; ++j) {
-      *A(j + 1, j) = T(e[j]);
+      if (upper)
+        *A(j - 1, j) = T(e[j - 1]);
+      else
+        *A(j + 1, j) = T(e[j]);
       d[j] = std::real(*A(j, j));
     }
+  };
+  auto serial = [&](int panel_threads) {
+    for (const int i : firsts) {
+      const Panel p = panel_at(i);
+      if (panel_threads < 0) {
+        latrd(uplo, p.order, nb, p.ap, lda, p.ep, p.taup, w, ldw);
+        sytd3(uplo, p.rest, nb, p.cp, lda, p.vp, lda, p.wp, ldw);
+      } else {
+        latrd_team(uplo, p.order, nb, p.ap, lda, p.ep, p.taup, w, ldw, panel_threads);
+        sytd3_team(uplo, p.rest, nb, p.cp, lda, p.vp, lda, p.wp, ldw, panel_threads);
+      }
+      fix(i);
+    }
+  };
+  const mem::Buffer<T> xbuf(team >= 2 && !panel_team ? std::int64_t{n} * 3 * nb : 0, 128);
+  if (team >= 2 && !panel_team && xbuf && !firsts.empty()) {
+    // One region: the panel on thread 0 while the others wait (asleep after
+    // a short spin), then the step's slabs on all.
+    labrd_detail::Barrier bar(team);
+    T *x = xbuf.get();
+#pragma omp parallel num_threads(team)
+    {
+      const int tid = omp_get_thread_num();
+      if (omp_get_num_threads() != team) {
+        if (tid == 0) serial(1);
+      } else {
+        for (const int i : firsts) {
+          const Panel p = panel_at(i);
+          if (tid == 0) {
+            latrd_team(uplo, p.order, nb, p.ap, lda, p.ep, p.taup, w, ldw, 1);
+            sytd3_gather(p.rest, nb, p.vp, lda, p.wp, ldw, x);
+          }
+          bar.wait();
+          sytd3_columns(uplo, p.rest, nb, x, p.cp, lda, tid, team);
+          bar.wait();
+          if (tid == 0) fix(i);
+        }
+      }
+    }
+  } else {
+    serial(team);
   }
-  sytd2(uplo, n - i, A(i, i), lda, d + i, e + i, tau + i);
+  // The rest unblocked: the leading columns (upper) or the trailing ones.
+  if (upper) {
+    sytd2(uplo, firsts.empty() ? n : firsts.back(), a, lda, d, e, tau);
+  } else {
+    const int i = firsts.empty() ? 0 : firsts.back() + nb;
+    sytd2(uplo, n - i, A(i, i), lda, d + i, e + i, tau + i);
+  }
 }
 
 #define ORB_SYTRD(T)                                                                           \
@@ -182,7 +245,7 @@ void sytrd_blocked(Uplo uplo, int n, int nb, int nx, T *a, int lda, real_t<T> *d
   template std::int64_t sytrd_worksize<T>(Uplo, int);                                          \
   template void sytrd<T>(Uplo, int, T *, int, real_t<T> *, real_t<T> *, T *, T *, int);        \
   template void sytrd_blocked<T>(Uplo, int, int, int, T *, int, real_t<T> *, real_t<T> *, T *, \
-                                 T *, int, int);
+                                 T *, int, int, bool);
 ORB_SYTRD(float)
 ORB_SYTRD(c8)
 

@@ -15,11 +15,13 @@ void sytd2(Uplo uplo, int n, T *a, int lda, real_t<T> *d, real_t<T> *e, T *tau);
 
 // The blocked reduction with panels of nb reflectors while more than nx
 // columns remain (xSYTRD's loop, nb and nx given); W: n x nb, leading
-// dimension ldw. team < 0: latrd and sytd3 size their own teams, else
-// both run on `team` threads.
+// dimension ldw. team < 0: the oracle decides; else with panel_team each
+// panel and step runs on `team` threads (latrd_team, sytd3_team), without
+// it the whole loop runs in one region of `team` threads, the panels on
+// the first and the steps on all.
 template <class T>
 void sytrd_blocked(Uplo uplo, int n, int nb, int nx, T *a, int lda, real_t<T> *d, real_t<T> *e,
-                   T *tau, T *w, int ldw, int team);
+                   T *tau, T *w, int ldw, int team, bool panel_team = true);
 
 // The panel (xLATRD): nb reflectors of the n x n matrix A, from its last
 // columns (upper) or its first (lower), with W (n x nb, leading dimension
@@ -45,5 +47,13 @@ void sytd3(Uplo uplo, int n, int k, T *a, int lda, const T *v, int ldv, const T 
 template <class T>
 void sytd3_team(Uplo uplo, int n, int k, T *a, int lda, const T *v, int ldv, const T *w, int ldw,
                 int team);
+
+// The step in pieces, for a driver that keeps its team in one region:
+// X := [V W V] (n x 3k, leading dimension n), then each member's slab
+// `part` of `parts` of the triangle's columns (slabs of equal area).
+template <class T>
+void sytd3_gather(int n, int k, const T *v, int ldv, const T *w, int ldw, T *x);
+template <class T>
+void sytd3_columns(Uplo uplo, int n, int k, const T *x, T *a, int lda, int part, int parts);
 
 }  // namespace orb::lapack

@@ -84,12 +84,7 @@ void sytd3_team(Uplo uplo, int n, int k, T *a, int lda, const T *v, int ldv, con
     return;
   }
   T *x = xbuf.get();
-  auto column = [&](int j) { return x + static_cast<std::ptrdiff_t>(j) * ldx; };
-  for (int j = 0; j < k; ++j) {
-    std::copy_n(v + static_cast<std::ptrdiff_t>(j) * ldv, n, column(j));
-    std::copy_n(w + static_cast<std::ptrdiff_t>(j) * ldw, n, column(k + j));
-    std::copy_n(v + static_cast<std::ptrdiff_t>(j) * ldv, n, column(2 * k + j));
-  }
+  sytd3_gather(n, k, v, ldv, w, ldw, x);
   team = std::max(1, std::min(team, n / 32));
   if (team <= 1) {
     rank2k_columns(upper, n, k, x, ldx, a, lda, 0, n);
@@ -99,6 +94,23 @@ void sytd3_team(Uplo uplo, int n, int k, T *a, int lda, const T *v, int ldv, con
     rank2k_columns(upper, n, k, x, ldx, a, lda, gemm_triangle_boundary(upper, n, t, team),
                    gemm_triangle_boundary(upper, n, t + 1, team));
   });
+}
+
+template <class T>
+void sytd3_gather(int n, int k, const T *v, int ldv, const T *w, int ldw, T *x) {
+  auto column = [&](int j) { return x + static_cast<std::ptrdiff_t>(j) * n; };
+  for (int j = 0; j < k; ++j) {
+    std::copy_n(v + static_cast<std::ptrdiff_t>(j) * ldv, n, column(j));
+    std::copy_n(w + static_cast<std::ptrdiff_t>(j) * ldw, n, column(k + j));
+    std::copy_n(v + static_cast<std::ptrdiff_t>(j) * ldv, n, column(2 * k + j));
+  }
+}
+
+template <class T>
+void sytd3_columns(Uplo uplo, int n, int k, const T *x, T *a, int lda, int part, int parts) {
+  const bool upper = uplo == Uplo::kUpper;
+  rank2k_columns(upper, n, k, x, n, a, lda, gemm_triangle_boundary(upper, n, part, parts),
+                 gemm_triangle_boundary(upper, n, part + 1, parts));
 }
 
 // A team from the oracle's crossover (query 3 of "SYTD3": the order from
@@ -111,9 +123,11 @@ void sytd3(Uplo uplo, int n, int k, T *a, int lda, const T *v, int ldv, const T 
   sytd3_team(uplo, n, k, a, lda, v, ldv, w, ldw, team);
 }
 
-#define ORB_SYTD3(T)                                                                \
-  template void sytd3<T>(Uplo, int, int, T *, int, const T *, int, const T *, int); \
-  template void sytd3_team<T>(Uplo, int, int, T *, int, const T *, int, const T *, int, int);
+#define ORB_SYTD3(T)                                                                          \
+  template void sytd3<T>(Uplo, int, int, T *, int, const T *, int, const T *, int);           \
+  template void sytd3_team<T>(Uplo, int, int, T *, int, const T *, int, const T *, int, int); \
+  template void sytd3_gather<T>(int, int, const T *, int, const T *, int, T *);               \
+  template void sytd3_columns<T>(Uplo, int, int, const T *, T *, int, int, int);
 ORB_SYTD3(float)
 ORB_SYTD3(c8)
 

@@ -53,7 +53,8 @@ struct Reduced {
 enum class Path { kUnblocked, kBlocked, kPublic };
 
 template <class T>
-Reduced<T> reduce(const Matrix<T> &a0, Uplo uplo, Path path, int nb = 1, int team = 1) {
+Reduced<T> reduce(const Matrix<T> &a0, Uplo uplo, Path path, int nb = 1, int team = 1,
+                  bool panel_team = true) {
   const int n = a0.rows;
   Reduced<T> r{a0, std::vector<R<T>>(std::max(n, 1)), std::vector<R<T>>(std::max(n, 1)),
                std::vector<T>(std::max(n, 1))};
@@ -62,7 +63,7 @@ Reduced<T> reduce(const Matrix<T> &a0, Uplo uplo, Path path, int nb = 1, int tea
   } else if (path == Path::kBlocked) {
     std::vector<T> w(static_cast<std::size_t>(std::max(n, 1)) * nb);
     lp::sytrd_blocked(uplo, n, nb, 0, r.a.data(), r.a.ld, r.d.data(), r.e.data(), r.tau.data(),
-                      w.data(), std::max(n, 1), team);
+                      w.data(), std::max(n, 1), team, panel_team);
   } else {
     const std::int64_t lwork = lp::sytrd_worksize<T>(uplo, n);
     std::vector<T> w(lwork);
@@ -136,11 +137,15 @@ void check_blocked_against_unblocked(int nb) {
       const Reduced<T> one = reduce(a, uplo, Path::kUnblocked);
       const Reduced<T> blocked = reduce(a, uplo, Path::kBlocked, nb, 1);
       const Reduced<T> team = reduce(a, uplo, Path::kBlocked, nb, 2);
+      const Reduced<T> region = reduce(a, uplo, Path::kBlocked, nb, 2, false);
       expect_reduces(a, one, uplo);
       expect_reduces(a, blocked, uplo);
-      // The team gives the one thread's bits.
+      // The teams (per panel, or one region for the whole loop) give the
+      // one thread's bits.
       EXPECT_TRUE(orb::test::same_bits(team.a, blocked.a));
       EXPECT_TRUE(team.d == blocked.d && team.e == blocked.e && team.tau == blocked.tau);
+      EXPECT_TRUE(orb::test::same_bits(region.a, blocked.a));
+      EXPECT_TRUE(region.d == blocked.d && region.e == blocked.e && region.tau == blocked.tau);
       // The same reflectors as the unblocked reduction, up to rounding, in
       // the first panel: further on, the tridiagonal's entries are as
       // sensitive as the Lanczos process's (and as the residuals show, both
