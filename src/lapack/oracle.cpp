@@ -91,15 +91,16 @@ constexpr Row kRows[] = {
     {"ORMQL", "SD", 32, 2, 128},
     {"UNMQL", "CZ", 32, 2, 128},
     // reduction to tridiagonal form: panels of nb reflectors, the unblocked
-    // reduction below the crossover (at 256 on one thread, 32 took 10 % fewer
-    // instructions than 128: the unblocked rank-2 updates cost more than the
-    // panels). LATRD's crossover is the order from which the panel's
+    // reduction below the crossover (at 256 on one thread with 128, the
+    // unblocked rank-2 updates and products of the last 128 columns took
+    // about a fifth of the time). LATRD's crossover is the order from which the panel's
     // products run on a team; below it the whole loop runs in one region,
     // the panels on its first thread. The panel's team waits twice a step:
     // on a machine whose other jobs kept both cores busy it lost at every
     // order timed (two threads, order 2000: 2.4 s against 0.87 s in one
     // region; 4000: 12.6 s against 10.2 s), so only orders beyond those
     // split it. SYTD3's is the order from which the rank-2k step is split
+    // (not timed apart)
     {"SYTRD", "SD", 32, 2, 32},
     {"HETRD", "CZ", 32, 2, 32},
     {"LATRD", "SDCZ", 1, 2, 10000},
