@@ -1389,6 +1389,73 @@ std::vector<int> int_list(char *text) {
   return v;
 }
 
+// ---- the reduction to tridiagonal form (ssytrd, chetrd) ------------------------------
+
+using SytrdFn = void (*)(const char *, const int *, void *, const int *, float *, float *, void *,
+                         void *, const int *, int *, Fortran_len);
+
+// ssytrd or chetrd with UPLO = 'L' and each library's optimal LWORK. The
+// check: an orthogonal similarity keeps the trace and the Frobenius norm,
+// so sum d = trace A and sum d^2 + 2 sum e^2 = ||A||_F^2, to n eps ||A||_F
+// (n eps ||A||_F^2).
+template <class T>
+void sytrd_rows(const std::vector<Library> &libs, const Options &o, const char *routine) {
+  if (!wanted(o, routine)) return;
+  const std::string name = std::string(routine) + "_";
+  const bool herm = std::is_same_v<T, c8>;
+  for (int n : o.sizes) {
+    const std::vector<T> a = symmetric_matrix<T>(n, herm);
+    double trace = 0, frob = 0;
+    for (std::size_t j = 0; j < std::size_t(n); ++j) {
+      trace += std::real(a[j + j * n]);
+      for (std::size_t i = 0; i < std::size_t(n); ++i) frob += std::norm(Wide<T>(a[i + j * n]));
+    }
+    std::vector<T> f(a.size()), tau(std::max(1, n));
+    std::vector<float> d(std::max(1, n)), e(std::max(1, n));
+    std::vector<std::vector<T>> works(libs.size());
+    std::vector<Run> runs;
+    for (std::size_t li = 0; li < libs.size(); ++li) {
+      auto fn = reinterpret_cast<SytrdFn>(libs[li].sym(name.c_str()));
+      if (!fn) {
+        runs.emplace_back();
+        continue;
+      }
+      T query = T(0);
+      int lwork = -1, info = 0;
+      fn("L", &n, f.data(), &n, d.data(), e.data(), tau.data(), &query, &lwork, &info, 1);
+      lwork = std::max(1, int(std::real(query)));
+      works[li].resize(lwork);
+      std::vector<T> &work = works[li];
+      runs.push_back([fn, n, lwork, trace, frob, &a, &f, &d, &e, &tau, &work](bool check) {
+        std::copy(a.begin(), a.end(), f.begin());
+        int info = -1;
+        const auto t0 = std::chrono::steady_clock::now();
+        fn("L", &n, f.data(), &n, d.data(), e.data(), tau.data(), work.data(), &lwork, &info, 1);
+        Outcome out;
+        out.seconds = seconds_since(t0);
+        if (check) {
+          out.fault = info_fault(info);
+          if (out.fault.empty()) {
+            double sd = 0, s2 = 0;
+            for (int i = 0; i < n; ++i) {
+              sd += d[i];
+              s2 += double(d[i]) * d[i] + (i + 1 < n ? 2.0 * e[i] * e[i] : 0.0);
+            }
+            const double eps = double(n) * std::numeric_limits<float>::epsilon();
+            const double r = std::max(std::abs(sd - trace) / (eps * std::sqrt(frob)),
+                                      std::abs(s2 - frob) / (eps * frob));
+            out.fault = residual_fault(std::isfinite(r) ? r : INFINITY);
+          }
+        }
+        return out;
+      });
+    }
+    double flops = 4.0 * n * n * n / 3;
+    if (herm) flops *= 4;
+    for (int nt : o.threads) print_row(measure(routine, n, nt, false, flops, runs, libs), libs);
+  }
+}
+
 }  // namespace
 
 int main(int argc, char **argv) {
@@ -1436,7 +1503,8 @@ int main(int argc, char **argv) {
       "sgetrf 2/3 n^3 flops (cgetrf 4 times that), sgetrs 2 n^2 nrhs with nrhs = %d,\n"
       "sgecon (norm '1') in microseconds per call; spotrf n^3 / 3 flops (cpotrf 4 times\n"
       "that) on the lower triangle, spotrs 2 n^2 nrhs; sgesvd and sgesdd n^3 (nominal)\n"
-      "with JOBZ (JOBU = JOBVT) 'N' or 'A'.\n",
+      "with JOBZ (JOBU = JOBVT) 'N' or 'A'; ssytrd 4/3 n^3 (chetrd 4 times that) on the\n"
+      "lower triangle.\n",
       o.nrhs);
   print_header(libs);
   getrf_rows<float>(libs, o, "sgetrf");
@@ -1454,5 +1522,7 @@ int main(int argc, char **argv) {
   gels_rows(libs, o);
   for (const bool divide : {false, true})
     for (const char job : {'N', 'A'}) svd_rows(libs, o, divide, job);
+  sytrd_rows<float>(libs, o, "ssytrd");
+  sytrd_rows<c8>(libs, o, "chetrd");
   return 0;
 }

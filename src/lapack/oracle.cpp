@@ -93,6 +93,22 @@ constexpr Row kRows[] = {
     {"UNMLQ", "CZ", 32, 2, 128},
     {"ORMQL", "SD", 32, 2, 128},
     {"UNMQL", "CZ", 32, 2, 128},
+    // reduction to tridiagonal form: panels of nb reflectors, the unblocked
+    // reduction below the crossover (at 256 on one thread with 128, the
+    // unblocked rank-2 updates and products of the last 128 columns took
+    // about a fifth of the time). LATRD's crossover is the order from which the panel's
+    // products run on a team; below it the whole loop runs in one region,
+    // the panels on its first thread. The panel's team waits twice a step:
+    // on a machine whose other jobs kept both cores busy it lost at every
+    // order timed (two threads, order 2000: 2.4 s against 0.87 s in one
+    // region; 4000: 12.6 s against 10.2 s), so only orders beyond those
+    // split it. SYTD3's is the order from which the rank-2k step is split
+    // (the whole loop in one region): with both cores that busy, two threads
+    // at 256 gave 2.6 GFLOP/s against 9.5 on one, at 1000 10.5 against 14.1
+    {"SYTRD", "SD", 32, 2, 32},
+    {"HETRD", "CZ", 32, 2, 32},
+    {"LATRD", "SDCZ", 1, 2, 10000},
+    {"SYTD3", "SDCZ", 1, 2, 1000},
 };
 
 // The routine's name as the table spells it, and its precision letter.
@@ -302,6 +318,21 @@ bool is_orm(const Name &n) {
   return false;
 }
 
+// Query 3 for the tridiagonal reduction's panel ("LATRD") with a team:
+// the order from which its products are split. ORB_LATRD_TEAM_FROM (a
+// positive order, read once) moves it, for timing and for the testers.
+int latrd_team_crossover(int fallback) {
+  static const int from = [fallback] {
+    char buf[16];
+    if (platform::env_get("ORB_LATRD_TEAM_FROM", buf, sizeof buf) > 0) {
+      const int v = std::atoi(buf);
+      if (v > 0) return v;
+    }
+    return fallback;
+  }();
+  return from;
+}
+
 }  // namespace
 
 int oracle(int query, const char *name, const char *opts, int n1, int n2, int n3, int n4,
@@ -329,6 +360,7 @@ int oracle(int query, const char *name, const char *opts, int n1, int n2, int n3
       if (is_routine(n, "LASR3")) return lasr3_crossover(n2);
       if (is_routine(n, "GEQRF") && threads >= 2) return geqrf_team_crossover();
       if (is_orm(n) && threads >= 2) return orm_team_crossover(n1, n2);
+      if (is_routine(n, "LATRD") && row) return latrd_team_crossover(row->nx);
       return row ? row->nx : 0;
     case kShifts:
       return 6;

@@ -38,3 +38,15 @@ foreach(_p s c)
                  ORB_QR_TEAM_FROM=64)
   endif()
 endforeach()
+
+# The symmetric eigenproblem tests (sep.in: the tridiagonal reduction and
+# the solvers behind it) with ORB in front, on one thread and on two.
+foreach(_p s c)
+  foreach(_t 1 2)
+    orb_reference_lapack(reference_lapack_sep_${_p}_t${_t} xeigtst${_p} sep.in)
+    if(TEST reference_lapack_sep_${_p}_t${_t})
+      set_property(TEST reference_lapack_sep_${_p}_t${_t} APPEND PROPERTY ENVIRONMENT
+                   ORB_NUM_THREADS=${_t})
+    endif()
+  endforeach()
+endforeach()
