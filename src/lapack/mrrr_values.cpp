@@ -1069,7 +1069,7 @@ int larre(Range range, int n, R *vl, R *vu, int il, int iu, R *d, R *e, R *e2, R
         w[j] -= sigma;
         werr[j] += std::abs(w[j]) * epsr;
       }
-      for (int i = ibegin; i < iend; ++i) work[i] = d[i] * e[i] * e[i];
+      for (int i = ibegin; i < iend; ++i) work[i] = d[i] * (e[i] * e[i]);
       if (larrb(in, d + ibegin, work + ibegin, indl, indu, rtol1, rtol2, indl - 1, w + wbegin,
                 wgap + wbegin, werr + wbegin, work + 2 * n, iwork, pivmin, spdiam, in) != 0)
         return -4;

@@ -229,7 +229,9 @@ void check_pairs(const Tridiagonal &t, const Result<T> &r, int first, double tol
     const int lo = r.isuppz[2 * j], hi = r.isuppz[2 * j + 1];
     EXPECT_TRUE(1 <= lo && lo <= hi && hi <= n);
     for (int i = 0; i < n; ++i) {
-      if (i + 1 < lo || i + 1 > hi) EXPECT_EQ(zr(i, j), 0.0) << "row " << i << " vector " << j;
+      if (i + 1 < lo || i + 1 > hi) {
+        EXPECT_EQ(zr(i, j), 0.0) << "row " << i << " vector " << j;
+      }
     }
   }
   EXPECT_LE(orth, tol_factor * 25 * n * eps) << "orthogonality, n " << n;
