@@ -74,6 +74,88 @@ int laneg(int n, const R *d, const R *lld, R sigma, R pivmin, int r) {
   return negcnt + (gamma < R(0));
 }
 
+// laneg at kNegLanes shifts at once: the same recurrences, lane by lane,
+// so that the divisions of independent shifts overlap. A lane whose block
+// produced a NaN runs that block again alone, with the guard.
+constexpr int kNegLanes = 8;
+
+template <class R>
+void laneg_lanes(int n, const R *d, const R *lld, const R *sigma, int r, int *counts) {
+  constexpr int K = kNegLanes;
+  R t[K], saved[K];
+  int neg[K], nb[K];
+  for (int k = 0; k < K; ++k) {
+    t[k] = -sigma[k];
+    neg[k] = 0;
+  }
+  for (int bj = 0; bj < r - 1; bj += kNegBlock) {
+    const int end = std::min(bj + kNegBlock, r - 1);
+    for (int k = 0; k < K; ++k) {
+      saved[k] = t[k];
+      nb[k] = 0;
+    }
+    for (int j = bj; j < end; ++j) {
+      const R dj = d[j], lj = lld[j];
+      for (int k = 0; k < K; ++k) {
+        const R dplus = dj + t[k];
+        nb[k] += dplus < R(0);
+        t[k] = (t[k] / dplus) * lj - sigma[k];
+      }
+    }
+    for (int k = 0; k < K; ++k) {
+      if (std::isnan(t[k])) {
+        nb[k] = 0;
+        R tk = saved[k];
+        for (int j = bj; j < end; ++j) {
+          const R dplus = d[j] + tk;
+          nb[k] += dplus < R(0);
+          R q = tk / dplus;
+          if (std::isnan(q)) q = R(1);
+          tk = q * lld[j] - sigma[k];
+        }
+        t[k] = tk;
+      }
+      neg[k] += nb[k];
+    }
+  }
+  R p[K];
+  for (int k = 0; k < K; ++k) p[k] = d[n - 1] - sigma[k];
+  for (int bj = n - 2; bj >= r - 1; bj -= kNegBlock) {
+    const int end = std::max(bj - kNegBlock + 1, r - 1);
+    for (int k = 0; k < K; ++k) {
+      saved[k] = p[k];
+      nb[k] = 0;
+    }
+    for (int j = bj; j >= end; --j) {
+      const R dj = d[j], lj = lld[j];
+      for (int k = 0; k < K; ++k) {
+        const R dminus = lj + p[k];
+        nb[k] += dminus < R(0);
+        p[k] = (p[k] / dminus) * dj - sigma[k];
+      }
+    }
+    for (int k = 0; k < K; ++k) {
+      if (std::isnan(p[k])) {
+        nb[k] = 0;
+        R pk = saved[k];
+        for (int j = bj; j >= end; --j) {
+          const R dminus = lld[j] + pk;
+          nb[k] += dminus < R(0);
+          R q = pk / dminus;
+          if (std::isnan(q)) q = R(1);
+          pk = q * d[j] - sigma[k];
+        }
+        p[k] = pk;
+      }
+      neg[k] += nb[k];
+    }
+  }
+  for (int k = 0; k < K; ++k) {
+    const R gamma = (t[k] + sigma[k]) + p[k];
+    counts[k] = neg[k] + (gamma < R(0));
+  }
+}
+
 template <class R>
 void larrc(int n, R vl, R vu, const R *d, const R *e, R pivmin, int *eigcnt, int *lcnt, int *rcnt) {
   (void)pivmin;
@@ -547,6 +629,21 @@ int larrb(int n, const R *d, const R *lld, int ifirst, int ilast, R rtol1, R rto
   auto WERR = [&](int i) -> R & { return werr[i - offset - 1]; };
   auto WGAP = [&](int i) -> R & { return wgap[i - offset - 1]; };
 
+  // The counts at both ends of every initial interval, evaluated together
+  // (kept in the interval's iwork slots until its turn below).
+  for (int i0 = ifirst; i0 <= ilast; i0 += kNegLanes / 2) {
+    const int count = std::min(kNegLanes / 2, ilast - i0 + 1);
+    R ends[kNegLanes];
+    int counts[kNegLanes];
+    for (int q = 0; q < count; ++q) {
+      ends[2 * q] = W(i0 + q) - WERR(i0 + q);
+      ends[2 * q + 1] = W(i0 + q) + WERR(i0 + q);
+    }
+    for (int q = 2 * count; q < kNegLanes; ++q) ends[q] = ends[0];
+    laneg_lanes(n, d, lld, ends, r, counts);
+    for (int q = 0; q < 2 * count; ++q) iwork[2 * i0 - 2 + q] = counts[q];
+  }
+
   int i1 = ifirst;
   int nint = 0, prev = 0;
   R rgap = WGAP(i1);
@@ -558,19 +655,16 @@ int larrb(int n, const R *d, const R *lld, int ifirst, int ilast, R rtol1, R rto
     const R gap = std::min(lgap, rgap);
     // Widen the interval until it encloses eigenvalue i.
     R back = WERR(i);
-    for (;;) {
-      const int cnt = laneg(n, d, lld, left, pivmin, r);
-      if (cnt <= i - 1) break;
+    for (int cnt = iwork[2 * i - 2]; cnt > i - 1; cnt = laneg(n, d, lld, left, pivmin, r)) {
       left -= back;
       back *= 2;
     }
     back = WERR(i);
-    int negcnt;
-    for (;;) {
-      negcnt = laneg(n, d, lld, right, pivmin, r);
-      if (negcnt >= i) break;
+    int negcnt = iwork[2 * i - 1];
+    while (negcnt < i) {
       right += back;
       back *= 2;
+      negcnt = laneg(n, d, lld, right, pivmin, r);
     }
     const R width = R(0.5) * std::abs(left - right);
     const R big = std::max(std::abs(left), std::abs(right));
@@ -589,6 +683,21 @@ int larrb(int n, const R *d, const R *lld, int ifirst, int ilast, R rtol1, R rto
     right_of(i) = right;
   }
 
+  int pending[kNegLanes];
+  R mids[kNegLanes];
+  int npending = 0;
+  auto bisect_pending = [&]() {
+    int counts[kNegLanes];
+    for (int k = npending; k < kNegLanes; ++k) mids[k] = mids[0];
+    laneg_lanes(n, d, lld, mids, r, counts);
+    for (int k = 0; k < npending; ++k) {
+      if (counts[k] <= pending[k] - 1)
+        left_of(pending[k]) = mids[k];
+      else
+        right_of(pending[k]) = mids[k];
+    }
+    npending = 0;
+  };
   for (int iter = 0; nint > 0 && iter <= maxitr; ++iter) {
     prev = i1 - 1;
     int i = i1;
@@ -616,13 +725,14 @@ int larrb(int n, const R *d, const R *lld, int ifirst, int ilast, R rtol1, R rto
         continue;
       }
       prev = i;
-      const int negcnt = laneg(n, d, lld, mid, pivmin, r);
-      if (negcnt <= i - 1)
-        left_of(i) = mid;
-      else
-        right_of(i) = mid;
+      // The bisection steps of one sweep are independent of each other:
+      // their negcounts are evaluated together.
+      pending[npending] = i;
+      mids[npending] = mid;
+      if (++npending == kNegLanes) bisect_pending();
       i = next;
     }
+    if (npending > 0) bisect_pending();
   }
   for (int i = ifirst; i <= ilast; ++i) {
     if (next_of(i) == 0) {
