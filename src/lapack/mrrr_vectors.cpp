@@ -33,29 +33,44 @@ void lar1v(int n, R lambda, const R *d, const R *l, const R *ld, const R *lld, R
   R *s = work + 2 * n;
   R *p = work + 3 * n;
 
-  // Stationary qd transform L D L^T - lambda = L+ D+ L+^T from the top.
+  // The stationary qd transform L D L^T - lambda = L+ D+ L+^T from the top
+  // (rows 0 .. r2 - 1, negative pivots counted above r1) and the
+  // progressive one L D L^T - lambda = U- D- U-^T from the bottom (rows
+  // n - 2 .. r1) are independent: their steps run interleaved, so that
+  // the divisions of the two overlap.
   s[0] = 0;
-  int neg1 = 0;
+  int neg1 = 0, neg2 = 0;
   R sv = s[0] - lambda;
-  for (int i = 0; i < r1; ++i) {
+  R pv = d[n - 1] - lambda;
+  p[n - 1] = pv;
+  auto stationary = [&](int i) {
     const R dplus = d[i] + sv;
     lplus[i] = ld[i] / dplus;
-    neg1 += dplus < R(0);
+    neg1 += (dplus < R(0)) & (i < r1);
     s[i + 1] = sv * lplus[i] * l[i];
     sv = s[i + 1] - lambda;
+  };
+  auto progressive = [&](int i) {
+    const R dminus = lld[i] + pv;
+    const R tmp = d[i] / dminus;
+    neg2 += dminus < R(0);
+    uminus[i] = l[i] * tmp;
+    pv = pv * tmp - lambda;
+    p[i] = pv;
+  };
+  const int steps1 = r2, steps2 = n - 1 - r1;
+  int k = 0;
+  for (; k < std::min(steps1, steps2); ++k) {
+    stationary(k);
+    progressive(n - 2 - k);
   }
-  bool sawnan1 = std::isnan(sv);
-  if (!sawnan1) {
-    for (int i = r1; i < r2; ++i) {
-      const R dplus = d[i] + sv;
-      lplus[i] = ld[i] / dplus;
-      s[i + 1] = sv * lplus[i] * l[i];
-      sv = s[i + 1] - lambda;
-    }
-    sawnan1 = std::isnan(sv);
-  }
+  for (; k < steps1; ++k) stationary(k);
+  for (; k < steps2; ++k) progressive(n - 2 - k);
+
+  // A NaN, once produced, stays to the end of its recurrence; such a
+  // transform runs again with tiny pivots replaced by -pivmin.
+  const bool sawnan1 = std::isnan(sv);
   if (sawnan1) {
-    // Again with tiny pivots replaced by -pivmin.
     neg1 = 0;
     sv = s[0] - lambda;
     for (int i = 0; i < r2; ++i) {
@@ -67,17 +82,6 @@ void lar1v(int n, R lambda, const R *d, const R *l, const R *ld, const R *lld, R
       if (lplus[i] == R(0)) s[i + 1] = lld[i];
       sv = s[i + 1] - lambda;
     }
-  }
-
-  // Progressive qd transform L D L^T - lambda = U- D- U-^T from the bottom.
-  int neg2 = 0;
-  p[n - 1] = d[n - 1] - lambda;
-  for (int i = n - 2; i >= r1; --i) {
-    const R dminus = lld[i] + p[i + 1];
-    const R tmp = d[i] / dminus;
-    neg2 += dminus < R(0);
-    uminus[i] = l[i] * tmp;
-    p[i] = p[i + 1] * tmp - lambda;
   }
   const bool sawnan2 = std::isnan(p[r1]);
   if (sawnan2) {
