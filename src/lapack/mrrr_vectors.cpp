@@ -206,29 +206,50 @@ int larrf(int n, const R *d, const R *l, const R *ld, int clstrt, int clend, con
 
   // L D L^T - shift = dp lp dp lp^T, with its element growth and whether a
   // pivot had to be replaced.
-  auto factor = [&](R shift, R *dp, R *lp, R *growth) {
-    bool nan = false;
-    R s = -shift;
-    dp[0] = d[0] + s;
-    if (std::abs(dp[0]) < pivmin) {
-      dp[0] = -pivmin;
-      nan = true;
+  // L D L^T - lsigma into (dplus, lplus) and L D L^T - rsigma into (wd,
+  // wl) side by side, the two recurrences interleaved; with each its
+  // element growth and whether a pivot had to be replaced or was NaN.
+  R *wd = work;      // the right shift's pivots
+  R *wl = work + n;  // and multipliers
+  auto factor_both = [&](R *growth1, bool *nan1, R *growth2, bool *nan2) {
+    bool bad1 = false, bad2 = false;
+    R s1 = -lsigma, s2 = -rsigma;
+    dplus[0] = d[0] + s1;
+    wd[0] = d[0] + s2;
+    if (std::abs(dplus[0]) < pivmin) {
+      dplus[0] = -pivmin;
+      bad1 = true;
     }
-    R mx = std::abs(dp[0]);
+    if (std::abs(wd[0]) < pivmin) {
+      wd[0] = -pivmin;
+      bad2 = true;
+    }
+    R mx1 = std::abs(dplus[0]), mx2 = std::abs(wd[0]);
     for (int i = 0; i < n - 1; ++i) {
-      lp[i] = ld[i] / dp[i];
-      s = s * lp[i] * l[i] - shift;
-      dp[i + 1] = d[i + 1] + s;
-      if (std::abs(dp[i + 1]) < pivmin) {
-        dp[i + 1] = -pivmin;
-        nan = true;
+      lplus[i] = ld[i] / dplus[i];
+      wl[i] = ld[i] / wd[i];
+      s1 = s1 * lplus[i] * l[i] - lsigma;
+      s2 = s2 * wl[i] * l[i] - rsigma;
+      R a1 = d[i + 1] + s1, a2 = d[i + 1] + s2;
+      if (std::abs(a1) < pivmin) {
+        a1 = -pivmin;
+        bad1 = true;
       }
-      const R a = std::abs(dp[i + 1]);
-      if (std::isnan(a)) nan = true;
-      mx = std::max(mx, a);
+      if (std::abs(a2) < pivmin) {
+        a2 = -pivmin;
+        bad2 = true;
+      }
+      dplus[i + 1] = a1;
+      wd[i + 1] = a2;
+      bad1 |= std::isnan(a1);
+      bad2 |= std::isnan(a2);
+      mx1 = std::max(mx1, std::abs(a1));
+      mx2 = std::max(mx2, std::abs(a2));
     }
-    *growth = mx;
-    return nan || std::isnan(mx);
+    *growth1 = mx1;
+    *growth2 = mx2;
+    *nan1 = bad1 || std::isnan(mx1);
+    *nan2 = bad2 || std::isnan(mx2);
   };
   // The growth of the representation's would-be eigenvector at the end
   // near the cluster (the RRR test for a tight cluster).
@@ -247,18 +268,16 @@ int larrf(int n, const R *d, const R *l, const R *ld, int clstrt, int clend, con
     return tmp / (spdiam * std::sqrt(znm2));
   };
 
-  R *wd = work;      // the right shift's pivots
-  R *wl = work + n;  // and multipliers
   for (;;) {
     ldelta = std::min(ldmax, ldelta);
     rdelta = std::min(rdmax, rdelta);
     R max1, max2;
-    const bool sawnan1 = factor(lsigma, dplus, lplus, &max1);
+    bool sawnan1, sawnan2;
+    factor_both(&max1, &sawnan1, &max2, &sawnan2);
     if (forcer || (max1 <= growthbound && !sawnan1)) {
       *sigma = lsigma;
       return 0;
     }
-    const bool sawnan2 = factor(rsigma, wd, wl, &max2);
     if (forcer || (max2 <= growthbound && !sawnan2)) {
       *sigma = rsigma;
       std::copy(wd, wd + n, dplus);
