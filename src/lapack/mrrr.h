@@ -75,6 +75,14 @@ template <class R>
 int larrb(int n, const R *d, const R *lld, int ifirst, int ilast, R rtol1, R rtol2, int offset,
           R *w, R *wgap, R *werr, R *work, int *iwork, R pivmin, R spdiam, int twist);
 
+// larrb on single eigenvalues: each index[k] (1-based, distinct) refined
+// as by larrb(.., index[k], index[k], ..), side by side. Such calls are
+// independent of each other (one changes only its own w and werr), so the
+// results are those of the calls one after the other.
+template <class R>
+void larrb_singles(int n, const R *d, const R *lld, int count, const int *index, R rtol1, R rtol2,
+                   int offset, R *w, R *wgap, R *werr, R pivmin, R spdiam, int twist);
+
 // Refinement by bisection of the eigenvalues ifirst..ilast of the
 // tridiagonal (d, e2) to the relative tolerance rtol (xLARRJ).
 template <class R>

@@ -746,6 +746,89 @@ int larrb(int n, const R *d, const R *lld, int ifirst, int ilast, R rtol1, R rto
 }
 
 template <class R>
+void larrb_singles(int n, const R *d, const R *lld, int count, const int *index, R rtol1, R rtol2,
+                   int offset, R *w, R *wgap, R *werr, R pivmin, R spdiam, int twist) {
+  constexpr int kMax = kNegLanes / 2;
+  if (n <= 0) return;
+  const int maxitr = int((std::log(spdiam + pivmin) - std::log(pivmin)) / std::log(R(2))) + 2;
+  const R mnwdth = 2 * pivmin;
+  const int r = (twist < 1 || twist > n) ? n : twist;
+  for (int c0 = 0; c0 < count; c0 += kMax) {
+    const int nc = std::min(kMax, count - c0);
+    const int *idx = index + c0;
+    R left[kMax], right[kMax];
+    bool active[kMax];
+    // The counts at both ends, together; then each interval widened until
+    // it encloses its eigenvalue, and its first convergence test (where
+    // the gap on both sides is the right one, as for larrb's first index).
+    R ends[kNegLanes];
+    int counts[kNegLanes];
+    for (int q = 0; q < nc; ++q) {
+      const int ii = idx[q] - offset - 1;
+      ends[2 * q] = w[ii] - werr[ii];
+      ends[2 * q + 1] = w[ii] + werr[ii];
+    }
+    for (int q = 2 * nc; q < kNegLanes; ++q) ends[q] = ends[0];
+    laneg_lanes(n, d, lld, ends, r, counts);
+    for (int q = 0; q < nc; ++q) {
+      const int i = idx[q];
+      const int ii = i - offset - 1;
+      R lf = ends[2 * q], rt = ends[2 * q + 1];
+      R back = werr[ii];
+      for (int cnt = counts[2 * q]; cnt > i - 1; cnt = laneg(n, d, lld, lf, pivmin, r)) {
+        lf -= back;
+        back *= 2;
+      }
+      back = werr[ii];
+      for (int cnt = counts[2 * q + 1]; cnt < i; cnt = laneg(n, d, lld, rt, pivmin, r)) {
+        rt += back;
+        back *= 2;
+      }
+      const R gap = wgap[ii];
+      const R width = R(0.5) * std::abs(lf - rt);
+      const R cvrgd = std::max(rtol1 * gap, rtol2 * std::max(std::abs(lf), std::abs(rt)));
+      active[q] = !(width <= cvrgd || width <= mnwdth);
+      left[q] = lf;
+      right[q] = rt;
+    }
+    // Bisection of the active intervals side by side.
+    for (int iter = 0; iter <= maxitr; ++iter) {
+      int pending[kMax], np = 0;
+      R mids[kNegLanes];
+      for (int q = 0; q < nc; ++q) {
+        if (!active[q]) continue;
+        const int ii = idx[q] - offset - 1;
+        R lg = wgap[ii];
+        if (ii > 0) lg = wgap[ii - 1];
+        const R gap = std::min(lg, wgap[ii]);
+        const R mid = R(0.5) * (left[q] + right[q]);
+        const R width = right[q] - mid;
+        const R cvrgd =
+            std::max(rtol1 * gap, rtol2 * std::max(std::abs(left[q]), std::abs(right[q])));
+        if (width <= cvrgd || width <= mnwdth || iter == maxitr) {
+          active[q] = false;
+          w[ii] = R(0.5) * (left[q] + right[q]);
+          werr[ii] = right[q] - w[ii];
+          continue;
+        }
+        pending[np] = q;
+        mids[np++] = mid;
+      }
+      if (np == 0) break;
+      for (int k = np; k < kNegLanes; ++k) mids[k] = mids[0];
+      laneg_lanes(n, d, lld, mids, r, counts);
+      for (int k = 0; k < np; ++k) {
+        const int q = pending[k];
+        if (counts[k] <= idx[q] - 1)
+          left[q] = mids[k];
+        else
+          right[q] = mids[k];
+      }
+    }
+  }
+}
+
+template <class R>
 void larrj(int n, const R *d, const R *e2, int ifirst, int ilast, R rtol, int offset, R *w, R *werr,
            R *work, int *iwork, R pivmin, R spdiam) {
   if (n <= 0) return;
@@ -1244,6 +1327,8 @@ template int larrd<float>(Range, bool, int, float, float, int, int, const float 
                           int *, float *, float *, float *, float *, int *, int *, float *, int *);
 template int larrb<float>(int, const float *, const float *, int, int, float, float, int, float *,
                           float *, float *, float *, int *, float, float, int);
+template void larrb_singles<float>(int, const float *, const float *, int, const int *, float,
+                                   float, int, float *, float *, float *, float, float, int);
 template void larrj<float>(int, const float *, const float *, int, int, float, int, float *,
                            float *, float *, int *, float, float);
 template int larre<float>(Range, int, float *, float *, int, int, float *, float *, float *, float,

@@ -487,11 +487,9 @@ int larrv(int n, real_t<T> vl, real_t<T> vu, real_t<T> *d, real_t<T> *l, real_t<
             const R lgap = newfst == 1 ? std::max(R(0), w[wbegin] - werr[wbegin] - vl)
                                        : wgap[wbegin + newfst - 2];
             const R rgap = wgap[wbegin + newlst - 1];
-            for (int k = 0; k < 2; ++k) {
-              const int p = indexw[wbegin - 1 + (k == 0 ? newfst : newlst)];
-              larrb(in, db, lldv + ibegin, p, p, rqtol, rqtol, offset, work + wbegin, wgap + wbegin,
-                    werr + wbegin, wrk, iwrk, pivmin, spdiam, in);
-            }
+            const int ends[2] = {indexw[wbegin - 1 + newfst], indexw[wbegin - 1 + newlst]};
+            larrb_singles(in, db, lldv + ibegin, 2, ends, rqtol, rqtol, offset, work + wbegin,
+                          wgap + wbegin, werr + wbegin, pivmin, spdiam, in);
             R tau = 0;
             int info;
             if constexpr (is_complex_v<T>) {
