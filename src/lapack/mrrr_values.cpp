@@ -74,14 +74,11 @@ int laneg(int n, const R *d, const R *lld, R sigma, R pivmin, int r) {
   return negcnt + (gamma < R(0));
 }
 
-// laneg at kNegLanes shifts at once: the same recurrences, lane by lane,
-// so that the divisions of independent shifts overlap. A lane whose block
-// produced a NaN runs that block again alone, with the guard.
-constexpr int kNegLanes = 8;
-
-template <class R>
-void laneg_lanes(int n, const R *d, const R *lld, const R *sigma, int r, int *counts) {
-  constexpr int K = kNegLanes;
+// laneg at K shifts at once: the same recurrences, lane by lane, so that
+// the divisions of independent shifts overlap. A lane whose block produced
+// a NaN runs that block again alone, with the guard.
+template <int K, class R>
+void laneg_lanes_k(int n, const R *d, const R *lld, const R *sigma, int r, int *counts) {
   R t[K], saved[K];
   int neg[K], nb[K];
   for (int k = 0; k < K; ++k) {
@@ -154,6 +151,21 @@ void laneg_lanes(int n, const R *d, const R *lld, const R *sigma, int r, int *co
     const R gamma = (t[k] + sigma[k]) + p[k];
     counts[k] = neg[k] + (gamma < R(0));
   }
+}
+
+// The negcounts at count <= kNegLanes shifts (sigma has room for
+// kNegLanes), eight or sixteen at a time: the unused lanes repeat the
+// first shift.
+constexpr int kNegLanes = 16;
+
+template <class R>
+void laneg_lanes(int count, int n, const R *d, const R *lld, R *sigma, int r, int *counts) {
+  const int k = count <= 8 ? 8 : 16;
+  for (int q = count; q < k; ++q) sigma[q] = sigma[0];
+  if (k == 8)
+    laneg_lanes_k<8>(n, d, lld, sigma, r, counts);
+  else
+    laneg_lanes_k<16>(n, d, lld, sigma, r, counts);
 }
 
 template <class R>
@@ -639,8 +651,7 @@ int larrb(int n, const R *d, const R *lld, int ifirst, int ilast, R rtol1, R rto
       ends[2 * q] = W(i0 + q) - WERR(i0 + q);
       ends[2 * q + 1] = W(i0 + q) + WERR(i0 + q);
     }
-    for (int q = 2 * count; q < kNegLanes; ++q) ends[q] = ends[0];
-    laneg_lanes(n, d, lld, ends, r, counts);
+    laneg_lanes(2 * count, n, d, lld, ends, r, counts);
     for (int q = 0; q < 2 * count; ++q) iwork[2 * i0 - 2 + q] = counts[q];
   }
 
@@ -688,8 +699,7 @@ int larrb(int n, const R *d, const R *lld, int ifirst, int ilast, R rtol1, R rto
   int npending = 0;
   auto bisect_pending = [&]() {
     int counts[kNegLanes];
-    for (int k = npending; k < kNegLanes; ++k) mids[k] = mids[0];
-    laneg_lanes(n, d, lld, mids, r, counts);
+    laneg_lanes(npending, n, d, lld, mids, r, counts);
     for (int k = 0; k < npending; ++k) {
       if (counts[k] <= pending[k] - 1)
         left_of(pending[k]) = mids[k];
@@ -768,8 +778,7 @@ void larrb_singles(int n, const R *d, const R *lld, int count, const int *index,
       ends[2 * q] = w[ii] - werr[ii];
       ends[2 * q + 1] = w[ii] + werr[ii];
     }
-    for (int q = 2 * nc; q < kNegLanes; ++q) ends[q] = ends[0];
-    laneg_lanes(n, d, lld, ends, r, counts);
+    laneg_lanes(2 * nc, n, d, lld, ends, r, counts);
     for (int q = 0; q < nc; ++q) {
       const int i = idx[q];
       const int ii = i - offset - 1;
@@ -815,8 +824,7 @@ void larrb_singles(int n, const R *d, const R *lld, int count, const int *index,
         mids[np++] = mid;
       }
       if (np == 0) break;
-      for (int k = np; k < kNegLanes; ++k) mids[k] = mids[0];
-      laneg_lanes(n, d, lld, mids, r, counts);
+      laneg_lanes(np, n, d, lld, mids, r, counts);
       for (int k = 0; k < np; ++k) {
         const int q = pending[k];
         if (counts[k] <= idx[q] - 1)
