@@ -713,6 +713,21 @@ ORB_API void spteqr(const char *compz, const int *n, float *d, float *e, float *
                     float *work, int *info, int compz_len);
 ORB_API void csteqr(const char *compz, const int *n, float *d, float *e, orb_complex8 *z,
                     const int *ldz, float *work, int *info, int compz_len);
+ORB_API void spteqr(const char *compz, const int *n, float *d, float *e, float *z, const int *ldz,
+                    float *work, int *info, int compz_len);
+ORB_API void cpteqr(const char *compz, const int *n, float *d, float *e, orb_complex8 *z,
+                    const int *ldz, float *work, int *info, int compz_len);
+ORB_API void sstebz(const char *range, const char *order, const int *n, const float *vl,
+                    const float *vu, const int *il, const int *iu, const float *abstol,
+                    const float *d, const float *e, int *m, int *nsplit, float *w, int *iblock,
+                    int *isplit, float *work, int *iwork, int *info, int range_len,
+                    int order_len);
+ORB_API void sstein(const int *n, const float *d, const float *e, const int *m, const float *w,
+                    const int *iblock, const int *isplit, float *z, const int *ldz, float *work,
+                    int *iwork, int *ifail, int *info);
+ORB_API void cstein(const int *n, const float *d, const float *e, const int *m, const float *w,
+                    const int *iblock, const int *isplit, orb_complex8 *z, const int *ldz,
+                    float *work, int *iwork, int *ifail, int *info);
 ORB_API void cstein(const int *n, const float *d, const float *e, const int *m, const float *w,
                     const int *iblock, const int *isplit, orb_complex8 *z, const int *ldz,
                     float *work, int *iwork, int *ifail, int *info);
@@ -789,6 +804,21 @@ ORB_API void ssteqr(const char *compz, const int *n, float *d, float *e, float *
 ORB_API void ssterf(const int *n, float *d, float *e, int *info);
 ORB_API void csteqr(const char *compz, const int *n, float *d, float *e, orb_complex8 *z,
                     const int *ldz, float *work, int *info, int compz_len);
+ORB_API void spteqr(const char *compz, const int *n, float *d, float *e, float *z, const int *ldz,
+                    float *work, int *info, int compz_len);
+ORB_API void cpteqr(const char *compz, const int *n, float *d, float *e, orb_complex8 *z,
+                    const int *ldz, float *work, int *info, int compz_len);
+ORB_API void sstebz(const char *range, const char *order, const int *n, const float *vl,
+                    const float *vu, const int *il, const int *iu, const float *abstol,
+                    const float *d, const float *e, int *m, int *nsplit, float *w, int *iblock,
+                    int *isplit, float *work, int *iwork, int *info, int range_len,
+                    int order_len);
+ORB_API void sstein(const int *n, const float *d, const float *e, const int *m, const float *w,
+                    const int *iblock, const int *isplit, float *z, const int *ldz, float *work,
+                    int *iwork, int *ifail, int *info);
+ORB_API void cstein(const int *n, const float *d, const float *e, const int *m, const float *w,
+                    const int *iblock, const int *isplit, orb_complex8 *z, const int *ldz,
+                    float *work, int *iwork, int *ifail, int *info);
 
 /* ---------------------------------------------------------------------------
  * LAPACK: singular value decomposition
