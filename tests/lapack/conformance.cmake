@@ -38,3 +38,11 @@ foreach(_p s c)
                  ORB_QR_TEAM_FROM=64)
   endif()
 endforeach()
+
+# The symmetric eigenvalue tests: the tridiagonal solvers (QL/QR, root-free
+# QR, the positive definite QR, bisection, inverse iteration) and the drivers
+# built on them, with ORB in front.
+foreach(_p s c)
+  orb_reference_lapack(reference_lapack_sep_${_p} xeigtst${_p} sep.in)
+  orb_reference_lapack(reference_lapack_se2_${_p} xeigtst${_p} se2.in)
+endforeach()
