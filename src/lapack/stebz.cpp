@@ -197,7 +197,6 @@ int stebz(Range range, bool by_block, int n, R vl, R vu, int il, int iu, R absto
   pivmin *= safemn;
 
   R wl = 0, wu = 0, wlu = 0, wul = 0;
-  R atoli;
   int nwl = 0, nwu = 0;
   if (range == Range::kIndices) {
     // The interval (wl, wu] holding eigenvalues il .. iu of the whole
@@ -217,7 +216,7 @@ int stebz(Range range, bool by_block, int n, R vl, R vu, int il, int iu, R absto
     gu = gu + fudge * tnorm * ulp * R(n) + fudge * pivmin;
     const int itmax =
         static_cast<int>((std::log(tnorm + pivmin) - std::log(pivmin)) / std::log(R(2))) + 2;
-    atoli = abstol <= R(0) ? ulp * tnorm : abstol;
+    const R atoli = abstol <= R(0) ? ulp * tnorm : abstol;
 
     R lo[2] = {gl, gl}, hi[2] = {gu, gu}, mid[2] = {gl, gu};
     int nlo[2] = {-1, -1}, nhi[2] = {n + 1, n + 1}, target[2] = {il - 1, iu};
@@ -233,15 +232,9 @@ int stebz(Range range, bool by_block, int n, R vl, R vu, int il, int iu, R absto
     wul = lo[b];
     nwu = nhi[b];
     if (nwl < 0 || nwl >= n || nwu < 1 || nwu > n) return 4;
-  } else {
-    R tnorm = std::max(std::abs(d[0]) + std::abs(e[0]), std::abs(d[n - 1]) + std::abs(e[n - 2]));
-    for (int j = 1; j < n - 1; ++j)
-      tnorm = std::max(tnorm, std::abs(d[j]) + std::abs(e[j - 1]) + std::abs(e[j]));
-    atoli = abstol <= R(0) ? ulp * tnorm : abstol;
-    if (range == Range::kValues) {
-      wl = vl;
-      wu = vu;
-    }
+  } else if (range == Range::kValues) {
+    wl = vl;
+    wu = vu;
   }
 
   // Each block's eigenvalues in (wl, wu] (all of them for kAll): the counts
