@@ -15,6 +15,7 @@
 #include "lapack/eigen.h"
 #include "lapack/rotations.h"
 #include "lapack/tridiag.h"
+#include "orb.h"
 #include "support/matrix.h"
 
 namespace {
@@ -269,6 +270,40 @@ TEST(Stein, ClusterVectorsAreOrthogonal) {
       EXPECT_EQ(zc(i, j).real(), z(i, j));
       EXPECT_EQ(zc(i, j).imag(), 0.0f);
     }
+}
+
+// ---- the entries' checks where they read arrays or real arguments ---------------------
+
+TEST(TridiagEntries, BisectionAndInverseIterationChecks) {
+  float d[4] = {1, 2, 3, 4}, e[3] = {1, 1, 1}, w[4] = {1, 2, 3, 4}, work[20], z[16];
+  int iwork[12], iblock[4] = {1, 1, 1, 1}, isplit[4] = {4, 4, 4, 4}, ifail[4], m, nsplit, info;
+  const int n = 4;
+  auto stebz = [&](char range, float vl, float vu, int il, int iu) {
+    const float abstol = 0;
+    sstebz(&range, "E", &n, &vl, &vu, &il, &iu, &abstol, d, e, &m, &nsplit, w, iblock, isplit, work,
+           iwork, &info, 1, 1);
+    return info;
+  };
+  EXPECT_EQ(stebz('V', 2, 2, 0, 0), -5);  // VL < VU
+  EXPECT_EQ(stebz('V', 1, 2, 0, 0), 0);   // IL, IU not looked at
+  EXPECT_EQ(stebz('I', 2, 1, 0, 1), -6);  // VL, VU not looked at
+  EXPECT_EQ(stebz('I', 0, 0, 5, 5), -6);
+  EXPECT_EQ(stebz('I', 0, 0, 3, 2), -7);
+  EXPECT_EQ(stebz('I', 0, 0, 2, 5), -7);
+  EXPECT_EQ(stebz('I', 0, 0, 2, 3), 0);
+  EXPECT_EQ(m, 2);
+
+  // The first pair out of order decides between IBLOCK (-6) and W (-5).
+  auto stein = [&](std::vector<int> blocks, std::vector<float> values) {
+    const int mm = static_cast<int>(blocks.size()), ldz = 4;
+    sstein(&n, d, e, &mm, values.data(), blocks.data(), isplit, z, &ldz, work, iwork, ifail, &info);
+    return info;
+  };
+  EXPECT_EQ(stein({1, 1, 1}, {1, 0, 2}), -5);
+  EXPECT_EQ(stein({2, 1, 1}, {1, 2, 0}), -6);
+  EXPECT_EQ(stein({1, 1, 0}, {1, 0, 2}), -5);
+  EXPECT_EQ(stein({1, 2, 1}, {0, 1, 2}), -6);
+  EXPECT_EQ(stein({1, 1, 1, 1, 1}, {0, 1, 2, 3, 4}), -4);  // M > N
 }
 
 }  // namespace
