@@ -136,6 +136,21 @@ TEST(Steqr, VectorsDiagonalizeTheMatrix) {
   EXPECT_LT(worst_orth, 10 * n * eps);
 }
 
+// A NaN ends both iterations at their sweep limit with INFO > 0; it does
+// not hang them.
+TEST(Steqr, NanStopsAtTheIterationLimit) {
+  const int n = 12;
+  for (int pos : {0, 5, 11}) {
+    std::vector<float> d(n, 1.0f), e(n - 1, 0.5f), work(2 * n);
+    d[pos] = std::numeric_limits<float>::quiet_NaN();
+    std::vector<float> d2 = d, e2 = e;
+    Matrix<float> z(n, n);
+    EXPECT_GT(lp::steqr<float>(CompQ::kInitial, n, d.data(), e.data(), z.data(), z.ld, work.data()),
+              0);
+    EXPECT_GT(lp::sterf<float>(n, d2.data(), e2.data()), 0);
+  }
+}
+
 // ---- bisection ------------------------------------------------------------------------
 
 // Copies of Wilkinson's W21+ glued by off-diagonals `glue`: every
