@@ -782,15 +782,6 @@ ORB_API void ctrsyl(const char *trana, const char *tranb, const int *isgn, const
                     int trana_len, int tranb_len);
 
 /* ---------------------------------------------------------------------------
- * LAPACK: symmetric tridiagonal eigenvalue problems
- * ------------------------------------------------------------------------- */
-ORB_API void ssteqr(const char *compz, const int *n, float *d, float *e, float *z, const int *ldz,
-                    float *work, int *info, int compz_len);
-ORB_API void ssterf(const int *n, float *d, float *e, int *info);
-ORB_API void csteqr(const char *compz, const int *n, float *d, float *e, orb_complex8 *z,
-                    const int *ldz, float *work, int *info, int compz_len);
-
-/* ---------------------------------------------------------------------------
  * LAPACK: singular value decomposition
  * ------------------------------------------------------------------------- */
 ORB_API void sgebrd(const int *m, const int *n, float *a, const int *lda, float *d, float *e,

@@ -523,14 +523,50 @@ int steqr(CompQ compz, int n, real_t<T> *d, real_t<T> *e, T *z, int ldz, real_t<
   return steqr_batched(compz, n, d, e, z, ldz, work, oracle(kBlockSize, name<T>("STEQR")), 0);
 }
 
+template <class T>
+int pteqr(CompQ compz, int n, real_t<T> *d, real_t<T> *e, T *z, int ldz, real_t<T> *work) {
+  using R = real_t<T>;
+  if (n <= 0) return 0;
+  const bool vectors = compz != CompQ::kNone;
+  if (n == 1) {
+    if (vectors) z[0] = T(1);
+    return 0;
+  }
+  if (compz == CompQ::kInitial) laset<T>(Part::kAll, n, n, T(0), T(1), z, ldz);
+  // T = L D L^T (xPTTRF); INFO i when the leading minor of order i is not
+  // positive definite.
+  for (int i = 0; i < n - 1; ++i) {
+    if (d[i] <= R(0)) return i + 1;
+    const R ei = e[i];
+    e[i] = ei / d[i];
+    d[i + 1] -= e[i] * ei;
+  }
+  if (d[n - 1] <= R(0)) return n;
+  // The Cholesky factor L D^1/2 is lower bidiagonal: its singular values
+  // are the square roots of T's eigenvalues, its left vectors T's vectors.
+  for (int i = 0; i < n - 1; ++i) {
+    d[i] = std::sqrt(d[i]);
+    e[i] *= d[i];
+  }
+  d[n - 1] = std::sqrt(d[n - 1]);
+  T vt_dummy[1] = {T(0)}, c_dummy[1] = {T(0)};
+  const int info =
+      bdsqr<T>(Uplo::kLower, n, 0, vectors ? n : 0, 0, d, e, vt_dummy, 1, z, ldz, c_dummy, 1, work);
+  if (info != 0) return n + info;
+  for (int i = 0; i < n; ++i) d[i] *= d[i];
+  return 0;
+}
+
 template float lanst(Norm, int, const float *, const float *);
 template double lanst(Norm, int, const double *, const double *);
 template int sterf(int, float *, float *);
 template int sterf(int, double *, double *);
 
-#define ORB_STEQR(T)                                                               \
-  template int steqr(CompQ, int, real_t<T> *, real_t<T> *, T *, int, real_t<T> *); \
-  template int steqr_batched(CompQ, int, real_t<T> *, real_t<T> *, T *, int, real_t<T> *, int, int);
+#define ORB_STEQR(T)                                                                           \
+  template int steqr(CompQ, int, real_t<T> *, real_t<T> *, T *, int, real_t<T> *);             \
+  template int steqr_batched(CompQ, int, real_t<T> *, real_t<T> *, T *, int, real_t<T> *, int, \
+                             int);                                                             \
+  template int pteqr(CompQ, int, real_t<T> *, real_t<T> *, T *, int, real_t<T> *);
 ORB_STEQR(float)
 ORB_STEQR(double)
 ORB_STEQR(std::complex<float>)

@@ -39,8 +39,10 @@ foreach(_p s c)
   endif()
 endforeach()
 
-# The symmetric eigenproblem tests (sep.in: the tridiagonal reduction and
-# the solvers behind it) with ORB in front, on one thread and on two.
+# The symmetric eigenvalue tests (sep.in: the tridiagonal reduction, the
+# tridiagonal solvers and the drivers built on them; se2.in: the same
+# solvers behind the reference two-stage drivers) with ORB in front, sep.in
+# on one thread and on two.
 foreach(_p s c)
   foreach(_t 1 2)
     orb_reference_lapack(reference_lapack_sep_${_p}_t${_t} xeigtst${_p} sep.in)
@@ -49,4 +51,5 @@ foreach(_p s c)
                    ORB_NUM_THREADS=${_t})
     endif()
   endforeach()
+  orb_reference_lapack(reference_lapack_se2_${_p} xeigtst${_p} se2.in)
 endforeach()
