@@ -90,6 +90,8 @@ constexpr Row kRows[] = {
     {"UNMLQ", "CZ", 32, 2, 128},
     {"ORMQL", "SD", 32, 2, 128},
     {"UNMQL", "CZ", 32, 2, 128},
+    {"ORGQL", "SD", 32, 2, 128},
+    {"UNGQL", "CZ", 32, 2, 128},
 };
 
 // The routine's name as the table spells it, and its precision letter.
