@@ -92,6 +92,9 @@ constexpr Row kRows[] = {
     {"UNMQL", "CZ", 32, 2, 128},
     {"ORGQL", "SD", 32, 2, 128},
     {"UNGQL", "CZ", 32, 2, 128},
+    // the generalized problem's reduction: the published blocks of 64
+    {"SYGST", "SD", 64, 2, 0},
+    {"HEGST", "CZ", 64, 2, 0},
 };
 
 // The routine's name as the table spells it, and its precision letter.

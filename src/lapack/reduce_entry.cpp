@@ -1,6 +1,7 @@
 // The exported pieces of the symmetric and Hermitian reductions: the
 // orthogonal or unitary factor of the tridiagonal reduction (SORGTR,
-// CUNGTR) and products with it (SORMTR, CUNMTR).
+// CUNGTR), products with it (SORMTR, CUNMTR), and the generalized
+// problem's reduction to standard form (SSYGST, CHEGST).
 #include <algorithm>
 #include <cstdint>
 
@@ -82,10 +83,27 @@ void ormtr(const char *side, const char *uplo, const char *trans, const int *m, 
                      work, *lwork);
 }
 
+// ---- the generalized problem -------------------------------------------------------------
+
+bool itype_ok(ck::Args a) {
+  return arg(a, 1) >= 1 && arg(a, 1) <= 3;
+}
+constexpr ck::Test kSygst[] = {ck::holds(1, itype_ok), ck::option(2, "UL"), ck::nonneg(3),
+                               ck::ld(5, ck::dim(3)), ck::ld(7, ck::dim(3))};
+
+template <class T>
+void sygst(const int *itype, const char *uplo, const int *n, T *a, const int *lda, const T *b,
+           const int *ldb, int *) {
+  orb::lapack::sygst(*itype, option<Uplo>(*uplo), *n, a, *lda, b, *ldb);
+}
+
 constexpr auto kSorgtr = orb::entry::lapack_checker("SORGTR", kOrgtr, 6, 7);
 constexpr auto kCungtr = orb::entry::lapack_checker("CUNGTR", kOrgtr, 6, 7);
 constexpr auto kSormtr = orb::entry::lapack_checker("SORMTR", kOrmtr<kRealTrans>, 11, 12);
 constexpr auto kCunmtr = orb::entry::lapack_checker("CUNMTR", kOrmtr<kComplexTrans>, 11, 12);
+
+constexpr auto kSsygst = orb::entry::lapack_checker("SSYGST", kSygst);
+constexpr auto kChegst = orb::entry::lapack_checker("CHEGST", kSygst);
 
 }  // namespace
 
@@ -114,6 +132,17 @@ ORB_API void cunmtr(const char *side, const char *uplo, const char *trans, const
                     int *info, int, int, int) {
   orb::entry::lapack(kCunmtr, ormtr_size<c8>, ormtr<c8>, side, uplo, trans, m, n, cx(a), lda,
                      cx(tau), cx(c), ldc, cx(work), lwork, info);
+}
+
+ORB_API void ssygst(const int *itype, const char *uplo, const int *n, float *a, const int *lda,
+                    const float *b, const int *ldb, int *info, int) {
+  orb::entry::lapack(kSsygst, orb::entry::NoWorkspace{}, sygst<float>, itype, uplo, n, a, lda, b,
+                     ldb, info);
+}
+ORB_API void chegst(const int *itype, const char *uplo, const int *n, orb_complex8 *a,
+                    const int *lda, orb_complex8 *b, const int *ldb, int *info, int) {
+  orb::entry::lapack(kChegst, orb::entry::NoWorkspace{}, sygst<c8>, itype, uplo, n, cx(a), lda,
+                     static_cast<const c8 *>(cx(b)), ldb, info);
 }
 
 }  // extern "C"

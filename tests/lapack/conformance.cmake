@@ -38,3 +38,9 @@ foreach(_p s c)
                  ORB_QR_TEAM_FROM=64)
   endif()
 endforeach()
+
+# The generalized symmetric-definite eigenproblems (the reduction to
+# standard form and the drivers that call it) with ORB in front.
+foreach(_p s c)
+  orb_reference_lapack(reference_lapack_sg_${_p} xeigtst${_p} ${_p}sg.in)
+endforeach()
