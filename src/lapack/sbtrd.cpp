@@ -105,9 +105,9 @@ void sbtrd(CompQ vect, Uplo uplo, int n, int kd, T *ab, int ldab, real_t<T> *d, 
   const auto S = [&](int j) -> T & { return work[j - 1]; };
 
   const int kd1 = kd + 1, kdm1 = kd - 1;
-  const std::ptrdiff_t inca =
-      static_cast<std::ptrdiff_t>(kd1) * ldab;  // from one bulge to the next
-  const std::ptrdiff_t incx = ldab - 1;         // along a row of the band (upper) or column (lower)
+  // Consecutive bulges are kd1 columns apart; incx steps along a row of
+  // the band (upper) or a column (lower).
+  const std::ptrdiff_t incx = ldab - 1;
   const int kdn = std::min(n - 1, kd);
 
   if (kd > 1) {
