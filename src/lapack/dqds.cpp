@@ -504,16 +504,12 @@ template <class R>
 int Dqds<R>::setup() {
   const int n = n_;
   at(2 * n) = R(0);
-  R emin = at(2);
-  R qmax = 0, zmax = 0, d = 0, e = 0;
+  R d = 0, e = 0;  // the sums of the q's and of the e's
   for (int k = 1; k <= 2 * (n - 1); k += 2) {
     if (at(k) < R(0)) return -(200 + k);
     if (at(k + 1) < R(0)) return -(200 + k + 1);
     d += at(k);
     e += at(k + 1);
-    qmax = std::max(qmax, at(k));
-    emin = std::min(emin, at(k + 1));
-    zmax = std::max({qmax, zmax, at(k + 1)});
   }
   if (at(2 * n - 1) < R(0)) return -(200 + 2 * n - 1);
   d += at(2 * n - 1);

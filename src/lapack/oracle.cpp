@@ -106,11 +106,16 @@ constexpr Row kRows[] = {
     // region; 4000: 12.6 s against 10.2 s), so only orders beyond those
     // split it. SYTD3's is the order from which the rank-2k step is split
     // (the whole loop in one region): with both cores that busy, two threads
-    // at 256 gave 2.6 GFLOP/s against 9.5 on one, at 1000 10.5 against 14.1
+    // at 256 gave 2.6 GFLOP/s against 9.5 on one, at 1000 10.5 against 14.1.
     {"SYTRD", "SD", 32, 2, 32},
     {"HETRD", "CZ", 32, 2, 32},
     {"LATRD", "SDCZ", 1, 2, 10000},
     {"SYTD3", "SDCZ", 1, 2, 1000},
+    {"ORGQL", "SD", 32, 2, 128},
+    {"UNGQL", "CZ", 32, 2, 128},
+    // the generalized problem's reduction: the published blocks of 64
+    {"SYGST", "SD", 64, 2, 0},
+    {"HEGST", "CZ", 64, 2, 0},
 };
 
 // The routine's name as the table spells it, and its precision letter.

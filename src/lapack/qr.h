@@ -77,6 +77,15 @@ void orglq(int m, int n, int k, T *a, int lda, const T *tau, T *work, int lwork)
 template <class T>
 std::int64_t orglq_worksize(int m, int n, int k);
 
+// The last n columns of Q from the k reflectors of a QL (xORG2L/xUNG2L,
+// work n entries; xORGQL/xUNGQL blocked, orgql.cpp).
+template <class T>
+void org2l(int m, int n, int k, T *a, int lda, const T *tau, T *work);
+template <class T>
+void orgql(int m, int n, int k, T *a, int lda, const T *tau, T *work, int lwork);
+template <class T>
+std::int64_t orgql_worksize(int m, int n, int k);
+
 // xORMQR/xUNMQR (module xormqr_omp), xORMLQ/xUNMLQ (xormlq_omp) and
 // xORMQL/xUNMQL (xormql_omp): blocks of reflectors through larft and
 // larfb; from the oracle's team crossover on C's other dimension the

@@ -53,3 +53,9 @@ foreach(_p s c)
   endforeach()
   orb_reference_lapack(reference_lapack_se2_${_p} xeigtst${_p} se2.in)
 endforeach()
+
+# The generalized symmetric-definite eigenproblems (the reduction to
+# standard form and the drivers that call it) with ORB in front.
+foreach(_p s c)
+  orb_reference_lapack(reference_lapack_sg_${_p} xeigtst${_p} ${_p}sg.in)
+endforeach()

@@ -83,7 +83,9 @@ void expect_lasq2(const std::vector<float> &q, const std::vector<float> &e, doub
   const std::vector<double> want = qd_values(q, e);
   for (int k = 0; k < n; ++k) {
     EXPECT_NEAR(z[k], want[k], rtol * want[k]) << "eigenvalue " << k << " of " << n;
-    if (k > 0) EXPECT_GE(z[k - 1], z[k]);
+    if (k > 0) {
+      EXPECT_GE(z[k - 1], z[k]);
+    }
   }
   if (n > 2 && *std::max_element(e.begin(), e.end()) > 0) {
     // The trace and the sum of the eigenvalues agree.
