@@ -93,6 +93,10 @@ constexpr Row kRows[] = {
     {"UNMLQ", "CZ", 32, 2, 128},
     {"ORMQL", "SD", 32, 2, 128},
     {"UNMQL", "CZ", 32, 2, 128},
+    // divide and conquer on a tridiagonal: no blocks, leaves of query 9's
+    // 25 rows; from order 128 the leaves and each level's merges are shared
+    // out over the team
+    {"STEDC", "SDCZ", 1, 2, 128},
 };
 
 // The routine's name as the table spells it, and its precision letter.
