@@ -139,6 +139,36 @@ TEST(DivideAndConquer, TwoThreadsGiveTheSameBitsAsOne) {
   }
 }
 
+// The complex form: the real tree, then the product with Z over the
+// library's team.
+TEST(DivideAndConquer, ComplexUpdateTwoThreadsGiveTheSameBitsAsOne) {
+  Random rng(5);
+  const int n = 400;
+  const Tridiagonal t = random_tridiagonal(n, rng);
+  std::vector<c8> z0(static_cast<std::size_t>(n) * n);
+  for (c8 &v : z0) v = rng.value<c8>();
+  const lp::StedcWork ws = lp::stedc_worksize<c8>(CompQ::kUpdate, n);
+  std::vector<float> lam[2];
+  std::vector<c8> z[2];
+  for (int threads : {1, 2}) {
+    ORB_Set_Num_Threads(threads);
+    std::vector<float> &d = lam[threads - 1];
+    std::vector<c8> &zz = z[threads - 1];
+    d = t.d;
+    zz = z0;
+    std::vector<float> e = t.e, rwork(ws.lrwork);
+    std::vector<c8> work(ws.lwork);
+    std::vector<int> iwork(ws.liwork);
+    ASSERT_EQ(lp::stedc<c8>(CompQ::kUpdate, n, d.data(), e.data(), zz.data(), n, work.data(),
+                            static_cast<int>(ws.lwork), rwork.data(), static_cast<int>(ws.lrwork),
+                            iwork.data(), static_cast<int>(ws.liwork)),
+              0);
+  }
+  ORB_Set_Num_Threads(1);
+  EXPECT_EQ(std::memcmp(lam[0].data(), lam[1].data(), n * sizeof(float)), 0);
+  EXPECT_EQ(std::memcmp(z[0].data(), z[1].data(), z[0].size() * sizeof(c8)), 0);
+}
+
 TEST(DivideAndConquer, GluedWilkinsonAndHeavyDeflation) {
   Random rng(7);
   const Tridiagonal cases[] = {glued_wilkinson(10, 12, 1e-5f), glued_wilkinson(3, 40, 1e-3f),
