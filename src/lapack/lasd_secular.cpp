@@ -10,6 +10,7 @@
 #include <cmath>
 #include <limits>
 
+#include "lapack/laed.h"
 #include "lapack/lasd.h"
 
 namespace orb::lapack::dc {
@@ -509,6 +510,16 @@ int lasd4(int n, int i, const R *d, const R *z, R *delta, R rho, R &sigma, R *wo
   if (i == n) return last_root(n, d, z, delta, rho, sigma, work);
   return inner_root(n, i, d, z, delta, rho, sigma, work);
 }
+
+// The 3-pole step shared with the tridiagonal secular equation (laed4).
+template <class R>
+int laed6_step(int kniter, bool orgati, R rho, const R d[3], const R z[3], R finit, R &tau) {
+  return laed6(kniter, orgati, rho, d, z, finit, tau);
+}
+
+template int laed6_step<float>(int, bool, float, const float[3], const float[3], float, float &);
+template int laed6_step<double>(int, bool, double, const double[3], const double[3], double,
+                                double &);
 
 template int lasd4<float>(int, int, const float *, const float *, float *, float, float &, float *);
 template int lasd4<double>(int, int, const double *, const double *, double *, double, double &,

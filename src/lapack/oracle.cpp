@@ -116,6 +116,10 @@ constexpr Row kRows[] = {
     // the generalized problem's reduction: the published blocks of 64
     {"SYGST", "SD", 64, 2, 0},
     {"HEGST", "CZ", 64, 2, 0},
+    // divide and conquer on a tridiagonal: no blocks, leaves of query 9's
+    // 25 rows; from order 128 the leaves and each level's merges are shared
+    // out over the team
+    {"STEDC", "SDCZ", 1, 2, 128},
 };
 
 // The routine's name as the table spells it, and its precision letter.
