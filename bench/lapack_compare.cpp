@@ -1382,6 +1382,191 @@ void svd_rows(const std::vector<Library> &libs, const Options &o, bool divide, c
   }
 }
 
+// ---- symmetric and Hermitian eigenproblems ----------------------------------------------
+
+using Len = Fortran_len;
+using SyevrFn = void (*)(const char *, const char *, const char *, const int *, void *, const int *,
+                         const float *, const float *, const int *, const int *, const float *,
+                         int *, float *, void *, const int *, int *, void *, const int *, int *,
+                         const int *, int *, Len, Len, Len);
+using HeevrFn = void (*)(const char *, const char *, const char *, const int *, void *, const int *,
+                         const float *, const float *, const int *, const int *, const float *,
+                         int *, float *, void *, const int *, int *, void *, const int *, float *,
+                         const int *, int *, const int *, int *, Len, Len, Len);
+using SbevdFn = void (*)(const char *, const char *, const int *, const int *, float *, const int *,
+                         float *, float *, const int *, float *, const int *, int *, const int *,
+                         int *, Len, Len);
+
+// The symmetric (Hermitian) matrix with the lower triangle of a, in full.
+template <class T>
+std::vector<T> hermitian_full(const std::vector<T> &a, int n) {
+  std::vector<T> h(a);
+  for (std::size_t j = 0; j < std::size_t(n); ++j) {
+    for (std::size_t i = 0; i < j; ++i) h[i + j * n] = conj_of(h[j + i * n]);
+    h[j + j * n] = T(std::real(h[j + j * n]));
+  }
+  return h;
+}
+
+// For a random x: ||A Z x - Z W x|| / (||A|| n eps) and ||Z^H Z x - x|| / (n eps), m pairs.
+template <class T>
+std::string eigen_fault(const std::vector<T> &full, double a_norm, int n, int m,
+                        const std::vector<float> &w, const T *z) {
+  using W = Wide<T>;
+  const double eps = std::numeric_limits<float>::epsilon();
+  std::vector<W> x(m);
+  std::mt19937 rng(17);
+  std::uniform_real_distribution<double> d(-1, 1);
+  for (auto &v : x) v = W(d(rng));
+  std::vector<W> zx(n, W(0)), zwx(n, W(0)), back(m, W(0));
+  for (std::size_t j = 0; j < std::size_t(m); ++j)
+    for (std::size_t i = 0; i < std::size_t(n); ++i) {
+      zx[i] += W(z[i + j * n]) * x[j];
+      zwx[i] += W(z[i + j * n]) * (double(w[j]) * x[j]);
+    }
+  const std::vector<W> azx = times(full.data(), n, zx);
+  for (std::size_t j = 0; j < std::size_t(m); ++j)
+    for (std::size_t i = 0; i < std::size_t(n); ++i) back[j] += conj_of(W(z[i + j * n])) * zx[i];
+  double r = 0, o = 0, xn = 0;
+  for (int i = 0; i < n; ++i) r = std::max(r, std::abs(azx[i] - zwx[i]));
+  for (int j = 0; j < m; ++j)
+    o = std::max(o, std::abs(back[j] - x[j])), xn = std::max(xn, std::abs(x[j]));
+  const double res = r / (a_norm * xn * n * eps), orth = o / (xn * n * eps);
+  return residual_fault(std::isfinite(res) && std::isfinite(orth) ? std::max(res, orth) : INFINITY);
+}
+
+// ssyevr and cheevr with vectors, the lower triangle, all pairs ('A') or the
+// smallest tenth of them ('I'); each library's optimal workspace, a fresh
+// copy of A every call.
+template <class T>
+void syevr_rows(const std::vector<Library> &libs, const Options &o, const char *routine,
+                char range) {
+  constexpr bool cplx = std::is_same_v<T, c8>;
+  const std::string row = std::string(routine) + range;
+  if (!wanted(o, row.c_str())) return;
+  for (int n : o.sizes) {
+    if (n > 4000) continue;
+    const std::vector<T> full = hermitian_full(random_matrix<T>(std::size_t(n) * n, 7), n);
+    const double a_norm = norm_inf(full, n);
+    const int il = 1, iu = range == 'A' ? n : std::max(1, n / 10);
+    std::vector<T> f(full.size()), z(full.size());
+    std::vector<float> w(n);
+    std::vector<int> isuppz(2 * std::size_t(n));
+    std::vector<std::vector<T>> works(libs.size());
+    std::vector<std::vector<float>> rworks(libs.size());
+    std::vector<std::vector<int>> iworks(libs.size());
+    std::vector<Run> runs;
+    for (std::size_t li = 0; li < libs.size(); ++li) {
+      void *sym = libs[li].sym(cplx ? "cheevr_" : "ssyevr_");
+      if (!sym) {
+        runs.emplace_back();
+        continue;
+      }
+      auto call = [sym, range, n, il, iu, &f, &w, &z, &isuppz](T *work, int lwork, float *rwork,
+                                                               int lrwork, int *iwork, int liwork,
+                                                               int *m) {
+        const char jobz = 'V', uplo = 'L';
+        const float vl = 0, vu = 0, abstol = 0;
+        int info = -1;
+        if constexpr (cplx)
+          reinterpret_cast<HeevrFn>(sym)(&jobz, &range, &uplo, &n, f.data(), &n, &vl, &vu, &il, &iu,
+                                         &abstol, m, w.data(), z.data(), &n, isuppz.data(), work,
+                                         &lwork, rwork, &lrwork, iwork, &liwork, &info, 1, 1, 1);
+        else
+          reinterpret_cast<SyevrFn>(sym)(&jobz, &range, &uplo, &n, f.data(), &n, &vl, &vu, &il, &iu,
+                                         &abstol, m, w.data(), z.data(), &n, isuppz.data(), work,
+                                         &lwork, iwork, &liwork, &info, 1, 1, 1);
+        (void)rwork, (void)lrwork;
+        return info;
+      };
+      T qw = 0;
+      float qr = 0;
+      int qi = 0, m = 0;
+      call(&qw, -1, &qr, -1, &qi, -1, &m);
+      works[li].resize(std::max(1, int(std::real(qw))));
+      rworks[li].resize(std::max(1, int(qr)));
+      iworks[li].resize(std::max(1, qi));
+      runs.push_back([call, n, a_norm, &full, &f, &w, &z, &work = works[li], &rwork = rworks[li],
+                      &iwork = iworks[li]](bool check) {
+        std::copy(full.begin(), full.end(), f.begin());
+        int m = 0;
+        const auto t0 = std::chrono::steady_clock::now();
+        const int info = call(work.data(), int(work.size()), rwork.data(), int(rwork.size()),
+                              iwork.data(), int(iwork.size()), &m);
+        Outcome out;
+        out.seconds = seconds_since(t0);
+        if (check) {
+          out.fault = info_fault(info);
+          if (out.fault.empty()) out.fault = eigen_fault(full, a_norm, n, m, w, z.data());
+        }
+        return out;
+      });
+    }
+    // Nominal: the reduction's 4/3 n^3 and the back transformation's 2 n^2 m
+    // (real arithmetic; four times that for complex).
+    const double pairs = iu - il + 1;
+    const double flops = (4.0 / 3 * n * double(n) * n + 2.0 * n * n * pairs) * (cplx ? 4 : 1);
+    for (int nt : o.threads) print_row(measure(row.c_str(), n, nt, false, flops, runs, libs), libs);
+  }
+}
+
+// ssbevd with vectors on a band of width max(n / 20, 8), the lower triangle.
+void sbevd_rows(const std::vector<Library> &libs, const Options &o) {
+  if (!wanted(o, "ssbevd")) return;
+  for (int n : o.sizes) {
+    if (n > 4000) continue;
+    const int kd = std::max(n / 20, 8), ldab = kd + 1;
+    const std::vector<float> full = hermitian_full(random_matrix<float>(std::size_t(n) * n, 9), n);
+    std::vector<float> band(std::size_t(ldab) * n, 0), banded(std::size_t(n) * n, 0);
+    for (std::size_t j = 0; j < std::size_t(n); ++j)
+      for (std::size_t i = j; i < std::min<std::size_t>(n, j + kd + 1); ++i) {
+        band[i - j + j * ldab] = full[i + j * n];
+        banded[i + j * n] = banded[j + i * n] = full[i + j * n];
+      }
+    const double a_norm = norm_inf(banded, n);
+    std::vector<float> ab(band.size()), w(n), z(std::size_t(n) * n);
+    std::vector<std::vector<float>> works(libs.size());
+    std::vector<std::vector<int>> iworks(libs.size());
+    std::vector<Run> runs;
+    for (std::size_t li = 0; li < libs.size(); ++li) {
+      void *sym = libs[li].sym("ssbevd_");
+      if (!sym) {
+        runs.emplace_back();
+        continue;
+      }
+      auto call = [sym, n, kd, ldab, &ab, &w, &z](float *work, int lwork, int *iwork, int liwork) {
+        const char jobz = 'V', uplo = 'L';
+        int info = -1;
+        reinterpret_cast<SbevdFn>(sym)(&jobz, &uplo, &n, &kd, ab.data(), &ldab, w.data(), z.data(),
+                                       &n, work, &lwork, iwork, &liwork, &info, 1, 1);
+        return info;
+      };
+      float qw = 0;
+      int qi = 0;
+      call(&qw, -1, &qi, -1);
+      works[li].resize(std::max(1, int(qw)));
+      iworks[li].resize(std::max(1, qi));
+      runs.push_back([call, n, a_norm, &band, &banded, &ab, &w, &z, &work = works[li],
+                      &iwork = iworks[li]](bool check) {
+        std::copy(band.begin(), band.end(), ab.begin());
+        const auto t0 = std::chrono::steady_clock::now();
+        const int info = call(work.data(), int(work.size()), iwork.data(), int(iwork.size()));
+        Outcome out;
+        out.seconds = seconds_since(t0);
+        if (check) {
+          out.fault = info_fault(info);
+          if (out.fault.empty()) out.fault = eigen_fault(banded, a_norm, n, n, w, z.data());
+        }
+        return out;
+      });
+    }
+    // Nominal: the band reduction's 6 n^2 kd and the vectors' 2 n^3 product
+    // (divide and conquer's own work depends on deflation).
+    const double flops = 6.0 * n * double(n) * kd + 2.0 * n * double(n) * n;
+    for (int nt : o.threads) print_row(measure("ssbevd", n, nt, false, flops, runs, libs), libs);
+  }
+}
+
 std::vector<int> int_list(char *text) {
   std::vector<int> v;
   for (char *s = std::strtok(text, ","); s; s = std::strtok(nullptr, ","))
@@ -1504,7 +1689,9 @@ int main(int argc, char **argv) {
       "sgecon (norm '1') in microseconds per call; spotrf n^3 / 3 flops (cpotrf 4 times\n"
       "that) on the lower triangle, spotrs 2 n^2 nrhs; sgesvd and sgesdd n^3 (nominal)\n"
       "with JOBZ (JOBU = JOBVT) 'N' or 'A'; ssytrd 4/3 n^3 (chetrd 4 times that) on the\n"
-      "lower triangle.\n",
+      "lower triangle; ssyevrA/ssyevrI (all pairs, the smallest tenth) and cheevrA\n"
+      "4/3 n^3 + 2 n^2 m (cheevr 4 times that); ssbevd (kd = n / 20) 6 n^2 kd + 2 n^3\n"
+      "(nominal).\n",
       o.nrhs);
   print_header(libs);
   getrf_rows<float>(libs, o, "sgetrf");
@@ -1524,5 +1711,8 @@ int main(int argc, char **argv) {
     for (const char job : {'N', 'A'}) svd_rows(libs, o, divide, job);
   sytrd_rows<float>(libs, o, "ssytrd");
   sytrd_rows<c8>(libs, o, "chetrd");
+  for (const char range : {'A', 'I'}) syevr_rows<float>(libs, o, "ssyevr", range);
+  syevr_rows<c8>(libs, o, "cheevr", 'A');
+  sbevd_rows(libs, o);
   return 0;
 }
