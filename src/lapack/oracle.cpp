@@ -98,19 +98,17 @@ constexpr Row kRows[] = {
     // reduction to tridiagonal form: panels of nb reflectors, the unblocked
     // reduction below the crossover (at 256 on one thread with 128, the
     // unblocked rank-2 updates and products of the last 128 columns took
-    // about a fifth of the time). LATRD's crossover is the order from which the panel's
-    // products run on a team; below it the whole loop runs in one region,
-    // the panels on its first thread. The panel's team waits twice a step:
-    // on a machine whose other jobs kept both cores busy it lost at every
-    // order timed (two threads, order 2000: 2.4 s against 0.87 s in one
-    // region; 4000: 12.6 s against 10.2 s), so only orders beyond those
-    // split it. SYTD3's is the order from which the rank-2k step is split
-    // (the whole loop in one region): with both cores that busy, two threads
-    // at 256 gave 2.6 GFLOP/s against 9.5 on one, at 1000 10.5 against 14.1.
+    // about a fifth of the time). LATRD's crossover is the order from which
+    // the panel's products run on the team; SYTD3's the order from which the
+    // rank-2k step is split (below both, the whole loop runs on one thread).
+    // Two threads on a quiet machine: the panel's team took order 2000 from
+    // 53 to 87 GFLOP/s, 1000 from 47 to 68 with the step split too; at 256
+    // the split step lost (22 against 26 GFLOP/s), at 512 it made no
+    // difference.
     {"SYTRD", "SD", 32, 2, 32},
     {"HETRD", "CZ", 32, 2, 32},
-    {"LATRD", "SDCZ", 1, 2, 10000},
-    {"SYTD3", "SDCZ", 1, 2, 1000},
+    {"LATRD", "SDCZ", 1, 2, 512},
+    {"SYTD3", "SDCZ", 1, 2, 512},
     {"ORGQL", "SD", 32, 2, 128},
     {"UNGQL", "CZ", 32, 2, 128},
     // the generalized problem's reduction: the published blocks of 64
