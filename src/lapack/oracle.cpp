@@ -342,6 +342,38 @@ int latrd_team_crossover(int fallback) {
   return from;
 }
 
+// The Hessenberg QR iteration's tuning (queries 12 to 16, arguments n,
+// ilo, ihi): the published choices, by the order of the active block.
+int hessenberg_qr(int query, int ilo, int ihi) {
+  const int nh = std::max(ihi - ilo + 1, 0);
+  int ns = 2;
+  if (nh >= 6000)
+    ns = 256;
+  else if (nh >= 3000)
+    ns = 128;
+  else if (nh >= 590)
+    ns = 64;
+  else if (nh >= 150)
+    ns = std::max(10, nh / static_cast<int>(std::log2(static_cast<double>(nh))));
+  else if (nh >= 60)
+    ns = 10;
+  else if (nh >= 30)
+    ns = 4;
+  ns = std::max(2, ns - ns % 2);
+  switch (query) {
+    case kQrSmall:
+      return 75;
+    case kQrWindow:
+      return nh <= 500 ? ns : 3 * ns / 2;
+    case kQrNibble:
+      return 14;
+    case kQrShifts:
+      return ns;
+    default:  // kQrAccumulate
+      return ns >= 14 ? 2 : 0;
+  }
+}
+
 }  // namespace
 
 int oracle(int query, const char *name, const char *opts, int n1, int n2, int n3, int n4,
@@ -386,6 +418,12 @@ int oracle(int query, const char *name, const char *opts, int n1, int n2, int n3
     case kNanSafe:
     case kInfSafe:
       return 1;
+    case kQrSmall:
+    case kQrWindow:
+    case kQrNibble:
+    case kQrShifts:
+    case kQrAccumulate:
+      return hessenberg_qr(query, n2, n3);
     case kLookahead:
       if (!is_ge_trf(n)) return 1;
       return getrf_lookahead(n2, threads);

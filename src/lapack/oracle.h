@@ -26,7 +26,13 @@ enum Query : int {
   kSubproblem = 9,    // the largest leaf of a divide-and-conquer tree
   kNanSafe = 10,      // comparisons with NaN behave as IEEE says
   kInfSafe = 11,      // arithmetic with infinities behaves as IEEE says
-  kLookahead = 17,    // threaded factorizations: panels factored ahead of the updates
+  // the Hessenberg QR iteration (arguments: n, ilo, ihi, lwork)
+  kQrSmall = 12,       // orders below which the double-shift QR runs
+  kQrWindow = 13,      // the aggressive early deflation window
+  kQrNibble = 14,      // percentage of the window deflated that skips a sweep
+  kQrShifts = 15,      // simultaneous shifts of a sweep
+  kQrAccumulate = 16,  // how a sweep's reflections are accumulated (0, 1, 2)
+  kLookahead = 17,     // threaded factorizations: panels factored ahead of the updates
   kChunk = 18,  // threaded factorizations: an update task's width (blocks; columns for the band LU)
   kInnerBlock = 19,  // threaded factorizations: the inner block of a panel
 };
