@@ -190,8 +190,8 @@ class Panel {
   // the diagonal, the last above) writes y itself; the others their own
   // partial, upper: rows [0, c1), lower: rows [c0, m). The block goes by
   // panels of kPanel columns: the panel's triangle on the diagonal column
-  // by column, its rectangle off the diagonal by two products, the second
-  // reading it again from cache.
+  // by column, its rectangle off the diagonal by one pass that makes both
+  // of its products.
   void block_product(int m, const T *c, const T *v, T *y, int part, int parts) {
     const int c0 = blas::level3_boundary(m, part, parts, 8, upper_ ? 1 : 2);
     const int c1 = blas::level3_boundary(m, part + 1, parts, 8, upper_ ? 1 : 2);
@@ -201,16 +201,12 @@ class Panel {
     std::fill(p + r0, p + r1, T(0));
     auto &k = blas::level2::kernels<T>();
     const auto axpy_dot = k.axpy_dot.get();
-    const auto gemv_n = k.gemv_n.get();
-    const auto gemv_t = k.gemv_t.get();
+    const auto gemv_nt = k.gemv_nt.get();
     constexpr bool herm = is_complex_v<T>;
     auto C = [&](int i, int j) { return c + i + static_cast<std::ptrdiff_t>(j) * lda_; };
     for (int j0 = c0; j0 < c1; j0 += kPanel) {
       const int j1 = std::min(c1, j0 + kPanel), w = j1 - j0;
-      if (upper_ && j0 > 0) {
-        gemv_n(j0, w, T(1), C(0, j0), lda_, v + j0, p);
-        gemv_t(j0, w, T(1), C(0, j0), lda_, v, p + j0, herm);
-      }
+      if (upper_ && j0 > 0) gemv_nt(j0, w, T(1), C(0, j0), lda_, v + j0, p, v, p + j0, herm);
       for (int j = j0; j < j1; ++j) {
         T s(0);
         if (upper_) {
@@ -220,10 +216,8 @@ class Panel {
         }
         p[j] += mul(v[j], real_part_if(*C(j, j))) + s;
       }
-      if (!upper_ && j1 < m) {
-        gemv_n(m - j1, w, T(1), C(j1, j0), lda_, v + j0, p + j1);
-        gemv_t(m - j1, w, T(1), C(j1, j0), lda_, v + j1, p + j0, herm);
-      }
+      if (!upper_ && j1 < m)
+        gemv_nt(m - j1, w, T(1), C(j1, j0), lda_, v + j0, p + j1, v + j1, p + j0, herm);
     }
   }
 

@@ -114,10 +114,12 @@ struct Variant {
   k2::Axpy<T> axpy;
   k2::Axpy2<T> axpy2;
   k2::AxpyDot<T> axpy_dot;
+  k2::GemvNT<T> gemv_nt;
 };
-#define ORB_VARIANT(ns)                                                                     \
-  Variant<T> {                                                                              \
-#ns, &k2::ns::gemv_n, &k2::ns::gemv_t, &k2::ns::axpy, &k2::ns::axpy2, &k2::ns::axpy_dot \
+#define ORB_VARIANT(ns)                                                                      \
+  Variant<T> {                                                                               \
+#ns, &k2::ns::gemv_n, &k2::ns::gemv_t, &k2::ns::axpy, &k2::ns::axpy2, &k2::ns::axpy_dot, \
+        &k2::ns::gemv_nt                                                                     \
   }
 template <class T>
 std::vector<Variant<T>> variants() {
@@ -167,6 +169,23 @@ TYPED_TEST(Level2Kernels, MatrixVectorProducts) {
               for (int j = 0; j < n; ++j)
                 bad += !near(yt[j], D<T>(yt0[j]) + D<T>(alpha) * atx(j, 0),
                              mag(D<T>(yt0[j])) + mag(D<T>(alpha)) * bound(j, 0), m);
+            }
+            // both in one pass: y(0:m) += alpha A x, z(0:n) += alpha op(A)^T u
+            for (bool cj : {false, true}) {
+              std::vector<T> u(m), y2 = y0, z(n);
+              for (T &e : u) e = g.value<T>();
+              for (T &e : z) e = g.value<T>();
+              const std::vector<T> z0 = z;
+              v.gemv_nt(m, n, alpha, a.data(), a.ld, x.data(), y2.data(), u.data(), z.data(), cj);
+              Matrix<double> bn, bt;
+              const Matrix<D<T>> ax2 = multiply('N', a, 'N', column(x), &bn);
+              const Matrix<D<T>> atu = multiply(cj ? 'C' : 'T', a, 'N', column(u), &bt);
+              for (int i = 0; i < m; ++i)
+                bad += !near(y2[i], D<T>(y0[i]) + D<T>(alpha) * ax2(i, 0),
+                             mag(D<T>(y0[i])) + mag(D<T>(alpha)) * bn(i, 0), n);
+              for (int j = 0; j < n; ++j)
+                bad += !near(z[j], D<T>(z0[j]) + D<T>(alpha) * atu(j, 0),
+                             mag(D<T>(z0[j])) + mag(D<T>(alpha)) * bt(j, 0), m);
             }
             ASSERT_EQ(bad, 0) << v.name << " m=" << m << " n=" << n << " pad=" << pad
                               << " offset=" << off;

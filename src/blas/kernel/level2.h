@@ -13,6 +13,9 @@
 //   axpy2     y(0:n) += a1 x1 + a2 x2
 //   axpy_dot  y(0:n) += alpha a, and *dot = sum op(a(i)) x(i), op as above:
 //             one column of a symmetric or Hermitian matrix-vector product.
+//   gemv_nt   y(0:m) += alpha A x and z(0:n) += alpha op(A)^T u in one pass
+//             over A: an off-diagonal block of a symmetric or Hermitian
+//             matrix-vector product, each column read once for both.
 //
 // The folders' kernels keep their helpers in anonymous namespaces; complex
 // values cross these signatures as std::complex but the vector folders read
@@ -35,13 +38,18 @@ template <class T>
 using Axpy2 = void (*)(int n, T a1, const T *x1, T a2, const T *x2, T *y);
 template <class T>
 using AxpyDot = void (*)(int n, T alpha, const T *a, const T *x, T *y, bool conj, T *dot);
+template <class T>
+using GemvNT = void (*)(int m, int n, T alpha, const T *a, int lda, const T *x, T *y, const T *u,
+                        T *z, bool conj);
 
-#define ORB_LEVEL2_KERNELS_OF(T)                                                        \
-  void gemv_n(int m, int n, T alpha, const T *a, int lda, const T *x, T *y);            \
-  void gemv_t(int m, int n, T alpha, const T *a, int lda, const T *x, T *y, bool conj); \
-  void axpy(int n, T alpha, const T *x, T *y);                                          \
-  void axpy2(int n, T a1, const T *x1, T a2, const T *x2, T *y);                        \
-  void axpy_dot(int n, T alpha, const T *a, const T *x, T *y, bool conj, T *dot);
+#define ORB_LEVEL2_KERNELS_OF(T)                                                               \
+  void gemv_n(int m, int n, T alpha, const T *a, int lda, const T *x, T *y);                   \
+  void gemv_t(int m, int n, T alpha, const T *a, int lda, const T *x, T *y, bool conj);        \
+  void axpy(int n, T alpha, const T *x, T *y);                                                 \
+  void axpy2(int n, T a1, const T *x1, T a2, const T *x2, T *y);                               \
+  void axpy_dot(int n, T alpha, const T *a, const T *x, T *y, bool conj, T *dot);              \
+  void gemv_nt(int m, int n, T alpha, const T *a, int lda, const T *x, T *y, const T *u, T *z, \
+               bool conj);
 #define ORB_LEVEL2_KERNELS     \
   ORB_LEVEL2_KERNELS_OF(float) \
   ORB_LEVEL2_KERNELS_OF(double) ORB_LEVEL2_KERNELS_OF(c8) ORB_LEVEL2_KERNELS_OF(c16)

@@ -73,6 +73,7 @@ struct Kernels {
   ORB_LEVEL2_SLOT(axpy, Axpy);
   ORB_LEVEL2_SLOT(axpy2, Axpy2);
   ORB_LEVEL2_SLOT(axpy_dot, AxpyDot);
+  ORB_LEVEL2_SLOT(gemv_nt, GemvNT);
 #undef ORB_LEVEL2_SLOT
 };
 #undef ORB_LEVEL2_WIDER

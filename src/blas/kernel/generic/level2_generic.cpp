@@ -54,21 +54,26 @@ void axpy_dot_impl(int n, T alpha, const T *a, const T *x, T *y, bool conj, T *d
 
 }  // namespace
 
-#define ORB_LEVEL2_GENERIC(T)                                                            \
-  void gemv_n(int m, int n, T alpha, const T *a, int lda, const T *x, T *y) {            \
-    gemv_n_impl(m, n, alpha, a, lda, x, y);                                              \
-  }                                                                                      \
-  void gemv_t(int m, int n, T alpha, const T *a, int lda, const T *x, T *y, bool conj) { \
-    gemv_t_impl(m, n, alpha, a, lda, x, y, conj);                                        \
-  }                                                                                      \
-  void axpy(int n, T alpha, const T *x, T *y) {                                          \
-    axpy_impl(n, alpha, x, y);                                                           \
-  }                                                                                      \
-  void axpy2(int n, T a1, const T *x1, T a2, const T *x2, T *y) {                        \
-    axpy2_impl(n, a1, x1, a2, x2, y);                                                    \
-  }                                                                                      \
-  void axpy_dot(int n, T alpha, const T *a, const T *x, T *y, bool conj, T *dot) {       \
-    axpy_dot_impl(n, alpha, a, x, y, conj, dot);                                         \
+#define ORB_LEVEL2_GENERIC(T)                                                                  \
+  void gemv_n(int m, int n, T alpha, const T *a, int lda, const T *x, T *y) {                  \
+    gemv_n_impl(m, n, alpha, a, lda, x, y);                                                    \
+  }                                                                                            \
+  void gemv_t(int m, int n, T alpha, const T *a, int lda, const T *x, T *y, bool conj) {       \
+    gemv_t_impl(m, n, alpha, a, lda, x, y, conj);                                              \
+  }                                                                                            \
+  void axpy(int n, T alpha, const T *x, T *y) {                                                \
+    axpy_impl(n, alpha, x, y);                                                                 \
+  }                                                                                            \
+  void axpy2(int n, T a1, const T *x1, T a2, const T *x2, T *y) {                              \
+    axpy2_impl(n, a1, x1, a2, x2, y);                                                          \
+  }                                                                                            \
+  void axpy_dot(int n, T alpha, const T *a, const T *x, T *y, bool conj, T *dot) {             \
+    axpy_dot_impl(n, alpha, a, x, y, conj, dot);                                               \
+  }                                                                                            \
+  void gemv_nt(int m, int n, T alpha, const T *a, int lda, const T *x, T *y, const T *u, T *z, \
+               bool conj) {                                                                    \
+    gemv_n_impl(m, n, alpha, a, lda, x, y);                                                    \
+    gemv_t_impl(m, n, alpha, a, lda, u, z, conj);                                              \
   }
 
 ORB_LEVEL2_GENERIC(float)

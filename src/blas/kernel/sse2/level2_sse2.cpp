@@ -506,6 +506,75 @@ struct Kernels {
       }
     }
   }
+
+  // ---- y += alpha A x and z += alpha op(A)^T u together ---------------------------
+
+  // Real data go by groups of C columns, each vector of the rows read once
+  // for its C updates of y and its C dot products with u; complex data take
+  // the two products in turn. A dot product sums row r in lane r mod W, the
+  // lanes added in one fixed order: the result depends on m and n only.
+  template <int C>
+  static void pass_nt(i64 m, const R *const *col, const R *t, const R *u, R *y, R *dots) {
+    constexpr int W = V::kW;
+    reg tv[C], acc[C];
+    for (int c = 0; c < C; ++c) tv[c] = V::set1(t[c]), acc[c] = V::zero();
+    i64 r = 0;
+    for (; r + W <= m; r += W) {
+      const reg uv = V::loadu(u + r);
+      reg yv = V::loadu(y + r);
+      for (int c = 0; c < C; ++c) {
+        const reg av = in_register(V::loadu(col[c] + r));
+        yv = V::madd(tv[c], av, yv);
+        acc[c] = V::madd(av, uv, acc[c]);
+      }
+      V::storeu(y + r, yv);
+    }
+    if (r < m) {
+      const int hi = static_cast<int>(m - r);
+      const reg uv = V::loadpart(u + r, 0, hi);
+      reg yv = V::loadpart(y + r, 0, hi);
+      for (int c = 0; c < C; ++c) {
+        const reg av = V::loadpart(col[c] + r, 0, hi);
+        yv = V::madd(tv[c], av, yv);
+        acc[c] = V::madd(av, uv, acc[c]);
+      }
+      V::storepart(y + r, yv, 0, hi);
+    }
+    for (int c = 0; c < C; ++c) {
+      R e, o;
+      V::pairsum(acc[c], e, o);
+      dots[c] = e + o;
+    }
+  }
+
+  static void gemv_nt(int m, int n, const R *alpha, const R *a, int lda, const R *x, R *y,
+                      const R *u, R *z, bool conj) {
+    if constexpr (kC) {
+      gemv_n(m, n, alpha, a, lda, x, y);
+      gemv_t(m, n, alpha, a, lda, u, z, conj);
+    } else {
+      (void)conj;
+      if (m <= 0) return;
+      const R al = *alpha;
+      const i64 ldr = lda;
+      constexpr int C = kGroupT;
+      int j = 0;
+      for (; j + C <= n; j += C) {
+        const R *col[C];
+        R t[C], d[C];
+        for (int c = 0; c < C; ++c) col[c] = a + (j + c) * ldr, t[c] = al * x[j + c];
+        pass_nt<C>(m, col, t, u, y, d);
+        for (int c = 0; c < C; ++c) z[j + c] = V::madd1(al, d[c], z[j + c]);
+      }
+      for (; j < n; ++j) {
+        const R *col[1] = {a + j * ldr};
+        const R t[1] = {al * x[j]};
+        R d[1];
+        pass_nt<1>(m, col, t, u, y, d);
+        z[j] = V::madd1(al, d[0], z[j]);
+      }
+    }
+  }
 };
 
 const float *re(const float *p) {
@@ -535,21 +604,25 @@ double *re(c16 *p) {
 
 }  // namespace
 
-#define ORB_LEVEL2_VECTOR(T, K)                                                          \
-  void gemv_n(int m, int n, T alpha, const T *a, int lda, const T *x, T *y) {            \
-    K::gemv_n(m, n, re(&alpha), re(a), lda, re(x), re(y));                               \
-  }                                                                                      \
-  void gemv_t(int m, int n, T alpha, const T *a, int lda, const T *x, T *y, bool conj) { \
-    K::gemv_t(m, n, re(&alpha), re(a), lda, re(x), re(y), conj);                         \
-  }                                                                                      \
-  void axpy(int n, T alpha, const T *x, T *y) {                                          \
-    K::axpy(n, re(&alpha), re(x), re(y));                                                \
-  }                                                                                      \
-  void axpy2(int n, T a1, const T *x1, T a2, const T *x2, T *y) {                        \
-    K::axpy2(n, re(&a1), re(x1), re(&a2), re(x2), re(y));                                \
-  }                                                                                      \
-  void axpy_dot(int n, T alpha, const T *a, const T *x, T *y, bool conj, T *dot) {       \
-    K::axpy_dot(n, re(&alpha), re(a), re(x), re(y), conj, re(dot));                      \
+#define ORB_LEVEL2_VECTOR(T, K)                                                                \
+  void gemv_n(int m, int n, T alpha, const T *a, int lda, const T *x, T *y) {                  \
+    K::gemv_n(m, n, re(&alpha), re(a), lda, re(x), re(y));                                     \
+  }                                                                                            \
+  void gemv_t(int m, int n, T alpha, const T *a, int lda, const T *x, T *y, bool conj) {       \
+    K::gemv_t(m, n, re(&alpha), re(a), lda, re(x), re(y), conj);                               \
+  }                                                                                            \
+  void axpy(int n, T alpha, const T *x, T *y) {                                                \
+    K::axpy(n, re(&alpha), re(x), re(y));                                                      \
+  }                                                                                            \
+  void axpy2(int n, T a1, const T *x1, T a2, const T *x2, T *y) {                              \
+    K::axpy2(n, re(&a1), re(x1), re(&a2), re(x2), re(y));                                      \
+  }                                                                                            \
+  void axpy_dot(int n, T alpha, const T *a, const T *x, T *y, bool conj, T *dot) {             \
+    K::axpy_dot(n, re(&alpha), re(a), re(x), re(y), conj, re(dot));                            \
+  }                                                                                            \
+  void gemv_nt(int m, int n, T alpha, const T *a, int lda, const T *x, T *y, const T *u, T *z, \
+               bool conj) {                                                                    \
+    K::gemv_nt(m, n, re(&alpha), re(a), lda, re(x), re(y), re(u), re(z), conj);                \
   }
 
 namespace {
