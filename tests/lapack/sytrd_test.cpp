@@ -156,8 +156,12 @@ void check_blocked_against_unblocked(int nb) {
       for (int k = 0; k < first; ++k) {
         const int i = uplo == Uplo::kUpper ? n - 1 - k : k;
         EXPECT_NEAR(blocked.d[i], one.d[i], tol) << i;
-        if (uplo == Uplo::kUpper && i > 0) EXPECT_NEAR(blocked.e[i - 1], one.e[i - 1], tol) << i;
-        if (uplo == Uplo::kLower && i + 1 < n) EXPECT_NEAR(blocked.e[i], one.e[i], tol) << i;
+        if (uplo == Uplo::kUpper && i > 0) {
+          EXPECT_NEAR(blocked.e[i - 1], one.e[i - 1], tol) << i;
+        }
+        if (uplo == Uplo::kLower && i + 1 < n) {
+          EXPECT_NEAR(blocked.e[i], one.e[i], tol) << i;
+        }
       }
     }
 }

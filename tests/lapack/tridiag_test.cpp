@@ -88,7 +88,9 @@ void steqr_batches_and_teams_match() {
         for (int i = 0; i + 1 < n; ++i) ASSERT_LE(one.d[i], one.d[i + 1]);
         for (auto [batch, threads] : {std::pair{3, 1}, {32, 1}, {1, 2}, {32, 2}}) {
           const QlRun<T> b = run_steqr<T>(compz, kind, n, batch, threads);
-          if (n == 100) EXPECT_EQ(lp::lasr3_last_team(), threads);
+          if (n == 100) {
+            EXPECT_EQ(lp::lasr3_last_team(), threads);
+          }
           EXPECT_EQ(b.info, 0);
           EXPECT_EQ(one.d, b.d);
           EXPECT_TRUE(same_bits(one.z, b.z))
