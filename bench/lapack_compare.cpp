@@ -1573,6 +1573,71 @@ void sbevd_rows(const std::vector<Library> &libs, const Options &o) {
   }
 }
 
+// ---- the Hessenberg reduction (sgehrd) ----------------------------------------------------
+
+using GehrdFn = void (*)(const int *, const int *, const int *, void *, const int *, void *, void *,
+                         const int *, int *);
+
+// sgehrd of a random square matrix (ilo = 1, ihi = n) with each library's
+// optimal LWORK; 10/3 n^3 flops. The similarity keeps the trace and the
+// Frobenius norm: H's (the reflectors below its subdiagonal left out) are
+// checked against A's to n eps.
+void gehrd_rows(const std::vector<Library> &libs, const Options &o) {
+  if (!wanted(o, "sgehrd")) return;
+  for (int n : o.sizes) {
+    const std::vector<float> a = random_matrix<float>(std::size_t(n) * n, 1);
+    double trace = 0, frob = 0;
+    for (std::size_t j = 0; j < std::size_t(n); ++j) {
+      trace += a[j + j * n];
+      for (std::size_t i = 0; i < std::size_t(n); ++i) frob += double(a[i + j * n]) * a[i + j * n];
+    }
+    std::vector<float> f(a.size()), tau(std::max(1, n));
+    std::vector<std::vector<float>> works(libs.size());
+    std::vector<Run> runs;
+    const int one = 1;
+    for (std::size_t li = 0; li < libs.size(); ++li) {
+      auto fn = reinterpret_cast<GehrdFn>(libs[li].sym("sgehrd_"));
+      if (!fn) {
+        runs.emplace_back();
+        continue;
+      }
+      const int lwork = optimal_lwork<float>([&](float *q) {
+        int lw = -1, info = 0;
+        fn(&n, &one, &n, f.data(), &n, tau.data(), q, &lw, &info);
+      });
+      works[li].resize(lwork);
+      std::vector<float> &work = works[li];
+      runs.push_back([fn, n, lwork, trace, frob, &a, &f, &tau, &work](bool check) {
+        std::copy(a.begin(), a.end(), f.begin());
+        int info = -1;
+        const int ilo = 1;
+        const auto t0 = std::chrono::steady_clock::now();
+        fn(&n, &ilo, &n, f.data(), &n, tau.data(), work.data(), &lwork, &info);
+        Outcome out;
+        out.seconds = seconds_since(t0);
+        if (check) {
+          out.fault = info_fault(info);
+          if (out.fault.empty()) {
+            double t = 0, s2 = 0;
+            for (std::size_t j = 0; j < std::size_t(n); ++j) {
+              t += f[j + j * n];
+              for (std::size_t i = 0; i <= std::min(j + 1, std::size_t(n) - 1); ++i)
+                s2 += double(f[i + j * n]) * f[i + j * n];
+            }
+            const double eps = double(n) * std::numeric_limits<float>::epsilon();
+            const double r = std::max(std::abs(t - trace) / (eps * std::sqrt(frob)),
+                                      std::abs(s2 - frob) / (eps * frob));
+            out.fault = residual_fault(std::isfinite(r) ? r : INFINITY);
+          }
+        }
+        return out;
+      });
+    }
+    const double flops = 10.0 * n * n * n / 3;
+    for (int nt : o.threads) print_row(measure("sgehrd", n, nt, false, flops, runs, libs), libs);
+  }
+}
+
 std::vector<int> int_list(char *text) {
   std::vector<int> v;
   for (char *s = std::strtok(text, ","); s; s = std::strtok(nullptr, ","))
@@ -1697,7 +1762,7 @@ int main(int argc, char **argv) {
       "with JOBZ (JOBU = JOBVT) 'N' or 'A'; ssytrd 4/3 n^3 (chetrd 4 times that) on the\n"
       "lower triangle; ssyevrA/ssyevrI (all pairs, the smallest tenth) and cheevrA\n"
       "4/3 n^3 + 2 n^2 m (cheevr 4 times that); ssbevd (kd = n / 20) 6 n^2 kd + 2 n^3\n"
-      "(nominal).\n",
+      "(nominal); sgehrd 10/3 n^3.\n",
       o.nrhs);
   print_header(libs);
   getrf_rows<float>(libs, o, "sgetrf");
@@ -1720,5 +1785,6 @@ int main(int argc, char **argv) {
   for (const char range : {'A', 'I'}) syevr_rows<float>(libs, o, "ssyevr", range);
   syevr_rows<c8>(libs, o, "cheevr", 'A');
   sbevd_rows(libs, o);
+  gehrd_rows(libs, o);
   return 0;
 }

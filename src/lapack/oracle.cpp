@@ -118,6 +118,9 @@ constexpr Row kRows[] = {
     // 25 rows; from order 128 the leaves and each level's merges are shared
     // out over the team
     {"STEDC", "SDCZ", 1, 2, 128},
+    // the reduction to Hessenberg form: the published panels of 32 columns,
+    // the last 128 columns one reflector at a time
+    {"GEHRD", "SDCZ", 32, 2, 128},
 };
 
 // The routine's name as the table spells it, and its precision letter.

@@ -59,3 +59,12 @@ endforeach()
 foreach(_p s c)
   orb_reference_lapack(reference_lapack_sg_${_p} xeigtst${_p} ${_p}sg.in)
 endforeach()
+
+# Balancing and its back transformation (sbal.in, sbak.in and the complex
+# forms) and the nonsymmetric eigenvalue path (nep.in: the Hessenberg
+# reduction and its factor among the routines it tests) with ORB in front.
+foreach(_p s c)
+  orb_reference_lapack(reference_lapack_bal_${_p} xeigtst${_p} ${_p}bal.in)
+  orb_reference_lapack(reference_lapack_bak_${_p} xeigtst${_p} ${_p}bak.in)
+  orb_reference_lapack(reference_lapack_nep_${_p} xeigtst${_p} nep.in)
+endforeach()
