@@ -59,3 +59,7 @@ endforeach()
 foreach(_p s c)
   orb_reference_lapack(reference_lapack_sg_${_p} xeigtst${_p} ${_p}sg.in)
 endforeach()
+
+# The real nonsymmetric eigenvalue drivers (sed.in: SGEEV, SGEES, SGEEVX,
+# SGEESX), which reach ORB's SHSEQR.
+orb_reference_lapack(reference_lapack_sed_s xeigtsts sed.in)
