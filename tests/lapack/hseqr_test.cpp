@@ -1,8 +1,9 @@
 // The real Hessenberg QR iteration where the reference testers do not
 // look: orders in the hundreds (residual, orthogonality, the standardized
 // Schur form, the same eigenvalues without the Schur form), an active
-// block inside a larger matrix, and the cyclic shift matrix, on which the
-// ordinary shifts stall and only the exceptional ones make progress.
+// block inside a larger matrix, the cyclic shift matrix, on which the
+// ordinary shifts stall and only the exceptional ones make progress, and
+// the reordering of the Schur form by adjacent block swaps.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -12,6 +13,7 @@
 #include <vector>
 
 #include "lapack/nonsym.h"
+#include "lapack/schur_swap.h"
 #include "support/matrix.h"
 
 namespace {
@@ -166,6 +168,45 @@ TEST(Hseqr, CyclicShiftNeedsExceptionalShifts) {
     check_standard_form(t, wr, wi);
     for (int k = 0; k < n; ++k)
       EXPECT_NEAR(std::hypot(double(wr[k]), double(wi[k])), 1.0, 50 * kEps) << "n = " << n;
+  }
+}
+
+TEST(SchurSwap, MovesEveryBlockBothWays) {
+  // A Schur form with 1x1 and 2x2 blocks; every block moved to the first
+  // and to the last position: T stays similar through the accumulated Q,
+  // in standard form, and the moved block's eigenvalues arrive where asked.
+  Random rng(3);
+  const int n = 14;
+  Dense h = random_hessenberg(n, rng), t0 = h, z(n);
+  std::vector<float> wr, wi;
+  ASSERT_EQ(run(true, CompQ::kInitial, 1, n, t0, &z, wr, wi), 0);
+  int pairs = 0;
+  for (int k = 0; k + 1 < n; ++k) pairs += t0(k + 1, k) != 0.0f;
+  ASSERT_GE(pairs, 2);
+  for (int first = 1; first <= n; ++first) {
+    if (first > 1 && t0(first - 1, first - 2) != 0.0f) continue;  // second row of a block
+    for (int target : {1, n}) {
+      Dense t = t0, q(n);
+      for (int i = 0; i < n; ++i) q(i, i) = 1.0f;
+      std::vector<float> work(n);
+      int ifst = first, ilst = target;
+      ASSERT_EQ(lp::trexc<float>(true, n, t.a.data(), n, q.a.data(), n, &ifst, &ilst, work.data()),
+                0);
+      check_schur(t0, t, q);
+      // The eigenvalues as the standardized blocks give them.
+      std::vector<float> wr2(n), wi2(n, 0.0f);
+      for (int k = 0; k < n; ++k) {
+        wr2[k] = t(k, k);
+        if (k + 1 < n && t(k + 1, k) != 0.0f) {
+          wr2[k + 1] = t(k + 1, k + 1);
+          wi2[k] = std::sqrt(std::abs(t(k, k + 1))) * std::sqrt(std::abs(t(k + 1, k)));
+          wi2[k + 1] = -wi2[k];
+          ++k;
+        }
+      }
+      check_standard_form(t, wr2, wi2);
+      EXPECT_NEAR(t(ilst - 1, ilst - 1), t0(first - 1, first - 1), 1e-4) << first << "->" << target;
+    }
   }
 }
 
