@@ -68,3 +68,6 @@ foreach(_p s c)
   orb_reference_lapack(reference_lapack_bak_${_p} xeigtst${_p} ${_p}bak.in)
   orb_reference_lapack(reference_lapack_nep_${_p} xeigtst${_p} nep.in)
 endforeach()
+# The real nonsymmetric eigenvalue drivers (sed.in: SGEEV, SGEES, SGEEVX,
+# SGEESX), which reach ORB's SHSEQR.
+orb_reference_lapack(reference_lapack_sed_s xeigtsts sed.in)
