@@ -59,3 +59,10 @@ endforeach()
 foreach(_p s c)
   orb_reference_lapack(reference_lapack_sg_${_p} xeigtst${_p} ${_p}sg.in)
 endforeach()
+
+# The eigencondition tests (sec.in, cec.in: the Sylvester equation, the
+# Schur reordering, the condition numbers and the Schur form's eigenvectors)
+# with ORB in front.
+foreach(_p s c)
+  orb_reference_lapack(reference_lapack_ec_${_p} xeigtst${_p} ${_p}ec.in)
+endforeach()
