@@ -1,5 +1,6 @@
 // The exported routines of the Schur form: eigenvectors (STREVC, CTREVC),
-// the Sylvester equation (STRSYL, CTRSYL).
+// the Sylvester equation (STRSYL, CTRSYL), the condition numbers of the
+// complex form (CTRSNA).
 #include <complex>
 
 #include "blas/complex_abi.h"
@@ -122,6 +123,42 @@ void trsyl(const char *trana, const char *tranb, const int *isgn, const int *m, 
                        scale);
 }
 
+// ---- xTRSNA ------------------------------------------------------------------------------
+
+la::Sense sense(char c) {
+  c = orb::upper(c);
+  return c == 'E' ? la::Sense::kValues : c == 'V' ? la::Sense::kVectors : la::Sense::kBoth;
+}
+// LDVL, LDVR >= 1, and >= N when s is wanted (JOB not 'V'); LDWORK >= 1,
+// and >= N when sep is wanted (JOB not 'E').
+template <int LD, char SKIP>
+bool sna_ld(ck::Args a) {
+  const int ld = arg(a, LD);
+  return ld >= 1 && !(letter(a, 1) != SKIP && ld < arg(a, 4));
+}
+bool sna_mm(ck::Args a) {
+  int m = arg(a, 4);
+  if (letter(a, 2) == 'S') {
+    const int *select = static_cast<const int *>(a[2]);
+    m = 0;
+    for (int j = 0; j < arg(a, 4); ++j) m += select[j] ? 1 : 0;
+  }
+  return arg(a, 13) >= m;
+}
+constexpr ck::Test kCtrsnaTests[] = {
+    ck::option(1, "EVB"),  ck::option(2, "AS"),           ck::nonneg(4),
+    ck::ld(6, ck::dim(4)), ck::holds(8, sna_ld<8, 'V'>),  ck::holds(10, sna_ld<10, 'V'>),
+    ck::holds(13, sna_mm), ck::holds(16, sna_ld<16, 'E'>)};
+constexpr auto kCtrsna = orb::entry::lapack_checker("CTRSNA", kCtrsnaTests);
+
+void ctrsna_impl(const char *job, const char *howmny, const int *select, const int *n, const c8 *t,
+                 const int *ldt, const c8 *vl, const int *ldvl, const c8 *vr, const int *ldvr,
+                 float *s, float *sep, const int *mm, int *m, c8 *work, const int *ldwork,
+                 float *rwork, int *info) {
+  *info = la::trsna<c8>(sense(*job), how_many(*howmny), select, *n, t, *ldt, vl, *ldvl, vr, *ldvr,
+                        s, sep, *mm, m, work, *ldwork, nullptr, rwork);
+}
+
 }  // namespace
 
 extern "C" {
@@ -155,6 +192,15 @@ ORB_API void ctrsyl(const char *trana, const char *tranb, const int *isgn, const
                     int) {
   orb::entry::lapack(kCtrsylC, NoWorkspace{}, trsyl<c8>, trana, tranb, isgn, m, n, cx(a), lda,
                      cx(b), ldb, cx(c), ldc, scale, info);
+}
+
+ORB_API void ctrsna(const char *job, const char *howmny, const int *select, const int *n,
+                    const orb_complex8 *t, const int *ldt, const orb_complex8 *vl, const int *ldvl,
+                    const orb_complex8 *vr, const int *ldvr, float *s, float *sep, const int *mm,
+                    int *m, orb_complex8 *work, const int *ldwork, float *rwork, int *info, int,
+                    int) {
+  orb::entry::lapack(kCtrsna, NoWorkspace{}, ctrsna_impl, job, howmny, select, n, cx(t), ldt,
+                     cx(vl), ldvl, cx(vr), ldvr, s, sep, mm, m, cx(work), ldwork, rwork, info);
 }
 
 }  // extern "C"
