@@ -71,3 +71,9 @@ endforeach()
 # The real nonsymmetric eigenvalue drivers (sed.in: SGEEV, SGEES, SGEEVX,
 # SGEESX), which reach ORB's SHSEQR.
 orb_reference_lapack(reference_lapack_sed_s xeigtsts sed.in)
+# The eigencondition tests (sec.in, cec.in: the Sylvester equation, the
+# Schur reordering, the condition numbers and the Schur form's eigenvectors)
+# with ORB in front.
+foreach(_p s c)
+  orb_reference_lapack(reference_lapack_ec_${_p} xeigtst${_p} ${_p}ec.in)
+endforeach()

@@ -1,0 +1,293 @@
+// The Schur form's eigenvectors and Sylvester equation at orders the
+// reference testers do not reach (theirs stay below 20): eigenvectors of a
+// quasi-triangular matrix with many 2x2 blocks, the back-transformed vectors
+// (HOWMNY = 'B', one triangular product) against the triangle's own vectors
+// multiplied out; and the Sylvester solve scaling its solution away from
+// overflow.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <complex>
+#include <cstddef>
+#include <limits>
+#include <vector>
+
+#include "orb.h"
+#include "support/matrix.h"
+
+namespace {
+
+using orb::test::Random;
+using c8 = std::complex<float>;
+using cd = std::complex<double>;
+
+constexpr double kEps = std::numeric_limits<float>::epsilon();
+
+// A real quasi-triangular Schur form: 2x2 blocks [a b; -c a] (b c > 0) on
+// every other stretch of the diagonal, 1x1 blocks between them.
+std::vector<float> quasi_triangular(int n, Random &rng) {
+  std::vector<float> t(std::size_t(n) * n, 0.0f);
+  auto at = [&](int i, int j) -> float & { return t[i + std::size_t(j) * n]; };
+  for (int j = 0; j < n; ++j)
+    for (int i = 0; i <= j; ++i) at(i, j) = float(rng.uniform());
+  for (int j = 0; j + 1 < n;) {
+    if (j % 5 != 4) {
+      at(j + 1, j + 1) = at(j, j);
+      at(j, j + 1) = 0.5f + std::abs(float(rng.uniform()));
+      at(j + 1, j) = -(0.25f + std::abs(float(rng.uniform())));
+      j += 2;
+    } else {
+      j += 1;
+    }
+  }
+  return t;
+}
+
+// The eigenvectors of a real Schur form as complex columns: a pair's
+// columns j, j+1 are re +- i im of the eigenvalues w_j, w_{j+1}.
+std::vector<cd> as_complex(const std::vector<float> &t, int n, const float *v, int ldv,
+                           std::vector<cd> &w) {
+  std::vector<cd> z(std::size_t(n) * n);
+  w.assign(n, 0.0);
+  for (int j = 0; j < n; ++j) {
+    const bool pair = j + 1 < n && t[j + 1 + std::size_t(j) * n] != 0;
+    if (!pair) {
+      w[j] = t[j + std::size_t(j) * n];
+      for (int i = 0; i < n; ++i) z[i + std::size_t(j) * n] = v[i + std::size_t(j) * ldv];
+      continue;
+    }
+    const double a = t[j + std::size_t(j) * n];
+    const double im = std::sqrt(std::abs(double(t[j + std::size_t(j + 1) * n]))) *
+                      std::sqrt(std::abs(double(t[j + 1 + std::size_t(j) * n])));
+    w[j] = cd(a, im);
+    w[j + 1] = cd(a, -im);
+    for (int i = 0; i < n; ++i) {
+      const cd x(v[i + std::size_t(j) * ldv], v[i + std::size_t(j + 1) * ldv]);
+      z[i + std::size_t(j) * n] = x;
+      z[i + std::size_t(j + 1) * n] = std::conj(x);
+    }
+    ++j;
+  }
+  return z;
+}
+
+// max_j ||op(T) z_j - w_j z_j||_1 / (n eps ||T||_1 ||z_j||_1); op(T) = T^H
+// (left vectors, the eigenvalue conjugated) when `left`.
+template <class S>
+double residual(const std::vector<S> &t, int n, const std::vector<cd> &z, const std::vector<cd> &w,
+                bool left) {
+  double tnorm = 0;
+  for (int j = 0; j < n; ++j) {
+    double s = 0;
+    for (int i = 0; i < n; ++i) s += std::abs(cd(t[i + std::size_t(j) * n]));
+    tnorm = std::max(tnorm, s);
+  }
+  double worst = 0;
+  for (int k = 0; k < n; ++k) {
+    double r = 0, zn = 0;
+    for (int i = 0; i < n; ++i) {
+      cd s = 0;
+      for (int j = 0; j < n; ++j) {
+        const cd tij =
+            left ? std::conj(cd(t[j + std::size_t(i) * n])) : cd(t[i + std::size_t(j) * n]);
+        s += tij * z[j + std::size_t(k) * n];
+      }
+      s -= (left ? std::conj(w[k]) : w[k]) * z[i + std::size_t(k) * n];
+      r += std::abs(s);
+      zn += std::abs(z[i + std::size_t(k) * n]);
+    }
+    worst = std::max(worst, r / (n * kEps * tnorm * zn));
+  }
+  return worst;
+}
+
+// Largest |re| + |im| of a column (the routines' normalization makes it 1).
+template <class S>
+double largest(const S *x, int n) {
+  double m = 0;
+  for (int i = 0; i < n; ++i)
+    m = std::max(m, std::abs(double(std::real(x[i]))) + std::abs(double(std::imag(x[i]))));
+  return m;
+}
+
+// Q times the triangle's vectors, normalized as the routine normalizes, in
+// double; the largest difference from the back-transformed vectors.
+template <class S>
+double back_transform_error(const std::vector<S> &q, const std::vector<S> &v,
+                            const std::vector<S> &vb, int n, const std::vector<float> *real_t) {
+  double worst = 0;
+  std::vector<cd> col(n), col2(n);
+  for (int j = 0; j < n; ++j) {
+    const bool pair = real_t && j + 1 < n && (*real_t)[j + 1 + std::size_t(j) * n] != 0;
+    const int width = pair ? 2 : 1;
+    double big = 0;
+    std::vector<std::vector<double>> prod(width, std::vector<double>(2 * n, 0.0));
+    std::vector<cd> y(std::size_t(width) * n);
+    for (int c = 0; c < width; ++c)
+      for (int i = 0; i < n; ++i) {
+        cd s = 0;
+        for (int k = 0; k < n; ++k)
+          s += cd(q[i + std::size_t(k) * n]) * cd(v[k + std::size_t(j + c) * n]);
+        y[i + std::size_t(c) * n] = s;
+      }
+    for (int i = 0; i < n; ++i) {
+      double e = 0;
+      for (int c = 0; c < width; ++c)
+        e +=
+            std::abs(y[i + std::size_t(c) * n].real()) + std::abs(y[i + std::size_t(c) * n].imag());
+      big = std::max(big, e);
+    }
+    for (int c = 0; c < width; ++c)
+      for (int i = 0; i < n; ++i)
+        worst = std::max(
+            worst, std::abs(y[i + std::size_t(c) * n] / big - cd(vb[i + std::size_t(j + c) * n])));
+    j += width - 1;
+  }
+  return worst;
+}
+
+TEST(Trevc, RealQuasiTriangularOrder300) {
+  const int n = 300;
+  Random rng(11);
+  const std::vector<float> t = quasi_triangular(n, rng);
+  std::vector<float> vl(std::size_t(n) * n), vr(std::size_t(n) * n), work(3 * n);
+  int m = 0, info = -1, mm = n;
+  strevc("B", "A", nullptr, &n, t.data(), &n, vl.data(), &n, vr.data(), &n, &mm, &m, work.data(),
+         &info, 1, 1);
+  ASSERT_EQ(info, 0);
+  ASSERT_EQ(m, n);
+  std::vector<cd> w;
+  const std::vector<cd> zr = as_complex(t, n, vr.data(), n, w);
+  EXPECT_LT(residual(t, n, zr, w, false), 20.0);
+  const std::vector<cd> zl = as_complex(t, n, vl.data(), n, w);
+  EXPECT_LT(residual(t, n, zl, w, true), 20.0);
+  for (int j = 0; j < n; ++j) {
+    const bool pair = j + 1 < n && t[j + 1 + std::size_t(j) * n] != 0;
+    double big = 0;
+    for (int i = 0; i < n; ++i)
+      big = std::max(big, std::abs(double(vr[i + std::size_t(j) * n])) +
+                              (pair ? std::abs(double(vr[i + std::size_t(j + 1) * n])) : 0.0));
+    EXPECT_NEAR(big, 1.0, 1e-6) << "column " << j;
+    if (pair) ++j;
+  }
+
+  // HOWMNY = 'B' with a general Q against Q times the vectors above.
+  std::vector<float> q(std::size_t(n) * n);
+  for (float &x : q) x = float(rng.uniform());
+  std::vector<float> bl = q, br = q;
+  strevc("B", "B", nullptr, &n, t.data(), &n, bl.data(), &n, br.data(), &n, &mm, &m, work.data(),
+         &info, 1, 1);
+  ASSERT_EQ(info, 0);
+  EXPECT_LT(back_transform_error(q, vr, br, n, &t), 1e3 * kEps);
+  EXPECT_LT(back_transform_error(q, vl, bl, n, &t), 1e3 * kEps);
+}
+
+TEST(Trevc, RealSelectedPairsCountTwice) {
+  const int n = 40;
+  Random rng(5);
+  const std::vector<float> t = quasi_triangular(n, rng);  // pair at columns 0, 1
+  std::vector<int> select(n, 0);
+  select[1] = 1;  // the second column of a pair selects the pair
+  select[4] = 1;  // a 1x1 block
+  std::vector<float> vr(std::size_t(n) * 3), work(3 * n), all(std::size_t(n) * n);
+  int m = 0, info = -1, mm = 3;
+  strevc("R", "S", select.data(), &n, t.data(), &n, nullptr, &n, vr.data(), &n, &mm, &m,
+         work.data(), &info, 1, 1);
+  ASSERT_EQ(info, 0);
+  EXPECT_EQ(m, 3);
+  EXPECT_EQ(select[0], 1);
+  EXPECT_EQ(select[1], 0);
+  int mall = 0, nn = n;
+  strevc("R", "A", nullptr, &n, t.data(), &n, nullptr, &n, all.data(), &n, &nn, &mall, work.data(),
+         &info, 1, 1);
+  for (int i = 0; i < n; ++i) {
+    EXPECT_EQ(vr[i], all[i]);
+    EXPECT_EQ(vr[i + n], all[i + n]);
+    EXPECT_EQ(vr[i + 2 * n], all[i + 4 * std::size_t(n)]);
+  }
+}
+
+TEST(Trevc, ComplexTriangularOrder250) {
+  const int n = 250;
+  Random rng(3);
+  std::vector<c8> t(std::size_t(n) * n, c8(0));
+  for (int j = 0; j < n; ++j)
+    for (int i = 0; i <= j; ++i) t[i + std::size_t(j) * n] = rng.value<c8>();
+  // Close eigenvalues, so the shifted solves meet small pivots.
+  for (int j = 1; j < n; j += 7)
+    t[j + std::size_t(j) * n] = t[(j - 1) + std::size_t(j - 1) * n] + c8(1e-6f, 0);
+  std::vector<c8> vl(std::size_t(n) * n), vr(std::size_t(n) * n), work(2 * n);
+  std::vector<float> rwork(n);
+  int m = 0, info = -1, mm = n;
+  const std::vector<c8> t0 = t;
+  ctrevc("B", "A", nullptr, &n, reinterpret_cast<orb_complex8 *>(t.data()), &n,
+         reinterpret_cast<orb_complex8 *>(vl.data()), &n,
+         reinterpret_cast<orb_complex8 *>(vr.data()), &n, &mm, &m,
+         reinterpret_cast<orb_complex8 *>(work.data()), rwork.data(), &info, 1, 1);
+  ASSERT_EQ(info, 0);
+  EXPECT_EQ(t, t0);  // the diagonal is restored
+  std::vector<cd> w(n), zr(std::size_t(n) * n), zl(std::size_t(n) * n);
+  for (int j = 0; j < n; ++j) w[j] = cd(t[j + std::size_t(j) * n]);
+  for (std::size_t k = 0; k < zr.size(); ++k) zr[k] = cd(vr[k]), zl[k] = cd(vl[k]);
+  EXPECT_LT(residual(t, n, zr, w, false), 20.0);
+  EXPECT_LT(residual(t, n, zl, w, true), 20.0);
+  for (int j = 0; j < n; ++j) EXPECT_NEAR(largest(&vr[std::size_t(j) * n], n), 1.0, 1e-6);
+
+  std::vector<c8> q(std::size_t(n) * n);
+  for (c8 &x : q) x = rng.value<c8>();
+  std::vector<c8> bl = q, br = q;
+  ctrevc("B", "B", nullptr, &n, reinterpret_cast<orb_complex8 *>(t.data()), &n,
+         reinterpret_cast<orb_complex8 *>(bl.data()), &n,
+         reinterpret_cast<orb_complex8 *>(br.data()), &n, &mm, &m,
+         reinterpret_cast<orb_complex8 *>(work.data()), rwork.data(), &info, 1, 1);
+  ASSERT_EQ(info, 0);
+  EXPECT_LT(back_transform_error<c8>(q, vr, br, n, nullptr), 1e3 * kEps);
+  EXPECT_LT(back_transform_error<c8>(q, vl, bl, n, nullptr), 1e3 * kEps);
+}
+
+// A X + X B = scale C whose solution would overflow: the routine scales it
+// down (scale < 1) and the scaled residual stays small.
+TEST(Trsyl, ScalesAwayFromOverflow) {
+  const int m = 30, n = 20;
+  Random rng(7);
+  std::vector<float> a(std::size_t(m) * m, 0.0f), b(std::size_t(n) * n, 0.0f),
+      c(std::size_t(m) * n);
+  for (int j = 0; j < m; ++j)
+    for (int i = 0; i <= j; ++i) a[i + std::size_t(j) * m] = float(rng.uniform());
+  for (int j = 0; j < n; ++j)
+    for (int i = 0; i <= j; ++i) b[i + std::size_t(j) * n] = float(rng.uniform());
+  // A 2x2 block in each, and A(k,k) + B(l,l) tiny for one (k, l).
+  a[3 + std::size_t(2) * m] = -0.75f;
+  b[6 + std::size_t(5) * n] = -0.5f;
+  a[10 + std::size_t(10) * m] = 0.25f;
+  b[0] = -0.25f + 1e-30f;
+  for (float &x : c) x = 1e37f * float(rng.uniform());
+  const std::vector<float> c0 = c;
+  float scale = 0;
+  int info = -1;
+  const int isgn = 1;
+  strsyl("N", "N", &isgn, &m, &n, a.data(), &m, b.data(), &n, c.data(), &m, &scale, &info, 1, 1);
+  EXPECT_LT(scale, 1.0f);
+  EXPECT_GT(scale, 0.0f);
+  double xmax = 0, rmax = 0, cmax = 0;
+  for (float x : c) {
+    ASSERT_TRUE(std::isfinite(x));
+    xmax = std::max(xmax, double(std::abs(x)));
+  }
+  for (int j = 0; j < n; ++j)
+    for (int i = 0; i < m; ++i) {
+      double s = -double(scale) * c0[i + std::size_t(j) * m];
+      for (int k = 0; k < m; ++k)
+        s += double(a[i + std::size_t(k) * m]) * c[k + std::size_t(j) * m];
+      for (int k = 0; k < n; ++k)
+        s += double(c[i + std::size_t(k) * m]) * b[k + std::size_t(j) * n];
+      rmax = std::max(rmax, std::abs(s));
+      cmax = std::max(cmax, double(scale) * std::abs(c0[i + std::size_t(j) * m]));
+    }
+  // Relative to the solution's size (the residual test of the testers).
+  EXPECT_LT(rmax / (xmax * (m + n) * kEps), 50.0);
+  (void)cmax;
+}
+
+}  // namespace
