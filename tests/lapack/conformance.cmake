@@ -59,3 +59,6 @@ endforeach()
 foreach(_p s c)
   orb_reference_lapack(reference_lapack_sg_${_p} xeigtst${_p} ${_p}sg.in)
 endforeach()
+
+# The complex eigenvalue drivers, whose Hessenberg QR is ORB's CHSEQR.
+orb_reference_lapack(reference_lapack_ced_c xeigtstc ced.in)
