@@ -94,6 +94,16 @@ void lartg(C f, C g, R &c, C &s, C &r) {
   r = phase * (d * scale);
 }
 
+// The level-3 updates of the sweeps and windows: small products stay on
+// the calling thread, where a team would cost more than it saves.
+void update(Op ta, int m, int n, int k, const C *a, int lda, const C *b, int ldb, C *c, int ldc) {
+  constexpr std::int64_t kTeamWork = std::int64_t(1) << 18;
+  if (static_cast<std::int64_t>(m) * n * k < kTeamWork)
+    gemm_here<C>(ta, Op::kNone, m, n, k, kOne, a, lda, b, ldb, kZero, c, ldc);
+  else
+    gemm<C>(ta, Op::kNone, m, n, k, kOne, a, lda, b, ldb, kZero, c, ldc);
+}
+
 // Robust complex division x / y (CLADIV).
 C ladiv(C x, C y) {
   const R a = x.real(), b = x.imag(), c = y.real(), d = y.imag();
@@ -472,23 +482,20 @@ void aed(int level, bool wantt, bool wantz, int n, int ktop, int kbot, int nw, c
     const int ltop = wantt ? 1 : ktop;
     for (int krow = ltop; krow <= kwtop - 1; krow += nv) {
       const int kln = std::min(nv, kwtop - krow);
-      gemm<C>(Op::kNone, Op::kNone, kln, jw, jw, kOne, H.at(krow, kwtop), H.ld, V.p, V.ld, kZero,
-              WV.p, WV.ld);
+      update(Op::kNone, kln, jw, jw, H.at(krow, kwtop), H.ld, V.p, V.ld, WV.p, WV.ld);
       lacpy(Part::kAll, kln, jw, WV.p, WV.ld, H.at(krow, kwtop), H.ld);
     }
     if (wantt) {
       for (int kcol = kbot + 1; kcol <= n; kcol += nh) {
         const int kln = std::min(nh, n - kcol + 1);
-        gemm<C>(Op::kConjTrans, Op::kNone, jw, kln, jw, kOne, V.p, V.ld, H.at(kwtop, kcol), H.ld,
-                kZero, T.p, T.ld);
+        update(Op::kConjTrans, jw, kln, jw, V.p, V.ld, H.at(kwtop, kcol), H.ld, T.p, T.ld);
         lacpy(Part::kAll, jw, kln, T.p, T.ld, H.at(kwtop, kcol), H.ld);
       }
     }
     if (wantz) {
       for (int krow = iloz; krow <= ihiz; krow += nv) {
         const int kln = std::min(nv, ihiz - krow + 1);
-        gemm<C>(Op::kNone, Op::kNone, kln, jw, jw, kOne, Z.at(krow, kwtop), Z.ld, V.p, V.ld, kZero,
-                WV.p, WV.ld);
+        update(Op::kNone, kln, jw, jw, Z.at(krow, kwtop), Z.ld, V.p, V.ld, WV.p, WV.ld);
         lacpy(Part::kAll, kln, jw, WV.p, WV.ld, Z.at(krow, kwtop), Z.ld);
       }
     }
@@ -725,21 +732,21 @@ void laqr5(bool wantt, bool wantz, int kacc22, int n, int ktop, int kbot, int ns
       const int nu = (kdu - std::max(0, ndcol - kbot)) - k1 + 1;
       for (int jcol = std::min(ndcol, kbot) + 1; jcol <= jbot; jcol += nh) {
         const int jlen = std::min(nh, jbot - jcol + 1);
-        gemm<C>(Op::kConjTrans, Op::kNone, nu, jlen, nu, kOne, U.at(k1, k1), U.ld,
-                H.at(incol + k1, jcol), H.ld, kZero, WH.p, WH.ld);
+        update(Op::kConjTrans, nu, jlen, nu, U.at(k1, k1), U.ld, H.at(incol + k1, jcol), H.ld, WH.p,
+               WH.ld);
         lacpy(Part::kAll, nu, jlen, WH.p, WH.ld, H.at(incol + k1, jcol), H.ld);
       }
       for (int jrow = jtop; jrow <= std::max(ktop, incol) - 1; jrow += nv) {
         const int jlen = std::min(nv, std::max(ktop, incol) - jrow);
-        gemm<C>(Op::kNone, Op::kNone, jlen, nu, nu, kOne, H.at(jrow, incol + k1), H.ld,
-                U.at(k1, k1), U.ld, kZero, WV.p, WV.ld);
+        update(Op::kNone, jlen, nu, nu, H.at(jrow, incol + k1), H.ld, U.at(k1, k1), U.ld, WV.p,
+               WV.ld);
         lacpy(Part::kAll, jlen, nu, WV.p, WV.ld, H.at(jrow, incol + k1), H.ld);
       }
       if (wantz) {
         for (int jrow = iloz; jrow <= ihiz; jrow += nv) {
           const int jlen = std::min(nv, ihiz - jrow + 1);
-          gemm<C>(Op::kNone, Op::kNone, jlen, nu, nu, kOne, Z.at(jrow, incol + k1), Z.ld,
-                  U.at(k1, k1), U.ld, kZero, WV.p, WV.ld);
+          update(Op::kNone, jlen, nu, nu, Z.at(jrow, incol + k1), Z.ld, U.at(k1, k1), U.ld, WV.p,
+                 WV.ld);
           lacpy(Part::kAll, jlen, nu, WV.p, WV.ld, Z.at(jrow, incol + k1), Z.ld);
         }
       }
