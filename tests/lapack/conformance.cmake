@@ -77,3 +77,5 @@ orb_reference_lapack(reference_lapack_sed_s xeigtsts sed.in)
 foreach(_p s c)
   orb_reference_lapack(reference_lapack_ec_${_p} xeigtst${_p} ${_p}ec.in)
 endforeach()
+# The complex eigenvalue drivers, whose Hessenberg QR is ORB's CHSEQR.
+orb_reference_lapack(reference_lapack_ced_c xeigtstc ced.in)
