@@ -1638,6 +1638,106 @@ void gehrd_rows(const std::vector<Library> &libs, const Options &o) {
   }
 }
 
+// ---- nonsymmetric eigenproblems ----------------------------------------------------------
+
+using GeevFn = void (*)(const char *, const char *, const int *, float *, const int *, float *,
+                        float *, float *, const int *, float *, const int *, float *, const int *,
+                        int *, Len, Len);
+
+// Values only: their sum against the trace. Right vectors: for a random x,
+// ||A V x - V B x|| / (||A|| ||x|| n eps), B block diagonal with wr on the
+// diagonal and [wr wi; -wi wr] for each complex pair (columns re, im).
+std::string geev_fault(const std::vector<float> &a, int n, const std::vector<float> &wr,
+                       const std::vector<float> &wi, const float *v) {
+  const double eps = std::numeric_limits<float>::epsilon();
+  double a_norm = 0;
+  for (float x : a) a_norm = std::max(a_norm, double(std::abs(x)));
+  a_norm *= n;
+  if (!v) {
+    double trace = 0, sum = 0;
+    for (int i = 0; i < n; ++i) trace += a[i + std::size_t(i) * n], sum += wr[i];
+    const double ratio = std::abs(trace - sum) / (a_norm * n * eps);
+    if (std::isfinite(ratio) && ratio < 50) return "";
+    char text[96];
+    std::snprintf(text, sizeof text, "eigenvalues miss the trace: ratio %.3g", ratio);
+    return text;
+  }
+  std::vector<double> x(n), bx(n), vx(n, 0), vbx(n, 0);
+  std::mt19937 rng(19);
+  std::uniform_real_distribution<double> d(-1, 1);
+  for (double &t : x) t = d(rng);
+  for (int j = 0; j < n; ++j) {
+    if (wi[j] != 0 && j + 1 < n) {
+      bx[j] = wr[j] * x[j] + wi[j] * x[j + 1];
+      bx[j + 1] = -wi[j] * x[j] + wr[j] * x[j + 1];
+      ++j;
+    } else {
+      bx[j] = wr[j] * x[j];
+    }
+  }
+  for (std::size_t j = 0; j < std::size_t(n); ++j)
+    for (std::size_t i = 0; i < std::size_t(n); ++i) {
+      vx[i] += double(v[i + j * n]) * x[j];
+      vbx[i] += double(v[i + j * n]) * bx[j];
+    }
+  const std::vector<double> avx = times(a.data(), n, vx);
+  double r = 0;
+  for (int i = 0; i < n; ++i) r = std::max(r, std::abs(avx[i] - vbx[i]));
+  const double ratio = r / (a_norm / n * n * eps);
+  if (std::isfinite(ratio) && ratio < 50 * n) return "";
+  char text[96];
+  std::snprintf(text, sizeof text, "residual %.3g", ratio);
+  return text;
+}
+
+// sgeev with JOBVR 'N' (values) or 'V' (right vectors), JOBVL 'N'; each
+// library's optimal workspace, a fresh copy of A every call.
+void geev_rows(const std::vector<Library> &libs, const Options &o, char job) {
+  const std::string row = std::string("sgeev") + job;
+  if (!wanted(o, row.c_str())) return;
+  for (int n : o.sizes) {
+    if (n > 3000) continue;
+    const std::vector<float> a = random_matrix<float>(std::size_t(n) * n, 23);
+    std::vector<float> f(a.size()), wr(n), wi(n), vr(job == 'V' ? a.size() : 1), vl(1);
+    std::vector<std::vector<float>> works(libs.size());
+    std::vector<Run> runs;
+    for (std::size_t li = 0; li < libs.size(); ++li) {
+      void *sym = libs[li].sym("sgeev_");
+      if (!sym) {
+        runs.emplace_back();
+        continue;
+      }
+      const int ldvr = job == 'V' ? n : 1, one = 1;
+      auto call = [sym, job, n, ldvr, one, &f, &wr, &wi, &vl, &vr](float *work, int lwork) {
+        const char jobvl = 'N';
+        int info = -1;
+        reinterpret_cast<GeevFn>(sym)(&jobvl, &job, &n, f.data(), &n, wr.data(), wi.data(),
+                                      vl.data(), &one, vr.data(), &ldvr, work, &lwork, &info, 1, 1);
+        return info;
+      };
+      float query = 0;
+      call(&query, -1);
+      works[li].resize(std::max(1, int(query)));
+      runs.push_back([call, n, job, &a, &f, &wr, &wi, &vr, &work = works[li]](bool check) {
+        std::copy(a.begin(), a.end(), f.begin());
+        const auto t0 = std::chrono::steady_clock::now();
+        const int info = call(work.data(), int(work.size()));
+        Outcome out;
+        out.seconds = seconds_since(t0);
+        if (check) {
+          out.fault = info_fault(info);
+          if (out.fault.empty())
+            out.fault = geev_fault(a, n, wr, wi, job == 'V' ? vr.data() : nullptr);
+        }
+        return out;
+      });
+    }
+    // Nominal: 10 n^3 (values), 25 n^3 (right vectors).
+    const double flops = (job == 'V' ? 25.0 : 10.0) * n * double(n) * n;
+    for (int nt : o.threads) print_row(measure(row.c_str(), n, nt, false, flops, runs, libs), libs);
+  }
+}
+
 std::vector<int> int_list(char *text) {
   std::vector<int> v;
   for (char *s = std::strtok(text, ","); s; s = std::strtok(nullptr, ","))
@@ -1762,7 +1862,8 @@ int main(int argc, char **argv) {
       "with JOBZ (JOBU = JOBVT) 'N' or 'A'; ssytrd 4/3 n^3 (chetrd 4 times that) on the\n"
       "lower triangle; ssyevrA/ssyevrI (all pairs, the smallest tenth) and cheevrA\n"
       "4/3 n^3 + 2 n^2 m (cheevr 4 times that); ssbevd (kd = n / 20) 6 n^2 kd + 2 n^3\n"
-      "(nominal); sgehrd 10/3 n^3.\n",
+      "(nominal); sgehrd 10/3 n^3; sgeevN/sgeevV (values, right vectors) 10 n^3 / 25 n^3\n"
+      "(nominal).\n",
       o.nrhs);
   print_header(libs);
   getrf_rows<float>(libs, o, "sgetrf");
@@ -1786,5 +1887,6 @@ int main(int argc, char **argv) {
   syevr_rows<c8>(libs, o, "cheevr", 'A');
   sbevd_rows(libs, o);
   gehrd_rows(libs, o);
+  for (const char job : {'N', 'V'}) geev_rows(libs, o, job);
   return 0;
 }
