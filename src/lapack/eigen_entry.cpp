@@ -1,5 +1,5 @@
 // The exported symmetric and Hermitian eigenvalue drivers: dense (SSYEVR,
-// SSYEVX, CHEEVR) and band (SSBEV, SSBEVD, SSBEVX and the CHB
+// SSYEVX, CHEEVR, CHEEVX) and band (SSBEV, SSBEVD, SSBEVX and the CHB
 // forms). The drivers with several workspace lengths answer a query made
 // through any of them, with all of their sizes.
 #include <algorithm>
@@ -115,6 +115,9 @@ constexpr ck::Test kCheevr[] = {kDenseHead[0],
 int ssyevx_min(ck::Args a) {
   return static_cast<int>(la::syevx_minwork<float>(arg(a, 4)).work);
 }
+int cheevx_min(ck::Args a) {
+  return static_cast<int>(la::syevx_minwork<c8>(arg(a, 4)).work);
+}
 constexpr ck::Test kSsyevx[] = {kDenseHead[0],
                                 kDenseHead[1],
                                 kDenseHead[2],
@@ -125,10 +128,21 @@ constexpr ck::Test kSsyevx[] = {kDenseHead[0],
                                 ck::holds(10, range_iu<4, 9>),
                                 ck::holds(15, ldz_ok<4, 15>),
                                 ck::lwork(17, ssyevx_min)};
+constexpr ck::Test kCheevx[] = {kDenseHead[0],
+                                kDenseHead[1],
+                                kDenseHead[2],
+                                kDenseHead[3],
+                                kDenseHead[4],
+                                ck::holds(8, range_vu<4, 7>),
+                                ck::holds(9, range_il<4, 9>),
+                                ck::holds(10, range_iu<4, 9>),
+                                ck::holds(15, ldz_ok<4, 15>),
+                                ck::lwork(17, cheevx_min)};
 
 constexpr auto kSsyevrCheck = orb::entry::lapack_checker("SSYEVR", kSsyevr);
 constexpr auto kCheevrCheck = orb::entry::lapack_checker("CHEEVR", kCheevr);
 constexpr auto kSsyevxCheck = orb::entry::lapack_checker("SSYEVX", kSsyevx, 16, 17);
+constexpr auto kCheevxCheck = orb::entry::lapack_checker("CHEEVX", kCheevx, 16, 17);
 
 template <class T>
 void store(T *work, real_t<T> *rwork, int *iwork, const la::EigenWork &size) {
@@ -301,6 +315,16 @@ ORB_API void ssyevx(const char *jobz, const char *range, const char *uplo, const
       jobz, range, uplo, n, a, lda, vl, vu, il, iu, abstol, m, w, z, ldz, work, lwork, iwork, ifail,
       info);
 }
+ORB_API void cheevx(const char *jobz, const char *range, const char *uplo, const int *n,
+                    orb_complex8 *a, const int *lda, const float *vl, const float *vu,
+                    const int *il, const int *iu, const float *abstol, int *m, float *w,
+                    orb_complex8 *z, const int *ldz, orb_complex8 *work, const int *lwork,
+                    float *rwork, int *iwork, int *ifail, int *info, int, int, int) {
+  orb::entry::lapack(kCheevxCheck, syevx_size<c8>, syevx_run<c8>, jobz, range, uplo, n, cx(a), lda,
+                     vl, vu, il, iu, abstol, m, w, cx(z), ldz, cx(work), lwork, rwork, iwork, ifail,
+                     info);
+}
+
 ORB_API void ssbev(const char *jobz, const char *uplo, const int *n, const int *kd, float *ab,
                    const int *ldab, float *w, float *z, const int *ldz, float *work, int *info, int,
                    int) {
