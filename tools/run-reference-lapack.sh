@@ -10,6 +10,8 @@
 #
 # The program reads INPUT on standard input; it gets a copy with the
 # error-exit tests switched off, since those test the program's own XERBLA.
+# A path that tests them regardless passes a case when ORB's own message
+# names the same parameter of the same routine.
 # Behind ORB are Debian's reference LAPACK and BLAS, taken from the lapack
 # directory that holds the program and the blas directory beside it, whatever
 # the system's alternatives select: every routine ORB does not export then
@@ -51,6 +53,13 @@ set -e
 cat out
 echo "----"
 
+# Error-exit cases that ORB's own argument check answered are set aside
+# (reference_testers.py explains when).
+answered=$(python3 "$tools/reference_testers.py" exits out judged)
+if [ "$answered" -gt 0 ]; then
+  echo "$answered error-exit case(s) answered by ORB's own message, set aside"
+fi
+
 fail=0
 if [ $status -ne 0 ]; then
   echo "FAIL: $(basename "$prog") exited with status $status"
@@ -75,7 +84,7 @@ awk '
   /ORB ERROR/ || /[Ff]ortran runtime error/ ||
   /(info is not (0|zero)|ILO or IHI (is )?wrong) *= *[1-9]/ { print "FAIL: " $0; bad++ }
   END { print run + 0 >"run"; exit (bad > 0) }
-' out >failures || fail=1
+' judged >failures || fail=1
 head -n 40 failures
 if [ "$(cat run)" -eq 0 ]; then
   echo "FAIL: no test summary found in the report"

@@ -1,5 +1,6 @@
-// The exported routines of the Schur form: its eigenvectors (STREVC,
-// CTREVC).
+// The exported routines of the Schur form: eigenvectors (STREVC, CTREVC),
+// the Sylvester equation (STRSYL, CTRSYL), the condition numbers of the
+// complex form (CTRSNA).
 #include <complex>
 
 #include "blas/complex_abi.h"
@@ -14,6 +15,7 @@ namespace {
 namespace ck = orb::check;
 namespace la = orb::lapack;
 using orb::c8;
+using orb::Op;
 using orb::blas::cx;
 using orb::entry::NoWorkspace;
 
@@ -94,6 +96,69 @@ void strevc_impl(const char *side, const char *howmny, int *select, const int *n
                work, nullptr, info);
 }
 
+// ---- xTRSYL ------------------------------------------------------------------------------
+
+bool isgn_ok(ck::Args a) {
+  return arg(a, 3) == 1 || arg(a, 3) == -1;
+}
+constexpr ck::Test kStrsyl[] = {ck::option(1, "NTC"),  ck::option(2, "NTC"),  ck::holds(3, isgn_ok),
+                                ck::nonneg(4),         ck::nonneg(5),         ck::ld(7, ck::dim(4)),
+                                ck::ld(9, ck::dim(5)), ck::ld(11, ck::dim(4))};
+constexpr ck::Test kCtrsyl[] = {ck::option(1, "NC"),   ck::option(2, "NC"),   ck::holds(3, isgn_ok),
+                                ck::nonneg(4),         ck::nonneg(5),         ck::ld(7, ck::dim(4)),
+                                ck::ld(9, ck::dim(5)), ck::ld(11, ck::dim(4))};
+constexpr auto kStrsylC = orb::entry::lapack_checker("STRSYL", kStrsyl);
+constexpr auto kCtrsylC = orb::entry::lapack_checker("CTRSYL", kCtrsyl);
+
+Op trans_of(char c) {
+  c = orb::upper(c);
+  return c == 'N' ? Op::kNone : c == 'T' ? Op::kTrans : Op::kConjTrans;
+}
+
+template <class T>
+void trsyl(const char *trana, const char *tranb, const int *isgn, const int *m, const int *n,
+           const T *a, const int *lda, const T *b, const int *ldb, T *c, const int *ldc,
+           float *scale, int *info) {
+  *info = la::trsyl<T>(trans_of(*trana), trans_of(*tranb), *isgn, *m, *n, a, *lda, b, *ldb, c, *ldc,
+                       scale);
+}
+
+// ---- xTRSNA ------------------------------------------------------------------------------
+
+la::Sense sense(char c) {
+  c = orb::upper(c);
+  return c == 'E' ? la::Sense::kValues : c == 'V' ? la::Sense::kVectors : la::Sense::kBoth;
+}
+// LDVL, LDVR >= 1, and >= N when s is wanted (JOB not 'V'); LDWORK >= 1,
+// and >= N when sep is wanted (JOB not 'E').
+template <int LD, char SKIP>
+bool sna_ld(ck::Args a) {
+  const int ld = arg(a, LD);
+  return ld >= 1 && !(letter(a, 1) != SKIP && ld < arg(a, 4));
+}
+bool sna_mm(ck::Args a) {
+  int m = arg(a, 4);
+  if (letter(a, 2) == 'S') {
+    const int *select = static_cast<const int *>(a[2]);
+    m = 0;
+    for (int j = 0; j < arg(a, 4); ++j) m += select[j] ? 1 : 0;
+  }
+  return arg(a, 13) >= m;
+}
+constexpr ck::Test kCtrsnaTests[] = {
+    ck::option(1, "EVB"),  ck::option(2, "AS"),           ck::nonneg(4),
+    ck::ld(6, ck::dim(4)), ck::holds(8, sna_ld<8, 'V'>),  ck::holds(10, sna_ld<10, 'V'>),
+    ck::holds(13, sna_mm), ck::holds(16, sna_ld<16, 'E'>)};
+constexpr auto kCtrsna = orb::entry::lapack_checker("CTRSNA", kCtrsnaTests);
+
+void ctrsna_impl(const char *job, const char *howmny, const int *select, const int *n, const c8 *t,
+                 const int *ldt, const c8 *vl, const int *ldvl, const c8 *vr, const int *ldvr,
+                 float *s, float *sep, const int *mm, int *m, c8 *work, const int *ldwork,
+                 float *rwork, int *info) {
+  *info = la::trsna<c8>(sense(*job), how_many(*howmny), select, *n, t, *ldt, vl, *ldvl, vr, *ldvr,
+                        s, sep, *mm, m, work, *ldwork, nullptr, rwork);
+}
+
 }  // namespace
 
 extern "C" {
@@ -112,6 +177,30 @@ ORB_API void ctrevc(const char *side, const char *howmny, const int *select, con
   // The complex routine reads SELECT only.
   orb::entry::lapack(kCtrevc, NoWorkspace{}, trevc<c8>, side, howmny, const_cast<int *>(select), n,
                      cx(t), ldt, cx(vl), ldvl, cx(vr), ldvr, mm, m, cx(work), rwork, info);
+}
+
+ORB_API void strsyl(const char *trana, const char *tranb, const int *isgn, const int *m,
+                    const int *n, const float *a, const int *lda, const float *b, const int *ldb,
+                    float *c, const int *ldc, float *scale, int *info, int, int) {
+  orb::entry::lapack(kStrsylC, NoWorkspace{}, trsyl<float>, trana, tranb, isgn, m, n, a, lda, b,
+                     ldb, c, ldc, scale, info);
+}
+
+ORB_API void ctrsyl(const char *trana, const char *tranb, const int *isgn, const int *m,
+                    const int *n, const orb_complex8 *a, const int *lda, const orb_complex8 *b,
+                    const int *ldb, orb_complex8 *c, const int *ldc, float *scale, int *info, int,
+                    int) {
+  orb::entry::lapack(kCtrsylC, NoWorkspace{}, trsyl<c8>, trana, tranb, isgn, m, n, cx(a), lda,
+                     cx(b), ldb, cx(c), ldc, scale, info);
+}
+
+ORB_API void ctrsna(const char *job, const char *howmny, const int *select, const int *n,
+                    const orb_complex8 *t, const int *ldt, const orb_complex8 *vl, const int *ldvl,
+                    const orb_complex8 *vr, const int *ldvr, float *s, float *sep, const int *mm,
+                    int *m, orb_complex8 *work, const int *ldwork, float *rwork, int *info, int,
+                    int) {
+  orb::entry::lapack(kCtrsna, NoWorkspace{}, ctrsna_impl, job, howmny, select, n, cx(t), ldt,
+                     cx(vl), ldvl, cx(vr), ldvr, s, sep, mm, m, cx(work), ldwork, rwork, info);
 }
 
 }  // extern "C"
