@@ -7,6 +7,7 @@
 
 #include "lapack/eigen.h"
 #include "lapack/mrrr.h"
+#include "lapack/uniform48.h"
 
 namespace orb::lapack::mrrr {
 
@@ -929,83 +930,6 @@ void larrj(int n, const R *d, const R *e2, int ifirst, int ilast, R rtol, int of
 
 // ---- the root representation ------------------------------------------------------------
 
-namespace {
-
-// Uniform numbers in (-1, 1) for the perturbation of the root
-// representation: the published generator (xLARNV's uniform(-1, 1) from
-// xLARUV's multiplicative congruential sequences modulo 2^48, seed
-// (1, 1, 1, 1) for each block), so that the perturbed representations and
-// hence the results agree with the published routine's. The numbers come
-// in batches of 64: each from the batch's seed times its own multiplier,
-// the last becoming the next batch's seed.
-class Uniform {
- public:
-  template <class R>
-  void fill(int n, R *x) {
-    for (int iv = 0; iv < n; iv += kBatch) {
-      const int count = std::min(kBatch, n - iv);
-      int it[4] = {0, 0, 0, 0};
-      for (int i = 0; i < count; ++i) {
-        for (;;) {
-          const int *mult = kMultipliers[i];
-          // The 48-bit product seed * multiplier in four 12-bit digits.
-          int it4 = seed_[3] * mult[3];
-          int it3 = it4 / kBase;
-          it4 -= kBase * it3;
-          it3 += seed_[2] * mult[3] + seed_[3] * mult[2];
-          int it2 = it3 / kBase;
-          it3 -= kBase * it2;
-          it2 += seed_[1] * mult[3] + seed_[2] * mult[2] + seed_[3] * mult[1];
-          int it1 = it2 / kBase;
-          it2 -= kBase * it1;
-          it1 += seed_[0] * mult[3] + seed_[1] * mult[2] + seed_[2] * mult[1] + seed_[3] * mult[0];
-          it1 %= kBase;
-          it[0] = it1, it[1] = it2, it[2] = it3, it[3] = it4;
-          const float r = 1.0f / kBase;
-          const float u = r * (float(it1) + r * (float(it2) + r * (float(it3) + r * float(it4))));
-          if (u != 1.0f) {
-            x[iv + i] = R(2 * u - 1);
-            break;
-          }
-          // Rounded up to 1: continue the sequence from this number.
-          for (int k = 0; k < 4; ++k) seed_[k] = it[k];
-        }
-      }
-      for (int k = 0; k < 4; ++k) seed_[k] = it[k];
-    }
-  }
-
- private:
-  static constexpr int kBatch = 64;
-  static constexpr int kBase = 4096;
-  static constexpr int kMultipliers[kBatch][4] = {
-      {494, 322, 2508, 2549},   {2637, 789, 3754, 1145},  {255, 1440, 1766, 2253},
-      {2008, 752, 3572, 305},   {1253, 2859, 2893, 3301}, {3344, 123, 307, 1065},
-      {4084, 1848, 1297, 3133}, {1739, 643, 3966, 2913},  {3143, 2405, 758, 3285},
-      {3468, 2638, 2598, 1241}, {688, 2344, 3406, 1197},  {1657, 46, 2922, 3729},
-      {1238, 3814, 1038, 2501}, {3166, 913, 2934, 1673},  {1292, 3649, 2091, 541},
-      {3422, 339, 2451, 2753},  {1270, 3808, 1580, 949},  {2016, 822, 1958, 2361},
-      {154, 2832, 2055, 1165},  {2862, 3078, 1507, 4081}, {697, 3633, 1078, 2725},
-      {1706, 2970, 3273, 3305}, {491, 637, 17, 3069},     {931, 2249, 854, 3617},
-      {1444, 2081, 2916, 3733}, {444, 4019, 3971, 409},   {3577, 1478, 2889, 2157},
-      {3944, 242, 3831, 1361},  {2184, 481, 2621, 3973},  {1661, 2075, 1541, 1865},
-      {3482, 4058, 893, 2525},  {657, 622, 736, 1409},    {3023, 3376, 3992, 3445},
-      {3618, 812, 787, 3577},   {1267, 234, 2125, 77},    {1828, 641, 2364, 3761},
-      {164, 4005, 2460, 2149},  {3798, 1122, 257, 1449},  {3087, 3135, 1574, 3005},
-      {2400, 2640, 3912, 225},  {2870, 2302, 1216, 85},   {3876, 40, 3248, 3673},
-      {1905, 1832, 3401, 3117}, {1593, 2247, 2124, 3089}, {1797, 2034, 2762, 1349},
-      {1234, 2637, 149, 2057},  {3460, 1287, 2245, 413},  {328, 1691, 166, 65},
-      {2861, 496, 466, 1845},   {1950, 1597, 4018, 697},  {617, 2394, 1399, 3085},
-      {2070, 2584, 190, 3441},  {3331, 1843, 2879, 1573}, {769, 336, 153, 3689},
-      {1558, 1472, 2320, 2941}, {2412, 2407, 18, 929},    {2800, 433, 712, 533},
-      {189, 2096, 2159, 2841},  {287, 1761, 2318, 4077},  {2045, 2810, 2091, 721},
-      {1227, 566, 3443, 2821},  {2838, 442, 1510, 2249},  {209, 41, 449, 2397},
-      {2770, 1238, 1956, 2817}};
-  int seed_[4] = {1, 1, 1, 1};
-};
-
-}  // namespace
-
 template <class R>
 int larre(Range range, int n, R *vl, R *vu, int il, int iu, R *d, R *e, R *e2, R rtol1, R rtol2,
           R spltol, int *nsplit, int *isplit, int *m, R *w, R *werr, R *wgap, int *iblock,
@@ -1253,7 +1177,7 @@ int larre(Range range, int n, R *vl, R *vu, int il, int iu, R *d, R *e, R *e2, R
       // A small random relative perturbation of the representation breaks
       // up eigenvalues that agree to working precision (the first 2 in - 1
       // numbers of the sequence, d's in - 1 first, then e's, then d(last)).
-      Uniform random;
+      Uniform48 random;
       R *rnd = work;
       random.fill(2 * in - 1, rnd);
       for (int i = 0; i < in - 1; ++i) {
