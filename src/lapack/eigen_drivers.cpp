@@ -107,6 +107,51 @@ std::int64_t reduction_work(Uplo uplo, int n) {
                                 ormtr_worksize<T>(Side::kLeft, uplo, n, n));
 }
 
+// The expert drivers' tridiagonal stage on d, e (the bounds and tolerance
+// already scaled). Every eigenvalue at the default tolerance: QR (sterf, or
+// steqr on the reduction's factor, which form_q puts in z). Otherwise, or
+// when QR fails: bisection (iblock in iwork's first n), then inverse
+// iteration, after which *back says the caller must still take z through
+// the reduction's factor. rscratch: 5n reals; iwork: 5n. Returns INFO.
+template <class T, class FormQ>
+int expert_tridiagonal(bool wantz, Range range, int n, real_t<T> vl, real_t<T> vu, int il, int iu,
+                       real_t<T> abstol, const real_t<T> *d, const real_t<T> *e, int *m,
+                       real_t<T> *w, T *z, int ldz, real_t<T> *rscratch, int *iwork, int *ifail,
+                       FormQ form_q, bool *back) {
+  using R = real_t<T>;
+  *back = false;
+  int info = 0;
+  const bool whole = range == Range::kAll || (range == Range::kIndices && il == 1 && iu == n);
+  if (whole && abstol <= 0) {
+    std::copy(d, d + n, w);
+    R *ee = rscratch + 2 * n;  // after steqr's 2n - 2
+    std::copy(e, e + n - 1, ee);
+    if (!wantz) {
+      info = sterf(n, w, ee);
+    } else {
+      form_q();
+      info = steqr<T>(CompQ::kUpdate, n, w, ee, z, ldz, rscratch);
+      if (info == 0) std::fill(ifail, ifail + n, 0);
+    }
+    if (info == 0) {
+      *m = n;
+      return 0;
+    }
+    info = 0;
+  }
+  int *iblock = iwork, *isplit = iwork + n, *iscratch = iwork + 2 * n;
+  int nsplit = 0;
+  const int found = stebz(range, wantz, n, vl, vu, il, iu, abstol, d, e, m, &nsplit, w, iblock,
+                          isplit, rscratch, iscratch);
+  if (found != 0) info = n + found;
+  if (wantz && (found == 0 || found == 1)) {
+    const int failed = stein<T>(n, d, e, *m, w, iblock, isplit, z, ldz, rscratch, iscratch, ifail);
+    if (failed != 0 && info == 0) info = failed;
+    *back = true;
+  }
+  return info;
+}
+
 }  // namespace
 
 // ---- the dense drivers -------------------------------------------------------------------
@@ -291,44 +336,21 @@ int syevx(JobZ jobz, Range range, Uplo uplo, int n, T *a, int lda, real_t<T> vl,
 
   sytrd(uplo, n, a, lda, d, e, tau, scratch, lscratch);
 
-  int info = 0;
-  const bool whole = range == Range::kAll || (range == Range::kIndices && il == 1 && iu == n);
-  bool done = false;
-  if (whole && abstol <= 0) {
-    std::copy(d, d + n, w);
-    R *ee = rscratch + 2 * n;
-    std::copy(e, e + n - 1, ee);
-    if (!wantz) {
-      info = sterf(n, w, ee);
-    } else {
-      lacpy(Part::kAll, n, n, a, lda, z, ldz);
-      orgtr(uplo, n, z, ldz, tau, scratch, lscratch);
-      info = steqr<T>(CompQ::kUpdate, n, w, ee, z, ldz, rscratch);
-      if (info == 0) std::fill(ifail, ifail + n, 0);
-    }
-    if (info == 0) {
-      *m = n;
-      done = true;
-    } else {
-      info = 0;
-    }
+  bool back = false;
+  const int info = expert_tridiagonal<T>(
+      wantz, range, n, vll, vuu, il, iu, abstll, d, e, m, w, z, ldz, rscratch, iwork, ifail,
+      [&] {
+        lacpy(Part::kAll, n, n, a, lda, z, ldz);
+        orgtr(uplo, n, z, ldz, tau, scratch, lscratch);
+      },
+      &back);
+  if (back) {
+    // The reflectors' scratch may now take everything after tau.
+    T *bt_work = is_complex_v<T> ? scratch : work + n;
+    const int bt_len = is_complex_v<T> ? lscratch : lwork - n;
+    ormtr(Side::kLeft, uplo, Op::kNone, n, *m, a, lda, tau, z, ldz, bt_work, bt_len);
   }
-  int *iblock = iwork, *isplit = iwork + n, *iscratch = iwork + 2 * n;
-  if (!done) {
-    int nsplit = 0;
-    const int found = stebz(range, wantz, n, vll, vuu, il, iu, abstll, d, e, m, &nsplit, w, iblock,
-                            isplit, rscratch, iscratch);
-    if (found != 0) info = n + found;
-    if (wantz && (found == 0 || found == 1)) {
-      const int failed =
-          stein<T>(n, d, e, *m, w, iblock, isplit, z, ldz, rscratch, iscratch, ifail);
-      if (failed != 0 && info == 0) info = failed;
-      // The reflectors' scratch may now take everything after tau.
-      T *bt_work = is_complex_v<T> ? scratch : work + n;
-      const int bt_len = is_complex_v<T> ? lscratch : lwork - n;
-      ormtr(Side::kLeft, uplo, Op::kNone, n, *m, a, lda, tau, z, ldz, bt_work, bt_len);
-    }
-  }
+  int *iblock = iwork;
   unscale_values(sigma, info, *m, w);
   if (wantz) sort_pairs<T>(n, *m, w, z, ldz, iblock, info != 0 ? ifail : nullptr);
   return info;
@@ -489,45 +511,19 @@ int sbevx(JobZ jobz, Range range, Uplo uplo, int n, int kd, T *ab, int ldab, T *
 
   sbtrd(wantz ? CompQ::kInitial : CompQ::kNone, uplo, n, kd, ab, ldab, d, e, q, ldq, scratch);
 
-  int info = 0;
-  const bool whole = range == Range::kAll || (range == Range::kIndices && il == 1 && iu == n);
-  bool done = false;
-  if (whole && abstol <= 0) {
-    std::copy(d, d + n, w);
-    R *ee = rscratch + 2 * n;
-    std::copy(e, e + n - 1, ee);
-    if (!wantz) {
-      info = sterf(n, w, ee);
-    } else {
-      lacpy(Part::kAll, n, n, q, ldq, z, ldz);
-      info = steqr<T>(CompQ::kUpdate, n, w, ee, z, ldz, rscratch);
-      if (info == 0) std::fill(ifail, ifail + n, 0);
-    }
-    if (info == 0) {
-      *m = n;
-      done = true;
-    } else {
-      info = 0;
+  bool back = false;
+  const int info = expert_tridiagonal<T>(
+      wantz, range, n, vll, vuu, il, iu, abstll, d, e, m, w, z, ldz, rscratch, iwork, ifail,
+      [&] { lacpy(Part::kAll, n, n, q, ldq, z, ldz); }, &back);
+  if (back) {
+    // Each vector of the tridiagonal through Q, by way of the first n
+    // entries of the workspace (d is no longer needed).
+    for (int j = 0; j < *m; ++j) {
+      std::copy(col(z, ldz, j), col(z, ldz, j) + n, vector);
+      gemm<T>(Op::kNone, Op::kNone, n, 1, n, T(1), q, ldq, vector, n, T(0), col(z, ldz, j), ldz);
     }
   }
-  int *iblock = iwork, *isplit = iwork + n, *iscratch = iwork + 2 * n;
-  if (!done) {
-    int nsplit = 0;
-    const int found = stebz(range, wantz, n, vll, vuu, il, iu, abstll, d, e, m, &nsplit, w, iblock,
-                            isplit, rscratch, iscratch);
-    if (found != 0) info = n + found;
-    if (wantz && (found == 0 || found == 1)) {
-      const int failed =
-          stein<T>(n, d, e, *m, w, iblock, isplit, z, ldz, rscratch, iscratch, ifail);
-      if (failed != 0 && info == 0) info = failed;
-      // Each vector of the tridiagonal through Q, by way of the first n
-      // entries of the workspace (d is no longer needed).
-      for (int j = 0; j < *m; ++j) {
-        std::copy(col(z, ldz, j), col(z, ldz, j) + n, vector);
-        gemm<T>(Op::kNone, Op::kNone, n, 1, n, T(1), q, ldq, vector, n, T(0), col(z, ldz, j), ldz);
-      }
-    }
-  }
+  int *iblock = iwork;
   unscale_values(sigma, info, *m, w);
   if (wantz) sort_pairs<T>(n, *m, w, z, ldz, iblock, info != 0 ? ifail : nullptr);
   return info;
