@@ -7,7 +7,11 @@
 // so that the trailing update A := (I - V T V^H)^H (A - Y V^H) is one
 // product with Y from the right and one block reflector from the left,
 // both on the level-3 routines. The last columns, and small matrices, are
-// reduced one reflector at a time (gehd2).
+// reduced one reflector at a time (gehd2). The panel's one long product,
+// the whole active block times each new reflector, is shared out over the
+// team by rows.
+#include <omp.h>
+
 #include <algorithm>
 #include <complex>
 #include <cstddef>
@@ -18,6 +22,7 @@
 #include "lapack/nonsym.h"
 #include "lapack/oracle.h"
 #include "lapack/qr.h"
+#include "service/threading.h"
 
 namespace orb::lapack {
 namespace {
@@ -57,6 +62,39 @@ void gehd2(int n, int ilo, int ihi, T *a, int lda, T *tau, T *work) {
   }
 }
 
+// The rows of one slice of the split product start at a multiple of this,
+// so every entry meets the kernel's row tiles exactly as when one thread
+// makes the whole product: the result does not depend on the team.
+constexpr int kSliceRows = 256;
+
+// y := A x, A m x n: by the calling thread, or with the rows shared out over
+// the team when the panel's rows reach the oracle's crossover (query 3 of
+// "LAHR2"), each thread making the product of its own slice.
+template <class T>
+void panel_product(int m, int n, const T *a, int lda, const T *x, T *y, int team) {
+  const int slices = std::min(team, (m + kSliceRows - 1) / kSliceRows);
+  if (slices <= 1 || n <= 0) {
+    blas::level2::gemv(Op::kNone, m, n, T(1), a, lda, x, 1, T(0), y, 1);
+    return;
+  }
+  const int tiles = (m + kSliceRows - 1) / kSliceRows;
+#pragma omp parallel num_threads(slices)
+  {
+    const int s = omp_get_thread_num(), got = omp_get_num_threads();
+    const int r0 = std::min(m, static_cast<int>(std::int64_t{tiles} * s / got) * kSliceRows);
+    const int r1 = std::min(m, static_cast<int>(std::int64_t{tiles} * (s + 1) / got) * kSliceRows);
+    if (r1 > r0)
+      blas::level2::gemv(Op::kNone, r1 - r0, n, T(1), a + r0, lda, x, 1, T(0), y + r0, 1);
+  }
+}
+
+template <class T>
+int panel_team(int rows) {
+  if (omp_in_parallel()) return 1;
+  const int team = orb::threads::max_threads();
+  return team > 1 && rows >= oracle(kCrossover, name<T>("LAHR2"), rows) ? team : 1;
+}
+
 // The panel (xLAHR2): reduces the nb columns at a (column k-1 of the
 // matrix, 0-based, whose first k rows are not touched by the reflectors)
 // so that the elements below row k + j of column j vanish, rows 0..n-1
@@ -70,6 +108,7 @@ void lahr2(int n, int k, int nb, T *a, int lda, T *tau, T *t, int ldt, T *y, int
   const auto Y = [&](int i, int j) { return y + at(i, j, ldy); };
   const auto Tm = [&](int i, int j) { return t + at(i, j, ldt); };
   T *scratch = Tm(0, nb - 1);  // T's last column, free until the last step
+  const int team = panel_team<T>(n - k);
   T beta{};
   for (int j = 0; j < nb; ++j) {
     if (j > 0) {
@@ -96,8 +135,7 @@ void lahr2(int n, int k, int nb, T *a, int lda, T *tau, T *t, int ldt, T *y, int
     beta = *A(k + j, j);
     *A(k + j, j) = T(1);
     // Y's column j below row k: tau (A v - Y T(:, j) part).
-    blas::level2::gemv(Op::kNone, n - k, n - k - j, T(1), A(k, j + 1), lda, A(k + j, j), 1, T(0),
-                       Y(k, j), 1);
+    panel_product(n - k, n - k - j, A(k, j + 1), lda, A(k + j, j), Y(k, j), team);
     if (j > 0) {
       blas::level2::gemv(Op::kConjTrans, n - k - j, j, T(1), A(k + j, 0), lda, A(k + j, j), 1, T(0),
                          Tm(0, j), 1);

@@ -121,6 +121,9 @@ constexpr Row kRows[] = {
     // the reduction to Hessenberg form: the published panels of 32 columns,
     // the last 128 columns one reflector at a time
     {"GEHRD", "SDCZ", 32, 2, 128},
+    // its panel: the rows from which the long product with each reflector
+    // is shared out over the team
+    {"LAHR2", "SDCZ", 1, 2, 512},
 };
 
 // The routine's name as the table spells it, and its precision letter.

@@ -3,6 +3,7 @@
 // active block strictly inside the matrix, against the one-reflector code
 // a minimal workspace selects; and orghr's blocked factor at those orders.
 #include <gtest/gtest.h>
+#include <omp.h>
 
 #include <algorithm>
 #include <cmath>
@@ -12,6 +13,7 @@
 #include <vector>
 
 #include "lapack/nonsym.h"
+#include "orb.h"
 
 namespace {
 
@@ -118,6 +120,32 @@ TYPED_TEST(Hessen, BlockedReductionAndFactor) {
           EXPECT_EQ(q[i + static_cast<std::size_t>(j) * n], T(0));
         }
   }
+}
+
+// From the panel crossover on, the panel's long product is shared out over
+// the team by rows; the reduction keeps the bits of one thread (the same
+// call made inside a parallel region, where the panel does not split).
+TYPED_TEST(Hessen, SplitPanelGivesTheSerialBits) {
+  using T = TypeParam;
+  std::mt19937 gen(11);
+  const int n = 700;
+  const std::vector<T> a = balanced_shape<T>(n, 1, n, gen);
+  const std::int64_t best = lp::gehrd_worksize<T>(n, 1, n);
+  auto reduce = [&] {
+    std::vector<T> h = a, tau(n), work(static_cast<std::size_t>(best));
+    lp::gehrd(n, 1, n, h.data(), n, tau.data(), work.data(), static_cast<int>(best));
+    h.insert(h.end(), tau.begin(), tau.end());
+    return h;
+  };
+  ORB_Set_Num_Threads(2);
+  const std::vector<T> team = reduce();
+  std::vector<T> one;
+#pragma omp parallel num_threads(2)
+  {
+#pragma omp master
+    one = reduce();
+  }
+  EXPECT_TRUE(team == one);
 }
 
 }  // namespace
