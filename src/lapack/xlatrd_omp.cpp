@@ -189,9 +189,11 @@ class Panel {
   // `part` of `parts`. The block that reaches every row (the first below
   // the diagonal, the last above) writes y itself; the others their own
   // partial, upper: rows [0, c1), lower: rows [c0, m). The block goes by
-  // panels of kPanel columns: the panel's triangle on the diagonal column
-  // by column, its rectangle off the diagonal by one pass that makes both
-  // of its products.
+  // panels of kPanel columns, each product by one pass that makes both of
+  // its halves: the panel's rectangle off the diagonal as it is stored, its
+  // triangle on the diagonal from a square copy holding the stored
+  // triangle with half the diagonal and zeros elsewhere (S = D/2 + L gives
+  // C = S + S^H).
   void block_product(int m, const T *c, const T *v, T *y, int part, int parts) {
     const int c0 = blas::level3_boundary(m, part, parts, 8, upper_ ? 1 : 2);
     const int c1 = blas::level3_boundary(m, part + 1, parts, 8, upper_ ? 1 : 2);
@@ -200,22 +202,28 @@ class Panel {
     const int r0 = direct ? 0 : (upper_ ? 0 : c0), r1 = direct ? m : (upper_ ? c1 : m);
     std::fill(p + r0, p + r1, T(0));
     auto &k = blas::level2::kernels<T>();
-    const auto axpy_dot = k.axpy_dot.get();
     const auto gemv_nt = k.gemv_nt.get();
     constexpr bool herm = is_complex_v<T>;
     auto C = [&](int i, int j) { return c + i + static_cast<std::ptrdiff_t>(j) * lda_; };
+    // The zeros outside the stored triangle are written once: every
+    // panel's copy (the last one's too, however narrow) overwrites the
+    // triangle only.
+    alignas(64) T square[kPanel * kPanel];
+    alignas(64) T half[kPanel];
+    std::fill(square, square + kPanel * kPanel, T(0));
     for (int j0 = c0; j0 < c1; j0 += kPanel) {
       const int j1 = std::min(c1, j0 + kPanel), w = j1 - j0;
       if (upper_ && j0 > 0) gemv_nt(j0, w, T(1), C(0, j0), lda_, v + j0, p, v, p + j0, herm);
-      for (int j = j0; j < j1; ++j) {
-        T s(0);
-        if (upper_) {
-          if (j > j0) axpy_dot(j - j0, v[j], C(j0, j), v + j0, p + j0, herm, &s);
-        } else if (j1 - j - 1 > 0) {
-          axpy_dot(j1 - j - 1, v[j], C(j + 1, j), v + j + 1, p + j + 1, herm, &s);
-        }
-        p[j] += mul(v[j], real_part_if(*C(j, j))) + s;
+      for (int j = 0; j < w; ++j) {
+        T *sq = square + j * kPanel;
+        const T *cj = C(j0, j0 + j);
+        const int i0 = upper_ ? 0 : j + 1, i1 = upper_ ? j : w;
+        for (int i = i0; i < i1; ++i) sq[i] = cj[i];
+        sq[j] = real_part_if(cj[j]) * real_t<T>(0.5);
+        half[j] = T(0);
       }
+      gemv_nt(w, w, T(1), square, kPanel, v + j0, p + j0, v + j0, half, herm);
+      for (int j = 0; j < w; ++j) p[j0 + j] += half[j];
       if (!upper_ && j1 < m)
         gemv_nt(m - j1, w, T(1), C(j1, j0), lda_, v + j0, p + j1, v + j1, p + j0, herm);
     }
