@@ -112,37 +112,28 @@ constexpr ck::Test kCheevr[] = {kDenseHead[0],
                                 ck::holds(20, cheevr_lrwork),
                                 ck::holds(22, cheevr_liwork)};
 
-int ssyevx_min(ck::Args a) {
-  return static_cast<int>(la::syevx_minwork<float>(arg(a, 4)).work);
+// The expert drivers' tests, the same for both: only the minimal LWORK
+// differs.
+template <class T>
+int syevx_min(ck::Args a) {
+  return static_cast<int>(la::syevx_minwork<T>(arg(a, 4)).work);
 }
-int cheevx_min(ck::Args a) {
-  return static_cast<int>(la::syevx_minwork<c8>(arg(a, 4)).work);
-}
-constexpr ck::Test kSsyevx[] = {kDenseHead[0],
-                                kDenseHead[1],
-                                kDenseHead[2],
-                                kDenseHead[3],
-                                kDenseHead[4],
-                                ck::holds(8, range_vu<4, 7>),
-                                ck::holds(9, range_il<4, 9>),
-                                ck::holds(10, range_iu<4, 9>),
-                                ck::holds(15, ldz_ok<4, 15>),
-                                ck::lwork(17, ssyevx_min)};
-constexpr ck::Test kCheevx[] = {kDenseHead[0],
-                                kDenseHead[1],
-                                kDenseHead[2],
-                                kDenseHead[3],
-                                kDenseHead[4],
-                                ck::holds(8, range_vu<4, 7>),
-                                ck::holds(9, range_il<4, 9>),
-                                ck::holds(10, range_iu<4, 9>),
-                                ck::holds(15, ldz_ok<4, 15>),
-                                ck::lwork(17, cheevx_min)};
+template <class T>
+constexpr ck::Test kSyevx[] = {kDenseHead[0],
+                               kDenseHead[1],
+                               kDenseHead[2],
+                               kDenseHead[3],
+                               kDenseHead[4],
+                               ck::holds(8, range_vu<4, 7>),
+                               ck::holds(9, range_il<4, 9>),
+                               ck::holds(10, range_iu<4, 9>),
+                               ck::holds(15, ldz_ok<4, 15>),
+                               ck::lwork(17, syevx_min<T>)};
 
 constexpr auto kSsyevrCheck = orb::entry::lapack_checker("SSYEVR", kSsyevr);
 constexpr auto kCheevrCheck = orb::entry::lapack_checker("CHEEVR", kCheevr);
-constexpr auto kSsyevxCheck = orb::entry::lapack_checker("SSYEVX", kSsyevx, 16, 17);
-constexpr auto kCheevxCheck = orb::entry::lapack_checker("CHEEVX", kCheevx, 16, 17);
+constexpr auto kSsyevxCheck = orb::entry::lapack_checker("SSYEVX", kSyevx<float>, 16, 17);
+constexpr auto kCheevxCheck = orb::entry::lapack_checker("CHEEVX", kSyevx<c8>, 16, 17);
 
 template <class T>
 void store(T *work, real_t<T> *rwork, int *iwork, const la::EigenWork &size) {
