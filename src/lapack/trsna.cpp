@@ -11,8 +11,8 @@
 
 #include "lapack/auxiliary.h"
 #include "lapack/copy_scale.h"
+#include "lapack/hqr_complex.h"
 #include "lapack/nonsym.h"
-#include "lapack/schur_small.h"
 
 namespace orb::lapack {
 
@@ -62,7 +62,7 @@ int trsna(Sense job, HowMany howmny, const int *select, int n, const T *t, int l
       // Move eigenvalue k to the top; sep is the smallest singular value
       // of T22 - t11 I, estimated through the 1-norm of its inverse.
       lacpy(Part::kAll, n, n, t, ldt, work, ldwork);
-      trexc(false, n, work, ldwork, nullptr, 1, k, 0);
+      hqr::trexc(n, work, ldwork, nullptr, 1, k + 1, 1);
       for (int i = 1; i < n; ++i) work[i + static_cast<std::ptrdiff_t>(i) * ldwork] -= work[0];
       sep[ks] = 0;
       float est = 0, scale = 1;
