@@ -1,5 +1,5 @@
 // The exported routines of the Schur form: its eigenvectors (STREVC,
-// CTREVC).
+// CTREVC) and their condition numbers (STRSNA, CTRSNA).
 #include <complex>
 
 #include "blas/complex_abi.h"
@@ -44,9 +44,9 @@ bool vec_ld(ck::Args a) {
   const int ld = arg(a, LD);
   return ld >= 1 && !(letter(a, 1) != SKIP && ld < arg(a, 4));
 }
-// MM >= M, the number of columns the selection needs (a real pair counts
-// twice when either of its eigenvalues is selected).
-template <bool Complex>
+// MM (argument MM) >= M, the number of columns the selection needs (a real
+// pair counts twice when either of its eigenvalues is selected).
+template <bool Complex, int MM = 11>
 bool mm_ok(ck::Args a) {
   const int n = arg(a, 4);
   int m = n;
@@ -68,7 +68,7 @@ bool mm_ok(ck::Args a) {
       }
     }
   }
-  return arg(a, 11) >= m;
+  return arg(a, MM) >= m;
 }
 
 template <bool Complex>
@@ -94,6 +94,42 @@ void strevc_impl(const char *side, const char *howmny, int *select, const int *n
                work, nullptr, info);
 }
 
+// ---- xTRSNA ------------------------------------------------------------------------------
+
+la::Sense sense(char c) {
+  c = orb::upper(c);
+  return c == 'E' ? la::Sense::kValues : c == 'V' ? la::Sense::kVectors : la::Sense::kBoth;
+}
+
+// LDVL and LDVR >= N unless only SEP is wanted (JOB = 'V'); LDWORK
+// (argument 16) >= N unless only S is (JOB = 'E').
+template <bool Complex>
+constexpr ck::Test kTrsna[] = {ck::option(1, "EVB"),
+                               ck::option(2, "AS"),
+                               ck::nonneg(4),
+                               ck::ld(6, ck::dim(4)),
+                               ck::holds(8, vec_ld<8, 'V'>),
+                               ck::holds(10, vec_ld<10, 'V'>),
+                               ck::holds(13, mm_ok<Complex, 13>),
+                               ck::holds(16, vec_ld<16, 'E'>)};
+constexpr auto kStrsna = orb::entry::lapack_checker("STRSNA", kTrsna<false>);
+constexpr auto kCtrsna = orb::entry::lapack_checker("CTRSNA", kTrsna<true>);
+
+void strsna_impl(const char *job, const char *howmny, const int *select, const int *n,
+                 const float *t, const int *ldt, const float *vl, const int *ldvl, const float *vr,
+                 const int *ldvr, float *s, float *sep, const int *mm, int *m, float *work,
+                 const int *ldwork, int *iwork, int *info) {
+  *info = la::trsna<float>(sense(*job), how_many(*howmny), select, *n, t, *ldt, vl, *ldvl, vr,
+                           *ldvr, s, sep, *mm, m, work, *ldwork, iwork, nullptr);
+}
+void ctrsna_impl(const char *job, const char *howmny, const int *select, const int *n, const c8 *t,
+                 const int *ldt, const c8 *vl, const int *ldvl, const c8 *vr, const int *ldvr,
+                 float *s, float *sep, const int *mm, int *m, c8 *work, const int *ldwork,
+                 float *rwork, int *info) {
+  *info = la::trsna<c8>(sense(*job), how_many(*howmny), select, *n, t, *ldt, vl, *ldvl, vr, *ldvr,
+                        s, sep, *mm, m, work, *ldwork, nullptr, rwork);
+}
+
 }  // namespace
 
 extern "C" {
@@ -112,6 +148,23 @@ ORB_API void ctrevc(const char *side, const char *howmny, const int *select, con
   // The complex routine reads SELECT only.
   orb::entry::lapack(kCtrevc, NoWorkspace{}, trevc<c8>, side, howmny, const_cast<int *>(select), n,
                      cx(t), ldt, cx(vl), ldvl, cx(vr), ldvr, mm, m, cx(work), rwork, info);
+}
+
+ORB_API void strsna(const char *job, const char *howmny, const int *select, const int *n,
+                    const float *t, const int *ldt, const float *vl, const int *ldvl,
+                    const float *vr, const int *ldvr, float *s, float *sep, const int *mm, int *m,
+                    float *work, const int *ldwork, int *iwork, int *info, int, int) {
+  orb::entry::lapack(kStrsna, NoWorkspace{}, strsna_impl, job, howmny, select, n, t, ldt, vl, ldvl,
+                     vr, ldvr, s, sep, mm, m, work, ldwork, iwork, info);
+}
+
+ORB_API void ctrsna(const char *job, const char *howmny, const int *select, const int *n,
+                    const orb_complex8 *t, const int *ldt, const orb_complex8 *vl, const int *ldvl,
+                    const orb_complex8 *vr, const int *ldvr, float *s, float *sep, const int *mm,
+                    int *m, orb_complex8 *work, const int *ldwork, float *rwork, int *info, int,
+                    int) {
+  orb::entry::lapack(kCtrsna, NoWorkspace{}, ctrsna_impl, job, howmny, select, n, cx(t), ldt,
+                     cx(vl), ldvl, cx(vr), ldvr, s, sep, mm, m, cx(work), ldwork, rwork, info);
 }
 
 }  // extern "C"
