@@ -44,8 +44,9 @@ bool vec_ld(ck::Args a) {
   const int ld = arg(a, LD);
   return ld >= 1 && !(letter(a, 1) != SKIP && ld < arg(a, 4));
 }
-// MM (argument MM) >= M, the number of columns the selection needs (a real
-// pair counts twice when either of its eigenvalues is selected).
+// MM (argument 11 of xTREVC, 13 of xTRSNA) >= M, the number of columns the
+// selection needs (a real pair counts twice when either of its eigenvalues
+// is selected).
 template <bool Complex, int MM = 11>
 bool mm_ok(ck::Args a) {
   const int n = arg(a, 4);
