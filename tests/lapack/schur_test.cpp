@@ -434,4 +434,131 @@ TEST(Laqtr, ScalesAwayFromOverflow) {
   for (int i = 0; i < n; ++i) ASSERT_TRUE(std::isfinite(x[i])) << i;
 }
 
+// ---- eigenvector condition numbers (trsna) ---------------------------------------------
+
+// The smallest singular value of the complex m x m matrix a, by inverse
+// iteration with a^H a through an LU factorization with partial pivoting.
+double smallest_singular_value(std::vector<cd> a, int m) {
+  auto at = [&](int i, int j) -> cd & { return a[i + std::size_t(j) * m]; };
+  std::vector<int> piv(m);
+  for (int k = 0; k < m; ++k) {
+    int p = k;
+    for (int i = k + 1; i < m; ++i)
+      if (std::abs(at(i, k)) > std::abs(at(p, k))) p = i;
+    piv[k] = p;
+    for (int j = 0; j < m; ++j) std::swap(at(k, j), at(p, j));
+    for (int i = k + 1; i < m; ++i) {
+      at(i, k) /= at(k, k);
+      for (int j = k + 1; j < m; ++j) at(i, j) -= at(i, k) * at(k, j);
+    }
+  }
+  // x := a^-H x, then x := a^-1 x.
+  auto solve_adjoint = [&](std::vector<cd> &x) {
+    for (int i = 0; i < m; ++i) {
+      for (int k = 0; k < i; ++k) x[i] -= std::conj(at(k, i)) * x[k];
+      x[i] /= std::conj(at(i, i));
+    }
+    for (int i = m - 1; i >= 0; --i)
+      for (int k = i + 1; k < m; ++k) x[i] -= std::conj(at(k, i)) * x[k];
+    for (int k = m - 1; k >= 0; --k) std::swap(x[k], x[piv[k]]);
+  };
+  auto solve = [&](std::vector<cd> &x) {
+    for (int k = 0; k < m; ++k) std::swap(x[k], x[piv[k]]);
+    for (int i = 0; i < m; ++i)
+      for (int k = 0; k < i; ++k) x[i] -= at(i, k) * x[k];
+    for (int i = m - 1; i >= 0; --i) {
+      for (int k = i + 1; k < m; ++k) x[i] -= at(i, k) * x[k];
+      x[i] /= at(i, i);
+    }
+  };
+  auto norm = [](const std::vector<cd> &x) {
+    double s = 0;
+    for (const cd &v : x) s += std::norm(v);
+    return std::sqrt(s);
+  };
+  std::vector<cd> x(m, cd(1, 0.5));
+  double growth = 0;
+  for (int it = 0; it < 200; ++it) {
+    const double before = norm(x);
+    for (cd &v : x) v /= before;
+    solve_adjoint(x);
+    solve(x);
+    growth = norm(x);
+  }
+  return 1 / std::sqrt(growth);
+}
+
+// sep of every eigenvalue of a quasi-triangular form with many complex pairs,
+// against sigma_min(T22 - lambda I) computed densely: T22 is T compressed to
+// the orthogonal complement of the right eigenvector (a Householder
+// reflection's trailing columns). The estimate can only lie above
+// sigma_min / sqrt(2 (n - 1)); in practice it is within a small factor of
+// sigma_min, which is what this checks: a pair's operator built wrongly (its
+// first diagonal element, the rotated first row) moves it by a factor 2 or
+// more.
+TEST(Trsna, RealSeparationAgainstSmallestSingularValue) {
+  const int n = 36;
+  Random rng(3);
+  // Small coupling above the diagonal blocks, so that sep is set by the
+  // distances between the eigenvalues (a pair's to its conjugate among them)
+  // rather than by the form's departure from normality.
+  std::vector<float> t = quasi_triangular(n, rng);
+  for (int j = 0; j < n; ++j)
+    for (int i = 0; i < j; ++i)
+      if (!(j == i + 1 && t[j + std::size_t(i) * n] != 0)) t[i + std::size_t(j) * n] *= 0.02f;
+  // Every other pair nearly real: its distance to its own conjugate is then
+  // the smallest.
+  for (int j = 0, k = 0; j + 1 < n; ++j)
+    if (t[j + 1 + std::size_t(j) * n] != 0 && k++ % 2 == 0) t[j + 1 + std::size_t(j) * n] *= 1e-3f;
+  std::vector<float> vr(std::size_t(n) * n), work(std::size_t(n) * (n + 6)), s(n), sep(n);
+  std::vector<int> iwork(2 * n);
+  int m = 0, info = -1, mm = n;
+  strevc("R", "A", nullptr, &n, t.data(), &n, nullptr, &n, vr.data(), &n, &mm, &m, work.data(),
+         &info, 1, 1);
+  ASSERT_EQ(info, 0);
+  strsna("V", "A", nullptr, &n, t.data(), &n, nullptr, &n, nullptr, &n, s.data(), sep.data(), &mm,
+         &m, work.data(), &n, iwork.data(), &info, 1, 1);
+  ASSERT_EQ(info, 0);
+  ASSERT_EQ(m, n);
+  std::vector<cd> w;
+  const std::vector<cd> z = as_complex(t, n, vr.data(), n, w);
+  int pairs = 0;
+  for (int j = 0; j < n; ++j) {
+    pairs += w[j].imag() > 0 ? 1 : 0;
+    // The reflection H = I - beta v v^H with H x = alpha e1.
+    std::vector<cd> v(z.begin() + std::ptrdiff_t(j) * n, z.begin() + std::ptrdiff_t(j + 1) * n);
+    double xn = 0;
+    for (const cd &e : v) xn += std::norm(e);
+    xn = std::sqrt(xn);
+    const cd phase = std::abs(v[0]) > 0 ? v[0] / std::abs(v[0]) : cd(1);
+    v[0] += phase * xn;
+    double vn = 0;
+    for (const cd &e : v) vn += std::norm(e);
+    const double beta = 2 / vn;
+    // A = H (T - w I) H, by two rank-one updates.
+    std::vector<cd> a(std::size_t(n) * n);
+    for (int jj = 0; jj < n; ++jj)
+      for (int i = 0; i < n; ++i)
+        a[i + std::size_t(jj) * n] = double(t[i + std::size_t(jj) * n]) - (i == jj ? w[j] : 0.0);
+    for (int jj = 0; jj < n; ++jj) {
+      cd d = 0;
+      for (int i = 0; i < n; ++i) d += std::conj(v[i]) * a[i + std::size_t(jj) * n];
+      for (int i = 0; i < n; ++i) a[i + std::size_t(jj) * n] -= beta * v[i] * d;
+    }
+    for (int i = 0; i < n; ++i) {
+      cd d = 0;
+      for (int jj = 0; jj < n; ++jj) d += a[i + std::size_t(jj) * n] * v[jj];
+      for (int jj = 0; jj < n; ++jj) a[i + std::size_t(jj) * n] -= beta * d * std::conj(v[jj]);
+    }
+    std::vector<cd> t22(std::size_t(n - 1) * (n - 1));
+    for (int jj = 1; jj < n; ++jj)
+      for (int i = 1; i < n; ++i)
+        t22[i - 1 + std::size_t(jj - 1) * (n - 1)] = a[i + std::size_t(jj) * n];
+    const double sigma = smallest_singular_value(t22, n - 1);
+    EXPECT_GT(sep[j], 0.3 * sigma) << "eigenvalue " << j << " " << w[j];
+    EXPECT_LT(sep[j], 3 * sigma) << "eigenvalue " << j << " " << w[j];
+  }
+  EXPECT_GT(pairs, n / 4);
+}
+
 }  // namespace
