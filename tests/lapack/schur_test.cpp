@@ -13,6 +13,7 @@
 #include <complex>
 #include <cstddef>
 #include <limits>
+#include <utility>
 #include <vector>
 
 #include "lapack/laqtr.h"
