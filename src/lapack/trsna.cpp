@@ -110,8 +110,9 @@ float complex_separation(int n, const c8 *t, int ldt, int k, c8 *work, int ldwor
 // (positive imaginary part) first and turns the operator's transpose into
 // T22 - Re(lambda) I plus i times a matrix with a first row and mu on the
 // diagonal: the form laqtr solves. A block that cannot be moved (its swap
-// would be unstable) has a small sep anyway; it is reported as the scaled
-// reciprocal of the largest estimate. work: ldwork x (n + 6); iwork 2(n-1).
+// would be unstable) is close to others, so its sep is small anyway: it is
+// reported as smlnum, the reciprocal of the largest estimate. work: ldwork x
+// (n + 6); iwork 2(n-1).
 template <class R>
 R real_separation(int n, const R *t, int ldt, int k, R *work, int ldwork, int *iwork) {
   const R eps = std::numeric_limits<R>::epsilon();
