@@ -27,7 +27,8 @@ std::int64_t laqr0_worksize(int level, bool wantt, bool wantz, int n, int ilo, i
 
 // CTREXC with vectors: moves the diagonal entry ifst of the upper triangular
 // T (n by n) to position ilst by adjacent swaps, Q := Q G^H along the way
-// (q null: no vectors).
+// (q null: no vectors). The condition numbers (trsna.cpp) reorder with it
+// too.
 void trexc(int n, c8 *t, int ldt, c8 *q, int ldq, int ifst, int ilst);
 
 }  // namespace orb::lapack::hqr

@@ -1,6 +1,6 @@
-// The exported routines of the Schur form: eigenvectors (STREVC, CTREVC),
-// the Sylvester equation (STRSYL, CTRSYL), the condition numbers of the
-// complex form (CTRSNA).
+// The exported routines of the Schur form: its eigenvectors (STREVC,
+// CTREVC), the Sylvester equation (STRSYL, CTRSYL) and the condition
+// numbers (STRSNA, CTRSNA).
 #include <complex>
 
 #include "blas/complex_abi.h"
@@ -46,9 +46,10 @@ bool vec_ld(ck::Args a) {
   const int ld = arg(a, LD);
   return ld >= 1 && !(letter(a, 1) != SKIP && ld < arg(a, 4));
 }
-// MM >= M, the number of columns the selection needs (a real pair counts
-// twice when either of its eigenvalues is selected).
-template <bool Complex>
+// MM (argument 11 of xTREVC, 13 of xTRSNA) >= M, the number of columns the
+// selection needs (a real pair counts twice when either of its eigenvalues
+// is selected).
+template <bool Complex, int MM = 11>
 bool mm_ok(ck::Args a) {
   const int n = arg(a, 4);
   int m = n;
@@ -70,7 +71,7 @@ bool mm_ok(ck::Args a) {
       }
     }
   }
-  return arg(a, 11) >= m;
+  return arg(a, MM) >= m;
 }
 
 template <bool Complex>
@@ -129,28 +130,28 @@ la::Sense sense(char c) {
   c = orb::upper(c);
   return c == 'E' ? la::Sense::kValues : c == 'V' ? la::Sense::kVectors : la::Sense::kBoth;
 }
-// LDVL, LDVR >= 1, and >= N when s is wanted (JOB not 'V'); LDWORK >= 1,
-// and >= N when sep is wanted (JOB not 'E').
-template <int LD, char SKIP>
-bool sna_ld(ck::Args a) {
-  const int ld = arg(a, LD);
-  return ld >= 1 && !(letter(a, 1) != SKIP && ld < arg(a, 4));
-}
-bool sna_mm(ck::Args a) {
-  int m = arg(a, 4);
-  if (letter(a, 2) == 'S') {
-    const int *select = static_cast<const int *>(a[2]);
-    m = 0;
-    for (int j = 0; j < arg(a, 4); ++j) m += select[j] ? 1 : 0;
-  }
-  return arg(a, 13) >= m;
-}
-constexpr ck::Test kCtrsnaTests[] = {
-    ck::option(1, "EVB"),  ck::option(2, "AS"),           ck::nonneg(4),
-    ck::ld(6, ck::dim(4)), ck::holds(8, sna_ld<8, 'V'>),  ck::holds(10, sna_ld<10, 'V'>),
-    ck::holds(13, sna_mm), ck::holds(16, sna_ld<16, 'E'>)};
-constexpr auto kCtrsna = orb::entry::lapack_checker("CTRSNA", kCtrsnaTests);
 
+// LDVL and LDVR >= N unless only SEP is wanted (JOB = 'V'); LDWORK
+// (argument 16) >= N unless only S is (JOB = 'E').
+template <bool Complex>
+constexpr ck::Test kTrsna[] = {ck::option(1, "EVB"),
+                               ck::option(2, "AS"),
+                               ck::nonneg(4),
+                               ck::ld(6, ck::dim(4)),
+                               ck::holds(8, vec_ld<8, 'V'>),
+                               ck::holds(10, vec_ld<10, 'V'>),
+                               ck::holds(13, mm_ok<Complex, 13>),
+                               ck::holds(16, vec_ld<16, 'E'>)};
+constexpr auto kStrsna = orb::entry::lapack_checker("STRSNA", kTrsna<false>);
+constexpr auto kCtrsna = orb::entry::lapack_checker("CTRSNA", kTrsna<true>);
+
+void strsna_impl(const char *job, const char *howmny, const int *select, const int *n,
+                 const float *t, const int *ldt, const float *vl, const int *ldvl, const float *vr,
+                 const int *ldvr, float *s, float *sep, const int *mm, int *m, float *work,
+                 const int *ldwork, int *iwork, int *info) {
+  *info = la::trsna<float>(sense(*job), how_many(*howmny), select, *n, t, *ldt, vl, *ldvl, vr,
+                           *ldvr, s, sep, *mm, m, work, *ldwork, iwork, nullptr);
+}
 void ctrsna_impl(const char *job, const char *howmny, const int *select, const int *n, const c8 *t,
                  const int *ldt, const c8 *vl, const int *ldvl, const c8 *vr, const int *ldvr,
                  float *s, float *sep, const int *mm, int *m, c8 *work, const int *ldwork,
@@ -192,6 +193,14 @@ ORB_API void ctrsyl(const char *trana, const char *tranb, const int *isgn, const
                     int) {
   orb::entry::lapack(kCtrsylC, NoWorkspace{}, trsyl<c8>, trana, tranb, isgn, m, n, cx(a), lda,
                      cx(b), ldb, cx(c), ldc, scale, info);
+}
+
+ORB_API void strsna(const char *job, const char *howmny, const int *select, const int *n,
+                    const float *t, const int *ldt, const float *vl, const int *ldvl,
+                    const float *vr, const int *ldvr, float *s, float *sep, const int *mm, int *m,
+                    float *work, const int *ldwork, int *iwork, int *info, int, int) {
+  orb::entry::lapack(kStrsna, NoWorkspace{}, strsna_impl, job, howmny, select, n, t, ldt, vl, ldvl,
+                     vr, ldvr, s, sep, mm, m, work, ldwork, iwork, info);
 }
 
 ORB_API void ctrsna(const char *job, const char *howmny, const int *select, const int *n,

@@ -22,15 +22,3 @@ int lasy2(bool transl, bool transr, int isgn, int n1, int n2, const float *tl, i
           float *xnorm);
 
 }  // namespace orb::lapack
-
-#include <complex>
-
-namespace orb::lapack {
-
-// Moves the diagonal element at ifst of the complex Schur form T to ilst
-// (both 0-based) by rotations swapping neighbours (xTREXC); with wantq the
-// rotations also update the columns of Q.
-void trexc(bool wantq, int n, std::complex<float> *t, int ldt, std::complex<float> *q, int ldq,
-           int ifst, int ilst);
-
-}  // namespace orb::lapack
