@@ -104,11 +104,24 @@ int laed0(int n, R *d, R *e, R *q, int ldq, int leaf, R *work, int *iwork) {
   const int team = level_team(n);
   auto work_of = [&](int first) { return work + static_cast<std::ptrdiff_t>(first - 1) * (n + 4); };
 
+  // Each leaf, and each merge of a level, on its own; a loop without a
+  // team opens no parallel region, so that the top merge's products, at the
+  // outermost level, take the library's pooled team (inside even an
+  // inactive region the runtime would start fresh threads for them on every
+  // call).
+  auto each = [](int count, int threads, auto &&body) {
+    if (threads > 1) {
+#pragma omp parallel for num_threads(threads) schedule(dynamic, 1)
+      for (int i = 0; i < count; ++i) body(i);
+    } else {
+      for (int i = 0; i < count; ++i) body(i);
+    }
+  };
+
   // The leaves.
   int failed = 0;  // first row of a failed subproblem (its order in failed_size)
   int failed_size = 0;
-#pragma omp parallel for num_threads(team) if (team > 1) schedule(dynamic, 1)
-  for (int i = 0; i < pieces; ++i) {
+  each(pieces, team, [&](int i) {
     const int first = i == 0 ? 1 : bounds[i - 1] + 1, m = bounds[i] - first + 1;
     const int info =
         solve_leaf(m, d + first - 1, e + first - 1, Q(first, first), ldq, work_of(first));
@@ -117,14 +130,13 @@ int laed0(int n, R *d, R *e, R *q, int ldq, int leaf, R *work, int *iwork) {
 #pragma omp critical(orb_laed0_fail)
       if (failed == 0 || first < failed) failed = first, failed_size = m;
     }
-  }
+  });
 
   // The merges, level by level.
   for (int count = pieces; count > 1 && failed == 0; count /= 2) {
     const int pairs = count / 2;
     const int level_threads = pairs > 1 ? team : 1;
-#pragma omp parallel for num_threads(level_threads) if (level_threads > 1) schedule(dynamic, 1)
-    for (int p = 0; p < pairs; ++p) {
+    each(pairs, level_threads, [&](int p) {
       const int i = 2 * p;
       const int first = i == 0 ? 1 : bounds[i - 1] + 1;
       const int m = bounds[i + 1] - first + 1;
@@ -137,7 +149,7 @@ int laed0(int n, R *d, R *e, R *q, int ldq, int leaf, R *work, int *iwork) {
 #pragma omp critical(orb_laed0_fail)
         if (failed == 0 || first < failed) failed = first, failed_size = m;
       }
-    }
+    });
     for (int p = 0; p < pairs; ++p) bounds[p] = bounds[2 * p + 1];
   }
   if (failed != 0) return failed * (n + 1) + failed + failed_size - 1;
