@@ -14,6 +14,7 @@
 #include <complex>
 #include <cstddef>
 
+#include "blas/level1/level1.h"
 #include "common/scalar.h"
 #include "lapack/copy_scale.h"
 #include "lapack/eigen.h"
@@ -57,6 +58,16 @@ void rot(int n, T *x, std::ptrdiff_t incx, T *y, std::ptrdiff_t incy, real_t<T> 
     x[i * incx] = c * xi + s * yi;
     y[i * incy] = c * yi - conj(s) * xi;
   }
+}
+
+// The same on two columns of Q, by the library's rotation kernels: the
+// columns are long and these rotations are most of the work.
+template <class T>
+void rot_columns(int n, T *x, T *y, real_t<T> c, T s) {
+  if constexpr (is_complex_v<T>)
+    blas::crot(n, x, 1, y, 1, c, s);
+  else
+    blas::rot(n, x, 1, y, 1, c, s);
 }
 
 // The 2 x 2 symmetric (Hermitian) [x z; conj(z) y] := G [x z; conj(z) y] G^H
@@ -194,7 +205,7 @@ void sbtrd(CompQ vect, Uplo uplo, int n, int kd, T *ab, int ldab, real_t<T> *d, 
           // as the identity is only touched where it has filled in.
           if (!initq) {
             for (int j = j1; j <= j2; j += kd1)
-              rot(n, Q(1, j - 1), 1, Q(1, j), 1, C(j), upper ? conj(S(j)) : S(j));
+              rot_columns(n, Q(1, j - 1), Q(1, j), C(j), upper ? conj(S(j)) : S(j));
           } else {
             iqend = std::max(iqend, j2);
             int i2 = std::max(0, k - 3);
@@ -208,7 +219,7 @@ void sbtrd(CompQ vect, Uplo uplo, int n, int kd, T *ab, int ldab, real_t<T> *d, 
               const int nq = 1 + iqaend - iqb;
               iqaend = std::min(iqaend + kd, iqend);
               const T s = upper ? conj(S(j)) : S(j);
-              rot(nq, Q(iqb, j - 1), 1, Q(iqb, j), 1, C(j), s);
+              rot_columns(nq, Q(iqb, j - 1), Q(iqb, j), C(j), s);
             }
           }
         }
