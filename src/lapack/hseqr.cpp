@@ -313,10 +313,8 @@ int hseqr<float>(bool wantt, CompQ compz, int n, int ilo, int ihi, float *hp, in
         info = laqr0<R>(0, wantt, wantz, n, ilo, kbot, hp, ldh, wr, wi, ilo, ihi, zp, ldz, work,
                         lwork);
       } else {
-        R hl[kPadded * kPadded], workl[kPadded];
+        R hl[kPadded * kPadded] = {}, workl[kPadded];
         lacpy<R>(Part::kAll, n, n, hp, ldh, hl, kPadded);
-        hl[n + (n - 1) * kPadded] = 0;
-        laset<R>(Part::kAll, kPadded, kPadded - n, 0, 0, hl + n * kPadded, kPadded);
         info = laqr0<R>(0, wantt, wantz, kPadded, ilo, kbot, hl, kPadded, wr, wi, ilo, ihi, zp, ldz,
                         workl, kPadded);
         if (wantt || info != 0) lacpy<R>(Part::kAll, n, n, hl, kPadded, hp, ldh);

@@ -641,7 +641,8 @@ int laqr0(int level, bool wantt, bool wantz, int n, int ilo, int ihi, R *hp, int
       if (nw >= nh - 1) {
         nw = nh;
       } else {
-        // Do not split a 2x2 block at the window's top edge.
+        // The spike starts at the smaller of the two subdiagonal entries
+        // at the window's top edge.
         const int kwtop = kbot - nw + 1;
         if (std::abs(H(kwtop, kwtop - 1)) > std::abs(H(kwtop - 1, kwtop - 2))) ++nw;
       }
