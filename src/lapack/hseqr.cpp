@@ -8,7 +8,9 @@
 #include "lapack/copy_scale.h"
 #include "lapack/householder.h"
 #include "lapack/laqr_real.h"
+#include "lapack/names.h"
 #include "lapack/nonsym.h"
+#include "lapack/oracle.h"
 #include "lapack/schur_swap.h"
 
 namespace orb::lapack {
@@ -261,17 +263,22 @@ int lahqr(bool wantt, bool wantz, int n, int ilo, int ihi, R *hp, int ldh, R *wr
   return 0;
 }
 
-// The driver. The small-bulge multishift iteration with aggressive early
-// deflation is not in place yet: every order runs the double-shift QR,
-// which needs no workspace beyond the published minimum.
+// The driver: the double-shift QR below the oracle's crossover, the
+// multishift QR with aggressive early deflation above it.
+namespace {
+constexpr int kTiny = 15;    // the multishift code's own lower limit
+constexpr int kPadded = 49;  // the order of the copy the restart pads small matrices to
+}  // namespace
+
 template <>
-std::int64_t hseqr_worksize<float>(bool, CompQ, int n, int, int) {
-  return std::max(1, n);
+std::int64_t hseqr_worksize<float>(bool, CompQ, int n, int ilo, int ihi) {
+  if (n == 0) return 1;
+  return std::max<std::int64_t>(laqr0_worksize<float>(0, n, ilo, ihi), std::max(1, n));
 }
 
 template <>
 int hseqr<float>(bool wantt, CompQ compz, int n, int ilo, int ihi, float *hp, int ldh, float *wr,
-                 float *wi, float *, float *zp, int ldz, float *, int) {
+                 float *wi, float *, float *zp, int ldz, float *work, int lwork) {
   using R = float;
   if (n == 0) return 0;
   const bool wantz = compz != CompQ::kNone;
@@ -291,7 +298,29 @@ int hseqr<float>(bool wantt, CompQ compz, int n, int ilo, int ihi, float *hp, in
     wi[ilo - 1] = 0;
     return 0;
   }
-  const int info = lahqr<R>(wantt, wantz, n, ilo, ihi, hp, ldh, wr, wi, ilo, ihi, zp, ldz);
+  const int nmin = std::max(kTiny, oracle(kQrSmall, name<R>("HSEQR"), n, ilo, ihi, lwork));
+  int info;
+  if (n > nmin) {
+    info = laqr0<R>(0, wantt, wantz, n, ilo, ihi, hp, ldh, wr, wi, ilo, ihi, zp, ldz, work, lwork);
+  } else {
+    info = lahqr<R>(wantt, wantz, n, ilo, ihi, hp, ldh, wr, wi, ilo, ihi, zp, ldz);
+    if (info > 0) {
+      // Rare: the double-shift QR ran out of iterations. The multishift
+      // code finishes rows ilo..info, on a copy padded with zeros to an
+      // order where it runs its own iteration when the matrix is smaller.
+      const int kbot = info;
+      if (n >= kPadded) {
+        info = laqr0<R>(0, wantt, wantz, n, ilo, kbot, hp, ldh, wr, wi, ilo, ihi, zp, ldz, work,
+                        lwork);
+      } else {
+        R hl[kPadded * kPadded] = {}, workl[kPadded];
+        lacpy<R>(Part::kAll, n, n, hp, ldh, hl, kPadded);
+        info = laqr0<R>(0, wantt, wantz, kPadded, ilo, kbot, hl, kPadded, wr, wi, ilo, ihi, zp, ldz,
+                        workl, kPadded);
+        if (wantt || info != 0) lacpy<R>(Part::kAll, n, n, hl, kPadded, hp, ldh);
+      }
+    }
+  }
   // Rounding trash below the first subdiagonal.
   if ((wantt || info != 0) && n > 2) laset<R>(Part::kLower, n - 2, n - 2, 0, 0, &h(3, 1), ldh);
   return info;

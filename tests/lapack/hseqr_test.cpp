@@ -1,9 +1,9 @@
 // The real Hessenberg QR iteration where the reference testers do not
 // look: orders in the hundreds (residual, orthogonality, the standardized
-// Schur form, the same eigenvalues without the Schur form), an active
-// block inside a larger matrix, the cyclic shift matrix, on which the
-// ordinary shifts stall and only the exceptional ones make progress, and
-// the reordering of the Schur form by adjacent block swaps.
+// Schur form, the same eigenvalues without the Schur form), a split and
+// graded matrix, an active block inside a larger matrix, the cyclic shift
+// matrix, on which the ordinary shifts stall and only the exceptional ones
+// make progress, and the reordering of the Schur form by adjacent block swaps.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -129,6 +129,30 @@ TEST(Hseqr, SchurFormOfRandomHessenbergMatrices) {
   }
 }
 
+TEST(Hseqr, SplitAndGradedMatrix) {
+  // Zero subdiagonal entries split the matrix into independent blocks, each
+  // finished on its own; a diagonal similarity grades the entries over
+  // several orders of magnitude, which the deflation tests must follow.
+  Random rng(41);
+  const int n = 320;
+  Dense h = random_hessenberg(n, rng);
+  for (int j = 0; j < n; ++j)
+    for (int i = 0; i <= std::min(j + 1, n - 1); ++i)
+      h(i, j) *= static_cast<float>(std::exp2((j - i) / 24.0));
+  for (int split : {40, 41, 200}) h(split, split - 1) = 0.0f;
+  for (bool wantt : {true, false}) {
+    Dense t = h, z(n);
+    std::vector<float> wr, wi;
+    ASSERT_EQ(
+        run(wantt, wantt ? CompQ::kInitial : CompQ::kNone, 1, n, t, wantt ? &z : nullptr, wr, wi),
+        0);
+    if (!wantt) continue;
+    check_schur(h, t, z);
+    check_standard_form(t, wr, wi);
+    for (int split : {40, 41, 200}) EXPECT_EQ(t(split, split - 1), 0.0f);
+  }
+}
+
 TEST(Hseqr, ActiveBlockInsideALargerMatrix) {
   // Rows and columns outside ilo..ihi are already triangular: their
   // diagonal entries are eigenvalues, and Z (updated, compz V) keeps the
@@ -157,7 +181,7 @@ TEST(Hseqr, CyclicShiftNeedsExceptionalShifts) {
   // Ones on the subdiagonal and in the corner: a permutation whose
   // eigenvalues are the n-th roots of unity. The standard double shift
   // from the zero trailing 2x2 leaves the matrix unchanged.
-  for (int n : {6, 31, 90}) {
+  for (int n : {6, 31, 90, 250}) {
     Dense h(n);
     for (int i = 1; i < n; ++i) h(i, i - 1) = 1.0f;
     h(0, n - 1) = 1.0f;
@@ -166,8 +190,11 @@ TEST(Hseqr, CyclicShiftNeedsExceptionalShifts) {
     ASSERT_EQ(run(true, CompQ::kInitial, 1, n, t, &z, wr, wi), 0) << "n = " << n;
     check_schur(h, t, z);
     check_standard_form(t, wr, wi);
+    // The matrix is normal: each eigenvalue is off by no more than the
+    // backward error, which grows with the order.
+    const double tol = std::max(50, n / 2) * kEps;
     for (int k = 0; k < n; ++k)
-      EXPECT_NEAR(std::hypot(double(wr[k]), double(wi[k])), 1.0, 50 * kEps) << "n = " << n;
+      EXPECT_NEAR(std::hypot(double(wr[k]), double(wi[k])), 1.0, tol) << "n = " << n;
   }
 }
 
