@@ -1738,6 +1738,90 @@ void geev_rows(const std::vector<Library> &libs, const Options &o, char job) {
   }
 }
 
+using HseqrFn = void (*)(const char *, const char *, const int *, const int *, const int *, float *,
+                         const int *, float *, float *, float *, const int *, float *, const int *,
+                         int *, Len, Len);
+
+// shseqr on the Hessenberg form of a random matrix (the first library's
+// sgehrd, as sgeev would make it): JOB 'S', COMPZ 'I' (the Schur form and
+// its vectors), each library's optimal workspace. The check: for a random
+// x, ||H Z x - Z T x|| / (||H|| ||x|| n eps).
+void hseqr_rows(const std::vector<Library> &libs, const Options &o) {
+  if (!wanted(o, "shseqr") || libs.empty()) return;
+  const auto gehrd = reinterpret_cast<GehrdFn>(libs[0].sym("sgehrd_"));
+  if (!gehrd) return;
+  for (int n : o.sizes) {
+    if (n > 3000) continue;
+    std::vector<float> h = random_matrix<float>(std::size_t(n) * n, 29);
+    {
+      const int one = 1;
+      std::vector<float> tau(std::max(1, n));
+      const int lwork = optimal_lwork<float>([&](float *q) {
+        int lw = -1, info = 0;
+        gehrd(&n, &one, &n, h.data(), &n, tau.data(), q, &lw, &info);
+      });
+      std::vector<float> work(lwork);
+      int info = 0;
+      gehrd(&n, &one, &n, h.data(), &n, tau.data(), work.data(), &lwork, &info);
+    }
+    for (std::size_t j = 0; j < std::size_t(n); ++j)
+      for (std::size_t i = j + 2; i < std::size_t(n); ++i) h[i + j * n] = 0;
+    std::vector<float> t(h.size()), z(h.size()), wr(n), wi(n);
+    std::vector<std::vector<float>> works(libs.size());
+    std::vector<Run> runs;
+    for (std::size_t li = 0; li < libs.size(); ++li) {
+      void *sym = libs[li].sym("shseqr_");
+      if (!sym) {
+        runs.emplace_back();
+        continue;
+      }
+      auto call = [sym, n, &t, &wr, &wi, &z](float *work, int lwork) {
+        const char job = 'S', compz = 'I';
+        const int ilo = 1;
+        int info = -1;
+        reinterpret_cast<HseqrFn>(sym)(&job, &compz, &n, &ilo, &n, t.data(), &n, wr.data(),
+                                       wi.data(), z.data(), &n, work, &lwork, &info, 1, 1);
+        return info;
+      };
+      float query = 0;
+      std::copy(h.begin(), h.end(), t.begin());
+      call(&query, -1);
+      works[li].resize(std::max(1, int(query)));
+      runs.push_back([call, n, &h, &t, &z, &work = works[li]](bool check) {
+        std::copy(h.begin(), h.end(), t.begin());
+        const auto t0 = std::chrono::steady_clock::now();
+        const int info = call(work.data(), int(work.size()));
+        Outcome out;
+        out.seconds = seconds_since(t0);
+        if (check) {
+          out.fault = info_fault(info);
+          if (out.fault.empty()) {
+            std::vector<double> x(n);
+            std::mt19937 rng(31);
+            std::uniform_real_distribution<double> d(-1, 1);
+            for (double &v : x) v = d(rng);
+            const std::vector<double> zx = times(z.data(), n, x), hzx = times(h.data(), n, zx);
+            const std::vector<double> tx = times(t.data(), n, x), ztx = times(z.data(), n, tx);
+            double r = 0, h_norm = 0;
+            for (int i = 0; i < n; ++i) r = std::max(r, std::abs(hzx[i] - ztx[i]));
+            for (float v : h) h_norm = std::max(h_norm, double(std::abs(v)));
+            const double ratio = r / (h_norm * n * n * std::numeric_limits<float>::epsilon());
+            if (!(std::isfinite(ratio) && ratio < 50)) {
+              char text[64];
+              std::snprintf(text, sizeof text, "residual %.3g", ratio);
+              out.fault = text;
+            }
+          }
+        }
+        return out;
+      });
+    }
+    // Nominal: 10 n^3 for the Schur form and its vectors together.
+    const double flops = 10.0 * n * double(n) * n;
+    for (int nt : o.threads) print_row(measure("shseqr", n, nt, false, flops, runs, libs), libs);
+  }
+}
+
 std::vector<int> int_list(char *text) {
   std::vector<int> v;
   for (char *s = std::strtok(text, ","); s; s = std::strtok(nullptr, ","))
@@ -1863,7 +1947,7 @@ int main(int argc, char **argv) {
       "lower triangle; ssyevrA/ssyevrI (all pairs, the smallest tenth) and cheevrA\n"
       "4/3 n^3 + 2 n^2 m (cheevr 4 times that); ssbevd (kd = n / 20) 6 n^2 kd + 2 n^3\n"
       "(nominal); sgehrd 10/3 n^3; sgeevN/sgeevV (values, right vectors) 10 n^3 / 25 n^3\n"
-      "(nominal).\n",
+      "(nominal); shseqr (Schur form and vectors of a Hessenberg matrix) 10 n^3 (nominal).\n",
       o.nrhs);
   print_header(libs);
   getrf_rows<float>(libs, o, "sgetrf");
@@ -1888,5 +1972,6 @@ int main(int argc, char **argv) {
   sbevd_rows(libs, o);
   gehrd_rows(libs, o);
   for (const char job : {'N', 'V'}) geev_rows(libs, o, job);
+  hseqr_rows(libs, o);
   return 0;
 }
