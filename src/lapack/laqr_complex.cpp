@@ -20,6 +20,7 @@
 #include "lapack/copy_scale.h"
 #include "lapack/householder.h"
 #include "lapack/hqr_complex.h"
+#include "lapack/laqr_common.h"
 #include "lapack/nonsym.h"
 #include "lapack/oracle.h"
 
@@ -37,13 +38,10 @@ inline R cabs1(C z) {
   return std::abs(z.real()) + std::abs(z.imag());
 }
 
-// A column-major matrix addressed from (1, 1).
-struct View {
-  C *p;
-  int ld;
-  C &operator()(int i, int j) const { return p[(i - 1) + static_cast<std::ptrdiff_t>(j - 1) * ld]; }
-  C *at(int i, int j) const { return &(*this)(i, j); }
-};
+using View = laqr::View<C>;
+using laqr::apply_gehd2_right;
+using laqr::gehd2;
+using laqr::update;
 
 struct Tolerances {
   R safmin, ulp, smlnum;
@@ -92,16 +90,6 @@ void lartg(C f, C g, R &c, C &s, C &r) {
   const C phase = fs / af;
   s = phase * std::conj(gs) / d;
   r = phase * (d * scale);
-}
-
-// The level-3 updates of the sweeps and windows: small products stay on
-// the calling thread, where a team would cost more than it saves.
-void update(Op ta, int m, int n, int k, const C *a, int lda, const C *b, int ldb, C *c, int ldc) {
-  constexpr std::int64_t kTeamWork = std::int64_t(1) << 18;
-  if (static_cast<std::int64_t>(m) * n * k < kTeamWork)
-    gemm_here<C>(ta, Op::kNone, m, n, k, kOne, a, lda, b, ldb, kZero, c, ldc);
-  else
-    gemm<C>(ta, Op::kNone, m, n, k, kOne, a, lda, b, ldb, kZero, c, ldc);
 }
 
 // Robust complex division x / y (CLADIV).
@@ -351,31 +339,6 @@ void laqr1(int n, const View &H, C s1, C s2, C *v) {
 
 // ---- aggressive early deflation (CLAQR2, CLAQR3) -----------------------------------------
 
-// The window's Hessenberg reduction: T (n by n, the first `ihi` rows and
-// columns active) by reflectors (CGEHD2 with ilo = 1); tau has ihi - 1
-// entries, work n.
-void gehd2(int n, int ihi, const View &T, C *tau, C *work) {
-  for (int i = 1; i <= ihi - 1; ++i) {
-    C alpha = T(i + 1, i);
-    larfg(ihi - i, alpha, T.at(std::min(i + 2, n), i), 1, tau[i - 1]);
-    T(i + 1, i) = kOne;
-    larf(Side::kRight, ihi, ihi - i, T.at(i + 1, i), 1, tau[i - 1], T.at(1, i + 1), T.ld, work);
-    larf(Side::kLeft, ihi - i, n - i, T.at(i + 1, i), 1, std::conj(tau[i - 1]), T.at(i + 1, i + 1),
-         T.ld, work);
-    T(i + 1, i) = alpha;
-  }
-}
-
-// V(1:m, 2:ns) := V(1:m, 2:ns) H(1) ... H(ns-1), the reflectors of gehd2 in T.
-void apply_gehd2_right(int m, int ns, const View &T, const C *tau, const View &V, C *work) {
-  for (int i = 1; i <= ns - 1; ++i) {
-    const C keep = T(i + 1, i);
-    T(i + 1, i) = kOne;
-    larf(Side::kRight, m, ns - i, T.at(i + 1, i), 1, tau[i - 1], V.at(1, i + 1), V.ld, work);
-    T(i + 1, i) = keep;
-  }
-}
-
 std::int64_t aed_worksize(int level, int n, int ktop, int kbot, int nw) {
   const int jw = std::min(nw, kbot - ktop + 1);
   if (jw <= 2) return 1;
@@ -551,7 +514,7 @@ void laqr5(bool wantt, bool wantz, int kacc22, int n, int ktop, int kbot, int ns
   auto S = [&](int i) -> C & { return s[i - 1]; };
 
   for (int incol = ktop - 2 * nbmps + 1; incol <= kbot - 2; incol += 2 * nbmps) {
-    int jtop = accum ? std::max(ktop, incol) : (wantt ? 1 : ktop);
+    const int jtop = accum ? std::max(ktop, incol) : (wantt ? 1 : ktop);
     const int ndcol = incol + kdu;
     if (accum) laset(Part::kAll, kdu, kdu, kZero, kOne, U.p, U.ld);
 
@@ -719,38 +682,9 @@ void laqr5(bool wantt, bool wantz, int kacc22, int n, int ktop, int kbot, int ns
     }
 
     // The accumulated U on the rest of H and on Z, by level-3 updates.
-    if (accum) {
-      int jbot;
-      if (wantt) {
-        jtop = 1;
-        jbot = n;
-      } else {
-        jtop = ktop;
-        jbot = kbot;
-      }
-      const int k1 = std::max(1, ktop - incol);
-      const int nu = (kdu - std::max(0, ndcol - kbot)) - k1 + 1;
-      for (int jcol = std::min(ndcol, kbot) + 1; jcol <= jbot; jcol += nh) {
-        const int jlen = std::min(nh, jbot - jcol + 1);
-        update(Op::kConjTrans, nu, jlen, nu, U.at(k1, k1), U.ld, H.at(incol + k1, jcol), H.ld, WH.p,
-               WH.ld);
-        lacpy(Part::kAll, nu, jlen, WH.p, WH.ld, H.at(incol + k1, jcol), H.ld);
-      }
-      for (int jrow = jtop; jrow <= std::max(ktop, incol) - 1; jrow += nv) {
-        const int jlen = std::min(nv, std::max(ktop, incol) - jrow);
-        update(Op::kNone, jlen, nu, nu, H.at(jrow, incol + k1), H.ld, U.at(k1, k1), U.ld, WV.p,
-               WV.ld);
-        lacpy(Part::kAll, jlen, nu, WV.p, WV.ld, H.at(jrow, incol + k1), H.ld);
-      }
-      if (wantz) {
-        for (int jrow = iloz; jrow <= ihiz; jrow += nv) {
-          const int jlen = std::min(nv, ihiz - jrow + 1);
-          update(Op::kNone, jlen, nu, nu, Z.at(jrow, incol + k1), Z.ld, U.at(k1, k1), U.ld, WV.p,
-                 WV.ld);
-          lacpy(Part::kAll, jlen, nu, WV.p, WV.ld, Z.at(jrow, incol + k1), Z.ld);
-        }
-      }
-    }
+    if (accum)
+      laqr::apply_accumulated<C>(wantt, wantz, n, ktop, kbot, incol, ndcol, kdu, nh, nv, iloz, ihiz,
+                                 U, H, Z, WH, WV);
   }
 }
 

@@ -19,6 +19,7 @@
 #include "lapack/blas_calls.h"
 #include "lapack/copy_scale.h"
 #include "lapack/householder.h"
+#include "lapack/laqr_common.h"
 #include "lapack/laqr_real.h"
 #include "lapack/names.h"
 #include "lapack/oracle.h"
@@ -28,14 +29,10 @@ namespace orb::lapack {
 
 namespace {
 
-// A column-major matrix addressed from (1, 1).
-template <class R>
-struct View {
-  R *p;
-  int ld;
-  R &operator()(int i, int j) const { return p[(i - 1) + static_cast<std::ptrdiff_t>(j - 1) * ld]; }
-  R *at(int i, int j) const { return &(*this)(i, j); }
-};
+using laqr::apply_gehd2_right;
+using laqr::gehd2;
+using laqr::update;
+using laqr::View;
 
 template <class R>
 struct Tolerances {
@@ -45,17 +42,6 @@ struct Tolerances {
     smlnum = std::numeric_limits<R>::min() * (static_cast<R>(n) / ulp);
   }
 };
-
-// The level-3 updates of the sweeps and windows: small products stay on
-// the calling thread, where a team would cost more than it saves.
-template <class R>
-void update(Op ta, int m, int n, int k, const R *a, int lda, const R *b, int ldb, R *c, int ldc) {
-  constexpr std::int64_t kTeamWork = std::int64_t(1) << 18;
-  if (static_cast<std::int64_t>(m) * n * k < kTeamWork)
-    gemm_here<R>(ta, Op::kNone, m, n, k, R(1), a, lda, b, ldb, R(0), c, ldc);
-  else
-    gemm<R>(ta, Op::kNone, m, n, k, R(1), a, lda, b, ldb, R(0), c, ldc);
-}
 
 // The eigenvalues of the 2x2 [a b; c d] (a copy: the matrix is not
 // changed) as xLANV2 gives them.
@@ -105,33 +91,6 @@ void laqr1(int n, const View<R> &H, R sr1, R si1, R sr2, R si2, R *v) {
 }
 
 // ---- aggressive early deflation (xLAQR2, xLAQR3) -----------------------------------------
-
-// The window's Hessenberg reduction: T (n by n, the first `ihi` rows and
-// columns active) by reflectors (xGEHD2 with ilo = 1); tau has ihi - 1
-// entries, work n.
-template <class R>
-void gehd2(int n, int ihi, const View<R> &T, R *tau, R *work) {
-  for (int i = 1; i <= ihi - 1; ++i) {
-    R alpha = T(i + 1, i);
-    larfg<R>(ihi - i, alpha, T.at(std::min(i + 2, n), i), 1, tau[i - 1]);
-    T(i + 1, i) = 1;
-    larf<R>(Side::kRight, ihi, ihi - i, T.at(i + 1, i), 1, tau[i - 1], T.at(1, i + 1), T.ld, work);
-    larf<R>(Side::kLeft, ihi - i, n - i, T.at(i + 1, i), 1, tau[i - 1], T.at(i + 1, i + 1), T.ld,
-            work);
-    T(i + 1, i) = alpha;
-  }
-}
-
-// V(1:m, 2:ns) := V(1:m, 2:ns) H(1) ... H(ns-1), the reflectors of gehd2 in T.
-template <class R>
-void apply_gehd2_right(int m, int ns, const View<R> &T, const R *tau, const View<R> &V, R *work) {
-  for (int i = 1; i <= ns - 1; ++i) {
-    const R keep = T(i + 1, i);
-    T(i + 1, i) = 1;
-    larf<R>(Side::kRight, m, ns - i, T.at(i + 1, i), 1, tau[i - 1], V.at(1, i + 1), V.ld, work);
-    T(i + 1, i) = keep;
-  }
-}
 
 template <class R>
 std::int64_t aed_worksize(int level, int ktop, int kbot, int nw) {
@@ -375,7 +334,7 @@ void laqr5(bool wantt, bool wantz, int kacc22, int n, int ktop, int kbot, int ns
   };
 
   for (int incol = ktop - 2 * nbmps + 1; incol <= kbot - 2; incol += 2 * nbmps) {
-    int jtop = accum ? std::max(ktop, incol) : (wantt ? 1 : ktop);
+    const int jtop = accum ? std::max(ktop, incol) : (wantt ? 1 : ktop);
     const int ndcol = incol + kdu;
     if (accum) laset<R>(Part::kAll, kdu, kdu, R(0), R(1), U.p, U.ld);
 
@@ -536,38 +495,9 @@ void laqr5(bool wantt, bool wantz, int kacc22, int n, int ktop, int kbot, int ns
     }
 
     // The accumulated U on the rest of H and on Z, by level-3 updates.
-    if (accum) {
-      int jbot;
-      if (wantt) {
-        jtop = 1;
-        jbot = n;
-      } else {
-        jtop = ktop;
-        jbot = kbot;
-      }
-      const int k1 = std::max(1, ktop - incol);
-      const int nu = (kdu - std::max(0, ndcol - kbot)) - k1 + 1;
-      for (int jcol = std::min(ndcol, kbot) + 1; jcol <= jbot; jcol += nh) {
-        const int jlen = std::min(nh, jbot - jcol + 1);
-        update<R>(Op::kTrans, nu, jlen, nu, U.at(k1, k1), U.ld, H.at(incol + k1, jcol), H.ld, WH.p,
-                  WH.ld);
-        lacpy<R>(Part::kAll, nu, jlen, WH.p, WH.ld, H.at(incol + k1, jcol), H.ld);
-      }
-      for (int jrow = jtop; jrow <= std::max(ktop, incol) - 1; jrow += nv) {
-        const int jlen = std::min(nv, std::max(ktop, incol) - jrow);
-        update<R>(Op::kNone, jlen, nu, nu, H.at(jrow, incol + k1), H.ld, U.at(k1, k1), U.ld, WV.p,
-                  WV.ld);
-        lacpy<R>(Part::kAll, jlen, nu, WV.p, WV.ld, H.at(jrow, incol + k1), H.ld);
-      }
-      if (wantz) {
-        for (int jrow = iloz; jrow <= ihiz; jrow += nv) {
-          const int jlen = std::min(nv, ihiz - jrow + 1);
-          update<R>(Op::kNone, jlen, nu, nu, Z.at(jrow, incol + k1), Z.ld, U.at(k1, k1), U.ld, WV.p,
-                    WV.ld);
-          lacpy<R>(Part::kAll, jlen, nu, WV.p, WV.ld, Z.at(jrow, incol + k1), Z.ld);
-        }
-      }
-    }
+    if (accum)
+      laqr::apply_accumulated<R>(wantt, wantz, n, ktop, kbot, incol, ndcol, kdu, nh, nv, iloz, ihiz,
+                                 U, H, Z, WH, WV);
   }
 }
 
