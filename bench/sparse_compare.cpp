@@ -14,8 +14,12 @@
 //             most 2 refinement steps. Debian builds it without METIS, so it
 //             is asked for SCOTCH's nested dissection (ICNTL(7) = 3).
 //
+//   ORB out-of-core  TESSERA with iparam(60) = 2 and a maximal in-core size
+//             of --ooc (0.1) times the factor's size in ORB's run before it;
+//             one thread (out-of-core mode forces it). 0 leaves it out.
+//
 //   sparse_compare [--quick] [--reps 3] [--threads 1,2] [--matrices lap3d,helm]
-//                  [--solvers orb,cholmod,umfpack,mumps] [--check]
+//                  [--solvers orb,cholmod,umfpack,mumps] [--ooc 0.1] [--check]
 //
 // Threads: ORB through ORB_Set_Num_Threads; the peers thread only inside the
 // BLAS, which is Debian's OpenBLAS (pthreads) for all three of them, set
@@ -402,12 +406,14 @@ Csc full_columns(const Matrix &m) {
 // ---------------------------------------------------------------------------
 // One run of one solver, in a child process.
 
-enum class Solver { kOrb, kCholmod, kCholmodOrbOrder, kUmfpack, kMumps };
+enum class Solver { kOrb, kOrbOutOfCore, kCholmod, kCholmodOrbOrder, kUmfpack, kMumps };
 
 const char *solver_name(Solver s) {
   switch (s) {
     case Solver::kOrb:
       return "ORB";
+    case Solver::kOrbOutOfCore:
+      return "ORB out-of-core";
     case Solver::kCholmod:
       return "CHOLMOD";
     case Solver::kCholmodOrbOrder:
@@ -423,6 +429,7 @@ const char *solver_name(Solver s) {
 bool applies(Solver s, int mtype) {
   switch (s) {
     case Solver::kOrb:
+    case Solver::kOrbOutOfCore:
       return true;
     case Solver::kCholmod:
     case Solver::kCholmodOrbOrder:
@@ -442,6 +449,7 @@ struct Outcome {
   char note[120] = {};
   double analysis = 0, factor = 0, solve = 0;
   double factor_nnz = 0;
+  double factor_mb = 0;  // ORB: the factor's storage (iparam(17))
   double berr = 0;
   double peak_mb = 0;
   int peak_from_maxrss = 0;
@@ -525,8 +533,10 @@ void orb_settings(int mtype, bool want_order, int *iparam) {
   iparam[20] = indef ? 1 : 0;
 }
 
+// max_core_mb > 0: out of core (iparam(60) = 2) with that maximal in-core
+// size, the data files in the working directory, deleted at release.
 void run_orb(const Matrix &m, const std::vector<c16> &b, int threads, bool want_order, Outcome *o,
-             std::vector<int> *order) {
+             std::vector<int> *order, int max_core_mb = 0) {
   const TesseraFn tessera = tessera_entry();
   if (!tessera) {
     o->status = -999;
@@ -539,6 +549,12 @@ void run_orb(const Matrix &m, const std::vector<c16> &b, int threads, bool want_
   void *pt[64] = {};
   int iparam[64];
   orb_settings(m.mtype, want_order, iparam);
+  if (max_core_mb > 0) {
+    iparam[59] = 2;
+    setenv("ORB_TESSERA_OOC_MAX_CORE_SIZE", std::to_string(max_core_mb).c_str(), 1);
+    setenv("ORB_TESSERA_OOC_PATH", "sparse_compare_ooc", 1);
+    setenv("ORB_TESSERA_OOC_KEEP_FILE", "0", 1);
+  }
   const int maxfct = 1, mnum = 1, nrhs = 1, msglvl = 0;
   int error = 0;
   auto call = [&](int phase) {
@@ -555,12 +571,16 @@ void run_orb(const Matrix &m, const std::vector<c16> &b, int threads, bool want_
     if (call(22) == 0) {
       o->factor = now() - t;
       o->factor_nnz = iparam[17];
+      o->factor_mb = iparam[16] / 1024.0;
       t = now();
       if (call(33) == 0) o->solve = now() - t;
     }
   }
   o->status = error;
   if (error) set_note(o, "TESSERA error %ld", error);
+  if (!error && max_core_mb > 0)
+    std::snprintf(o->note, sizeof o->note, "max in-core %d MB, out-of-core need %d MB", max_core_mb,
+                  iparam[62] / 1024);
   o->refine_steps = iparam[6];
   probe.finish(o);
   call(-1);
@@ -803,6 +823,7 @@ struct Job {
   int threads;
   bool want_order = false;
   const std::vector<int> *given = nullptr;  // ordering for CHOLMOD_GIVEN
+  int max_core_mb = 0;                      // ORB out of core: the maximal in-core size
 };
 
 void run_in_child(const Matrix &m, const std::vector<c16> &b, const Job &job, Outcome *o,
@@ -812,6 +833,14 @@ void run_in_child(const Matrix &m, const std::vector<c16> &b, const Job &job, Ou
       case Solver::kOrb:
 #ifndef SPARSE_COMPARE_PEERS_ONLY
         run_orb(m, b, job.threads, job.want_order, o, order);
+#else
+        o->status = -999;
+        set_note(o, "built without ORB", 0);
+#endif
+        break;
+      case Solver::kOrbOutOfCore:
+#ifndef SPARSE_COMPARE_PEERS_ONLY
+        run_orb(m, b, job.threads, false, o, order, job.max_core_mb);
 #else
         o->status = -999;
         set_note(o, "built without ORB", 0);
@@ -924,6 +953,7 @@ double median(std::vector<double> v) {
 struct Options {
   bool quick = false, check = false;
   int reps = 3;
+  double ooc_fraction = 0.1;  // ORB out of core: maximal in-core size over the factor's size
   std::vector<int> threads = {1, 2};
   std::vector<std::string> matrices, solvers;
 };
@@ -1028,11 +1058,15 @@ std::vector<Matrix> make_matrices(const Options &opt) {
 
 std::vector<Row> plan(const Matrix &m, const Options &opt) {
   std::vector<Row> rows;
-  const Solver order[] = {Solver::kOrb, Solver::kCholmod, Solver::kCholmodOrbOrder,
+  const Solver order[] = {Solver::kOrb,     Solver::kOrbOutOfCore,
+                          Solver::kCholmod, Solver::kCholmodOrbOrder,
                           Solver::kUmfpack, Solver::kMumps};
   for (int t : opt.threads)
     for (Solver s : order) {
       if (!applies(s, m.mtype)) continue;
+      // Out of core runs on one thread whatever it is given.
+      if (s == Solver::kOrbOutOfCore && (opt.ooc_fraction <= 0 || t != opt.threads.front()))
+        continue;
       const std::string key = lower(solver_name(s));
       if (!wanted(opt.solvers, key.substr(0, key.find(' ')))) continue;
       Row r;
@@ -1053,9 +1087,20 @@ void bench_matrix(const Matrix &m, const Options &opt) {
   }();
   std::vector<Row> rows = plan(m, opt);
   std::vector<int> orb_order;
+  double orb_factor_mb = 0;  // the in-core factor's size, from ORB's last run
   for (int rep = 0; rep < opt.reps; ++rep)
     for (Row &r : rows) {
       Job job = r.job;
+      if (job.solver == Solver::kOrbOutOfCore) {
+        if (orb_factor_mb <= 0) {
+          Outcome o;
+          o.status = -998;
+          set_note(&o, "no factor size from an ORB run before it", 0);
+          r.runs.push_back(o);
+          continue;
+        }
+        job.max_core_mb = std::max(1, int(opt.ooc_fraction * orb_factor_mb));
+      }
       if (job.solver == Solver::kCholmodOrbOrder) {
         if (orb_order.empty()) {
           Outcome o;
@@ -1069,6 +1114,8 @@ void bench_matrix(const Matrix &m, const Options &opt) {
       std::vector<int> order;
       r.runs.push_back(run_forked(m, b, job, &order));
       if (r.runs.back().has_order) orb_order.swap(order);
+      if (job.solver == Solver::kOrb && r.runs.back().status == 0)
+        orb_factor_mb = r.runs.back().factor_mb;
     }
   print_table(m, rows);
 }
@@ -1230,6 +1277,8 @@ int run(int argc, char **argv) {
       opt.check = true;
     } else if (a == "--reps" && more) {
       opt.reps = std::max(1, std::atoi(argv[++i]));
+    } else if (a == "--ooc" && more) {
+      opt.ooc_fraction = std::atof(argv[++i]);
     } else if (a == "--threads" && more) {
       opt.threads.clear();
       for (const std::string &t : split(argv[++i]))
@@ -1240,10 +1289,11 @@ int run(int argc, char **argv) {
       opt.solvers = split(argv[++i]);
       for (std::string &s : opt.solvers) s = lower(s);
     } else {
-      std::fprintf(stderr,
-                   "usage: %s [--quick] [--reps R] [--threads 1,2] [--matrices lap3d,helm]\n"
-                   "          [--solvers orb,cholmod,umfpack,mumps] [--check]\n",
-                   argv[0]);
+      std::fprintf(
+          stderr,
+          "usage: %s [--quick] [--reps R] [--threads 1,2] [--matrices lap3d,helm] [--ooc F]\n"
+          "          [--solvers orb,cholmod,umfpack,mumps] [--check]\n",
+          argv[0]);
       return 2;
     }
   }

@@ -871,7 +871,9 @@ ORB_API void ORB_FreeBuffers(void);
  *   error   0 on success; -1 bad input, -2 no memory, -3 analysis failed,
  *           -4 numerical factorization failed (iparam(30): the equation of a
  *           non-positive pivot of an SPD matrix), -7 the diagonal shortcut
- *           failed, -8 the factor would overflow 32-bit indices
+ *           failed, -8 the factor would overflow 32-bit indices; out of core
+ *           -9 no memory for its buffers, -10 a data file cannot be opened,
+ *           -11 a data file cannot be read or written
  * Symmetric and Hermitian types pass the upper triangle (entries below the
  * diagonal are ignored); 1, 3, 11, 13 the whole matrix. iparam (1-based):
  *   (1) 0 defaults by mtype; (2) ordering 0 minimum degree, 2 nested
@@ -883,7 +885,23 @@ ORB_API void ORB_FreeBuffers(void);
  *   weighted matching (11, 13; (13) scales -2, -4, 6 too); (12) 0 A x = b,
  *   1 A^H x = b, 2 A^T x = b; (14) perturbed pivots; (18), (19) < 0 on input:
  *   factor entries and Mflop/s; (21) 1 Bunch-Kaufman 2x2 pivots; (22), (23)
- *   inertia; (27) 1 checks the matrix; (35) 1 zero-based ia, ja; (64) 106.
+ *   inertia; (27) 1 checks the matrix; (35) 1 zero-based ia, ja; (60) out
+ *   of core: 0 never, 1 when the factor (dense supernode blocks, both
+ *   triangles' storage for 11 and 13) exceeds the maximal in-core size,
+ *   2 always, on one thread; (63) the memory out-of-core mode needs at least,
+ *   in kilobytes, after the analysis; (64) 106.
+ * Out of core, the factor of factorization mnum goes to the files
+ * <prefix>_<process id>_<handle serial>_<mnum>.{lnz,unz,lindx,luperm}, written
+ * as the supernodes finish and read back in panels of at most half the
+ * maximal in-core size in every solve. The factorization holds in core the
+ * supernodes between the current one and the root that have received updates;
+ * when those exceed the maximal in-core size it runs with them all the same
+ * ((63) says how much that is). Settings: the environment variables
+ * ORB_TESSERA_OOC_PATH (prefix, "ooc_temp"), ORB_TESSERA_OOC_MAX_CORE_SIZE
+ * (megabytes, 2000), ORB_TESSERA_OOC_KEEP_FILE (1; 0 deletes the files when
+ * the factorization is released or replaced), else the same keys in lower
+ * case in the file ORB_TESSERA_OOC_CFG_PATH "\" ORB_TESSERA_OOC_CFG_FILE_NAME
+ * ("tessera_ooc.cfg"), one "key = value" per line, "#" comments.
  * Phases 331, 332, 333 run the forward, diagonal and backward parts of the
  * substitution (334 the last two) without refinement: 331 takes b in the
  * caller's order and leaves the result in pivot order, 333 goes back.

@@ -12,6 +12,7 @@
 
 #include "service/catalogue.h"
 #include "sparse_direct/messages.h"
+#include "sparse_direct/ooc.h"
 #include "sparse_direct/prepare.h"
 #include "sparse_direct/refine.h"
 #include "sparse_direct/tessera.h"
@@ -204,9 +205,36 @@ const T *values(const Call &c) {
   return static_cast<const T *>(c.a);
 }
 
-// Stage 2 for scalar T.
+// The out-of-core settings, read once per handle when iparam(60) first asks
+// for them.
+void configure_ooc(OocBlock *ooc, int msglvl) {
+  int *is = ooc->isettings;
+  if (is[kOocConfigured] == 1) return;
+  const ooc::Settings set = ooc::read_settings(msglvl);
+  std::fill(ooc->path, ooc->path + kOocPathChars, ' ');
+  const std::size_t len = std::min<std::size_t>(set.path.size(), kOocPathChars - 1);
+  std::copy(set.path.begin(), set.path.begin() + len, ooc->path);
+  ooc->path[len] = '\0';
+  is[kOocMaxCore] = set.max_core_mb;
+  is[kOocKeep] = set.keep_files;
+  is[kOocSerial] = ooc::next_handle_serial();
+  is[kOocConfigured] = 1;
+}
+
+// A file failure of out-of-core mode as the phase's outcome.
+int ooc_failure(const ooc::Failure &e, Failure *fail) {
+  const bool open = e.condition == ooc::Condition::kOpen;
+  const int code = open ? kErrorOocOpen : kErrorOocReadWrite;
+  fail->stage = open ? text::Stage::kOpenOocFiles : text::Stage::kOocReadWrite;
+  fail->status = code;
+  fail->detail.clear();
+  return code;
+}
+
+// Stage 2 for scalar T. `ooc` carries the out-of-core settings.
 template <class T>
-int factor_stage(const Call &c, State *st, Analysis *an, Factorization *fz, Failure *fail) {
+int factor_stage(const Call &c, State *st, Analysis *an, Factorization *fz, const OocBlock *ooc,
+                 Failure *fail) {
   NumericFactor<T> &f = [&]() -> NumericFactor<T> & {
     if constexpr (std::is_same_v<T, double>)
       return fz->real;
@@ -234,10 +262,40 @@ int factor_stage(const Call &c, State *st, Analysis *an, Factorization *fz, Fail
   constexpr double kTeamFlops = 3e8;
   opt.threads = an->symbolic.flops < kTeamFlops ? 1 : c.threads;
   fz->pivot_floor = opt.pivot_floor;
+  // Out of core with iparam(60) = 2, and with 1 when the factor would take
+  // more than the maximal in-core size.
+  const Symbolic &sym = an->symbolic;
+  const std::int64_t in_core =
+      std::int64_t(sizeof(T)) * sym.value_ptr[sym.nsuper] * (an->kind == FactorKind::kLu ? 2 : 1);
+  const std::int64_t max_core = std::int64_t(ooc->isettings[kOocMaxCore]) << 20;
+  const int mode = c.iparam[59];
+  fz->out_of_core = mode == 2 || (mode == 1 && in_core > max_core);
+  fz->peak_in_core = 0;
+  std::shared_ptr<BlockStore<T>> store;
+  if (fz->out_of_core) {
+    // Half the maximum reads the factor back in the solve; the rest is for
+    // the factorization's blocks in core.
+    const std::int64_t panel = std::max<std::int64_t>(max_core / 2, 1);
+    try {
+      store = ooc::make_factor_files<T>(
+          sym, an->kind, ooc::data_file_stem(ooc->path, ooc->isettings[kOocSerial], c.mnum), panel,
+          ooc->isettings[kOocKeep] != 0);
+    } catch (const std::bad_alloc &) {
+      fail->stage = text::Stage::kOocMemory;
+      fail->status = kErrorOocMemory;
+      return kErrorOocMemory;
+    }
+  }
   FactorReport rep;
   const auto t0 = Clock::now();
-  factorize(an->symbolic, CscMatrix<T>{an->n, an->col_ptr.data(), an->row.data(), val.data()}, opt,
-            &f, &rep);
+  try {
+    factorize(sym, CscMatrix<T>{an->n, an->col_ptr.data(), an->row.data(), val.data()}, opt, &f,
+              &rep, std::move(store));
+  } catch (const ooc::Failure &e) {
+    f = NumericFactor<T>{};
+    return ooc_failure(e, fail);
+  }
+  fz->peak_in_core = rep.peak_bytes;
   st->time_factor = seconds_since(t0);
   st->factor_flops = rep.flops;
   st->work[kWorkPerturbed] = rep.perturbed;
@@ -247,6 +305,11 @@ int factor_stage(const Call &c, State *st, Analysis *an, Factorization *fz, Fail
     case kFactorOk:
       return 0;
     case kFactorNoMemory: {
+      if (fz->out_of_core) {
+        fail->stage = text::Stage::kOocMemory;
+        fail->status = kErrorOocMemory;
+        return kErrorOocMemory;
+      }
       const Symbolic &s = an->symbolic;
       const std::int64_t words = s.value_ptr.empty() ? 0 : s.value_ptr[s.nsuper];
       fail->stage = text::Stage::kInsufficientMemory;
@@ -330,10 +393,17 @@ int solve_stage(const Call &c, State *st, Analysis *an, Factorization *fz, bool 
       if (r.status != 0 && print) text::put(text::kIterativeRefinement);
     }
   } catch (const std::bad_alloc &) {
+    if (fz->out_of_core) {
+      fail->stage = text::Stage::kOocMemory;
+      fail->status = kErrorOocMemory;
+      return kErrorOocMemory;
+    }
     fail->stage = text::Stage::kInsufficientMemory;
     fail->detail =
         text::allocation_error(text::Storage::kWorkReal, std::int64_t(n) * nrhs * 4 * sizeof(T));
     return -2;
+  } catch (const ooc::Failure &e) {
+    return ooc_failure(e, fail);
   }
   st->time_solve = seconds_since(t0);
   if (result == 0) std::copy(sol.begin(), sol.end(), ip[5] == 1 ? b : x);
@@ -342,8 +412,14 @@ int solve_stage(const Call &c, State *st, Analysis *an, Factorization *fz, bool 
 
 void print_statistics(const Call &c, const State *st, const Analysis *an, const Stats &done) {
   text::put(text::banner(c.mtype));
-  text::put(
-      text::mode_line(c.iparam[59] == 1 ? text::Mode::kInCoreEnoughRam : text::Mode::kInCoreOff));
+  const Factorization *fz =
+      c.mnum >= 1 && c.mnum <= int(st->factors.size()) ? st->factors[c.mnum - 1].get() : nullptr;
+  const bool out = fz && fz->out_of_core;
+  const int mode = c.iparam[59];
+  text::put(text::mode_line(mode == 2   ? text::Mode::kOutOfCoreForced
+                            : mode != 1 ? text::Mode::kInCoreOff
+                            : out       ? text::Mode::kOutOfCoreNotEnoughRam
+                                        : text::Mode::kInCoreEnoughRam));
   if (done.analysed && an) {
     const Symbolic &s = an->symbolic;
     text::put("Summary: ( analysis )");
@@ -407,7 +483,8 @@ bool input_statistics(const Call &c, int base, Failure *fail) {
 
 }  // namespace
 
-int drive(const Call &c) {
+int drive(const Call &call) {
+  Call c = call;
   void **pt = c.pt;
   int *ip = c.iparam;
   ip[49] = 0;
@@ -535,8 +612,17 @@ int drive(const Call &c) {
       return input_error(text::Stage::kIncorrectMatrix, std::string());
     }
   }
+  // Out-of-core mode (iparam(60) as the defaults leave it) reads its
+  // settings and runs on one thread.
+  auto enter_ooc = [&] {
+    if (ip[59] == 0) return;
+    configure_ooc(ooc_of(pt), c.msglvl);
+    ip[2] = 1;
+    c.threads = 1;
+  };
   Analysis *an = analysis_of(pt);
   if (first > 1) {
+    enter_ooc();
     if (!an || an->mtype != c.mtype || an->n != c.n || std::int64_t(c.ia[c.n]) - base != st->nnz)
       return input_error(text::Stage::kSequence, std::string());
   }
@@ -544,6 +630,7 @@ int drive(const Call &c) {
   // Stage 1: analysis.
   if (first == 1) {
     if (ip[0] == 0) set_defaults(c.mtype, ip);
+    enter_ooc();
     reset_working(st, c);
     st->nnz = std::int64_t(c.ia[c.n]) - base;
     free_analysis(pt);
@@ -574,6 +661,9 @@ int drive(const Call &c) {
       return finish(err);
     }
     st->permanent = an->bytes();
+    const std::int64_t need = an->complex ? out_of_core_need<c16>(an->symbolic, an->kind)
+                                          : out_of_core_need<double>(an->symbolic, an->kind);
+    ip[62] = int(std::min<std::int64_t>(kib(need), 2147483647));
     st->peak_analysis = st->permanent + st->nnz * 16 + std::int64_t(c.n) * 64;
     done.analysed = true;
   }
@@ -596,8 +686,8 @@ int drive(const Call &c) {
     }
     clear_entry(entry);
     slot->complex = an->complex;
-    err = an->complex ? factor_stage<c16>(c, st, an, slot.get(), &fail)
-                      : factor_stage<double>(c, st, an, slot.get(), &fail);
+    err = an->complex ? factor_stage<c16>(c, st, an, slot.get(), ooc_of(pt), &fail)
+                      : factor_stage<double>(c, st, an, slot.get(), ooc_of(pt), &fail);
     if (err != 0) {
       slot.reset();
       return finish(err);
@@ -633,8 +723,8 @@ int drive(const Call &c) {
     // The iterative method failed: a new factorization and a direct solve.
     if (print) text::put(fail.detail);
     fail = Failure();
-    err = an->complex ? factor_stage<c16>(c, st, an, slot.get(), &fail)
-                      : factor_stage<double>(c, st, an, slot.get(), &fail);
+    err = an->complex ? factor_stage<c16>(c, st, an, slot.get(), ooc_of(pt), &fail)
+                      : factor_stage<double>(c, st, an, slot.get(), ooc_of(pt), &fail);
     if (err != 0) {
       slot.reset();
       clear_entry(entry);

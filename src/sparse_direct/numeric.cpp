@@ -141,6 +141,38 @@ struct Factorizer {
     w.perm.resize(std::max(max_nc, 1));
   }
 
+  // Out of core: the blocks held in core, by supernode (null when not), and
+  // the matrix they are assembled from when first touched.
+  std::vector<std::unique_ptr<T[]>> *resident = nullptr;
+  const CscMatrix<T> *source = nullptr;
+  std::int64_t held = 0, peak = 0;  // bytes of the resident blocks
+
+  T *lower(int t) const {
+    return resident ? (*resident)[2 * t].get() : f.lower.data() + s.value_ptr[t];
+  }
+  T *upper(int t) const {
+    return resident ? (*resident)[2 * t + 1].get() : f.upper.data() + s.value_ptr[t];
+  }
+
+  // Out of core: supernode t's blocks, assembled from the matrix when they
+  // are not held yet.
+  void touch(int t) {
+    if ((*resident)[2 * t]) return;
+    const bool lu = opt.kind == FactorKind::kLu;
+    const std::size_t size = std::size_t(s.nrows(t)) * s.ncols(t);
+    (*resident)[2 * t].reset(new T[size]);
+    if (lu) (*resident)[2 * t + 1].reset(new T[size]);
+    held += std::int64_t(size * sizeof(T)) * (lu ? 2 : 1);
+    peak = std::max(peak, held);
+    assemble(*source, t, t);
+  }
+  void release(int t) {
+    const bool lu = opt.kind == FactorKind::kLu;
+    held -= std::int64_t(std::size_t(s.nrows(t)) * s.ncols(t) * sizeof(T)) * (lu ? 2 : 1);
+    (*resident)[2 * t].reset();
+    (*resident)[2 * t + 1].reset();
+  }
+
   // Position of global row r in supernode t's row list (which holds it).
   int locate(int t, int r) const {
     if (r >= s.first[t] && r < s.first[t + 1]) return r - s.first[t];
@@ -176,10 +208,10 @@ struct Factorizer {
     const bool lu = opt.kind == FactorKind::kLu;
     for (int t = lo; t <= hi; ++t) {
       const int nr = s.nrows(t);
-      T *lt = f.lower.data() + s.value_ptr[t];
+      T *lt = lower(t);
       std::fill(lt, lt + std::size_t(nr) * s.ncols(t), T(0));
       if (lu) {
-        T *ut = f.upper.data() + s.value_ptr[t];
+        T *ut = upper(t);
         std::fill(ut, ut + std::size_t(nr) * s.ncols(t), T(0));
       }
     }
@@ -187,7 +219,7 @@ struct Factorizer {
     for (int j = c0; j < c1; ++j) {
       const int t = s.super_of[j];
       const int nr = s.nrows(t);
-      T *col = f.lower.data() + s.value_ptr[t] + std::size_t(j - s.first[t]) * nr;
+      T *col = lower(t) + std::size_t(j - s.first[t]) * nr;
       for (int p = b.col_ptr[j]; p < b.col_ptr[j + 1]; ++p) {
         const int i = b.row[p];
         if (i < j) continue;
@@ -199,7 +231,7 @@ struct Factorizer {
     // Strictly upper entries B(i, j), i < j, go to U^T at (row j, column i).
     for (int i = c0; i < c1; ++i) {
       const int t = s.super_of[i];
-      T *col = f.upper.data() + s.value_ptr[t] + std::size_t(i - s.first[t]) * s.nrows(t);
+      T *col = upper(t) + std::size_t(i - s.first[t]) * s.nrows(t);
       for (int p = up_ptr[i]; p < up_ptr[i + 1]; ++p) {
         const int at = locate(t, up_col[p]);
         if (at >= 0) col[at] += up_val[p];
@@ -385,7 +417,7 @@ struct Factorizer {
 
   bool ldl_node(int t, bool threaded, Work<T> &w, Tally &tally) {
     const int nr = s.nrows(t), nc = s.ncols(t);
-    T *l = f.lower.data() + s.value_ptr[t];
+    T *l = lower(t);
     std::vector<int> &perm = w.perm;
     for (int k = 0; k < nc; ++k) perm[k] = k;
     const Op op = herm ? Op::kConjTrans : Op::kTrans;
@@ -418,7 +450,7 @@ struct Factorizer {
 
   bool cholesky_node(int t, bool threaded, Tally &tally) {
     const int nr = s.nrows(t), nc = s.ncols(t);
-    T *l = f.lower.data() + s.value_ptr[t];
+    T *l = lower(t);
     const int info = lapack::potrf_recursive<T>(Uplo::kLower, nc, l, nr, threaded);
     if (info != 0) {
       tally.status = kNotPositiveDefinite;
@@ -436,8 +468,8 @@ struct Factorizer {
 
   bool lu_node(int t, bool threaded, Work<T> &w, Tally &tally) {
     const int nr = s.nrows(t), nc = s.ncols(t), nb = nr - nc;
-    T *l = f.lower.data() + s.value_ptr[t];
-    T *u = f.upper.data() + s.value_ptr[t];
+    T *l = lower(t);
+    T *u = upper(t);
     // The diagonal block is factored in place in the top square of `lower`,
     // whose strictly upper part takes U11 (it is not referenced later).
     T *a = l;
@@ -500,10 +532,10 @@ struct Factorizer {
     const int nr = s.nrows(t), nc = s.ncols(t), nb = nr - nc;
     if (c0 >= c1) return;
     const int *below = s.rows.data() + s.row_ptr[t] + nc;
-    const T *l21 = f.lower.data() + s.value_ptr[t] + nc;
+    const T *l21 = lower(t) + nc;
     const bool lu = opt.kind == FactorKind::kLu;
     const bool ldl = opt.kind == FactorKind::kLdlSymmetric || opt.kind == FactorKind::kLdlHermitian;
-    const T *u21 = lu ? f.upper.data() + s.value_ptr[t] + nc : nullptr;
+    const T *u21 = lu ? upper(t) + nc : nullptr;
     const Op op = herm ? Op::kConjTrans : Op::kTrans;
     for (int a = c0; a < c1; a += kChunk) {
       const int b = std::min(c1, a + kChunk), m = nb - a, cw = b - a;
@@ -544,8 +576,9 @@ struct Factorizer {
         // Rows i >= `dense` land on consecutive rows of the target.
         int dense = nb - 1;
         while (dense > j && w.rel[dense - 1] == w.rel[dense] - 1) --dense;
-        T *tl = f.lower.data() + s.value_ptr[tg];
-        T *tu = lu ? f.upper.data() + s.value_ptr[tg] : nullptr;
+        if (resident) touch(tg);
+        T *tl = lower(tg);
+        T *tu = lu ? upper(tg) : nullptr;
         for (int jj = j; jj < je; ++jj) {
           const std::ptrdiff_t col = std::ptrdiff_t(below[jj] - s.first[tg]) * ntr;
           const T *src = cl + std::ptrdiff_t(jj - a) * m - a;
@@ -808,6 +841,53 @@ void factorize_impl(const Symbolic &s, const CscMatrix<T> &b, const FactorOption
   report->flops = all.flops;
 }
 
+// Out of core, on one thread: every supernode in postorder is assembled when
+// it is first touched (by its own factorization or by the first update it
+// receives), factored, applies its whole update to its ancestors, goes to
+// the store and leaves core. So the blocks in core at any time are those of
+// the current supernode and of its ancestors that have received updates,
+// and the sums are formed in the order of the in-core factorization.
+template <class T>
+void factorize_out_of_core(const Symbolic &s, const CscMatrix<T> &b, const FactorOptions &opt,
+                           NumericFactor<T> *f, BlockStore<T> *store, FactorReport *report) {
+  const bool lu = opt.kind == FactorKind::kLu;
+  const bool ldl = opt.kind == FactorKind::kLdlSymmetric || opt.kind == FactorKind::kLdlHermitian;
+  f->kind = opt.kind;
+  f->lower.clear();
+  f->upper.clear();
+  f->diag.assign(ldl ? 2 * std::size_t(s.n) : 0, T(0));
+  std::vector<int> pivot(ldl || lu ? 2 * std::size_t(s.n) : 0, 0);
+  for (int j = 0; j < s.n && (ldl || lu); ++j) pivot[j] = j;
+  f->pivot.swap(pivot);
+
+  Factorizer<T> fz(s, opt, *f);
+  std::vector<std::unique_ptr<T[]>> resident(2 * std::size_t(s.nsuper));
+  fz.resident = &resident;
+  fz.source = &b;
+  if (lu) fz.rows_of_upper(b);
+  Work<T> w;
+  fz.reserve(w);
+  Tally all;
+  store->begin_write();
+  for (int t = 0; t < s.nsuper; ++t) {
+    fz.touch(t);
+    if (!fz.node(t, s.n, false, w, all)) break;
+    store->put(t, fz.lower(t), lu ? fz.upper(t) : nullptr);
+    fz.release(t);
+  }
+  if (all.status == kFactorOk) store->end_write(f->pivot);
+  f->pivot.clear();
+  f->pivot.shrink_to_fit();
+  report->status = all.status;
+  report->failed_column = all.failed_column;
+  report->perturbed = all.perturbed;
+  if (opt.kind == FactorKind::kLdlSymmetric && kComplex<T>) all.positive = all.negative = 0;
+  report->positive = all.positive;
+  report->negative = all.negative;
+  report->flops = all.flops;
+  report->peak_bytes = fz.peak + f->bytes();
+}
+
 // ---- the substitutions ------------------------------------------------------------
 
 // sum_i op(a_i) b_i over n entries, op the conjugate when `c`, in four
@@ -836,25 +916,47 @@ T dot4(const T *a, const T *b, int n, bool c) {
   return (s0 + s1) + (s2 + s3);
 }
 
+// The blocks of one factor for a pass of the substitution: from core, or
+// read back from the store in the pass's order.
+template <class T>
+struct Blocks {
+  const Symbolic &s;
+  const std::vector<T> &core;
+  BlockStore<T> *store;
+  const T *get(int t, const int **rows) const {
+    if (store) return store->get(t, rows);
+    *rows = s.rows.data() + s.row_ptr[t];
+    return core.data() + s.value_ptr[t];
+  }
+};
+
 template <class T>
 struct Solver {
   const Symbolic &s;
   const NumericFactor<T> &f;
+  const int *pivot;  // f.pivot, or the store's record
   int nrhs;
   T *x;
   int ldx;
   std::vector<T> top, bot;
 
+  Blocks<T> pass(const std::vector<T> &m, bool upper, bool backward) const {
+    if (f.store) f.store->begin_read(upper, backward);
+    return Blocks<T>{s, m, f.store.get()};
+  }
+
   T &X(int i, int r) { return x[i + std::ptrdiff_t(r) * ldx]; }
 
   // x := M^-1 x for the lower factor M (unit or not), supernode by supernode
   // in postorder, each supernode's equations first put in pivot order.
-  void forward(const std::vector<T> &m, bool unit, bool permute) {
+  void forward(const std::vector<T> &m, bool upper, bool unit, bool permute) {
+    const Blocks<T> blocks = pass(m, upper, false);
     for (int t = 0; t < s.nsuper; ++t) {
       const int nr = s.nrows(t), nc = s.ncols(t), nb = nr - nc, f0 = s.first[t];
-      const T *a = m.data() + s.value_ptr[t];
+      const int *rows;
+      const T *a = blocks.get(t, &rows);
       for (int r = 0; r < nrhs; ++r)
-        for (int i = 0; i < nc; ++i) top[i + r * nc] = X(permute ? f.pivot[f0 + i] : f0 + i, r);
+        for (int i = 0; i < nc; ++i) top[i + r * nc] = X(permute ? pivot[f0 + i] : f0 + i, r);
       if (nrhs == 1) {
         // One right-hand side: column sweeps, no packing.
         for (int j = 0; j < nc; ++j) {
@@ -880,7 +982,7 @@ struct Solver {
         gemm(false, Op::kNone, Op::kNone, nb, nrhs, nc, T(1), a + nc, nr, top.data(), nc, T(0),
              bot.data(), nb);
       }
-      const int *rb = s.rows.data() + s.row_ptr[t] + nc;
+      const int *rb = rows + nc;
       for (int r = 0; r < nrhs; ++r)
         for (int i = 0; i < nb; ++i) X(rb[i], r) -= bot[i + r * nb];
     }
@@ -888,14 +990,16 @@ struct Solver {
 
   // x := op(M)^-1 x, op the transpose or conjugate transpose, in reverse
   // postorder, each supernode's result taken back out of pivot order.
-  void backward(const std::vector<T> &m, Op op, bool unit, bool permute) {
+  void backward(const std::vector<T> &m, bool upper, Op op, bool unit, bool permute) {
+    const Blocks<T> blocks = pass(m, upper, true);
     for (int t = s.nsuper - 1; t >= 0; --t) {
       const int nr = s.nrows(t), nc = s.ncols(t), nb = nr - nc, f0 = s.first[t];
-      const T *a = m.data() + s.value_ptr[t];
+      const int *rows;
+      const T *a = blocks.get(t, &rows);
       for (int r = 0; r < nrhs; ++r)
         for (int i = 0; i < nc; ++i) top[i + r * nc] = X(f0 + i, r);
       if (nb > 0) {
-        const int *rb = s.rows.data() + s.row_ptr[t] + nc;
+        const int *rb = rows + nc;
         for (int r = 0; r < nrhs; ++r)
           for (int i = 0; i < nb; ++i) bot[i + r * nb] = X(rb[i], r);
         if (nrhs == 1) {
@@ -920,7 +1024,7 @@ struct Solver {
         trsm(false, Triangular{true, false, op, unit}, nc, nrhs, a, nr, top.data(), nc);
       }
       for (int r = 0; r < nrhs; ++r)
-        for (int i = 0; i < nc; ++i) X(permute ? f.pivot[f0 + i] : f0 + i, r) = top[i + r * nc];
+        for (int i = 0; i < nc; ++i) X(permute ? pivot[f0 + i] : f0 + i, r) = top[i + r * nc];
     }
   }
 
@@ -929,7 +1033,7 @@ struct Solver {
     for (int r = 0; r < nrhs; ++r)
       for (int j = 0; j < n;) {
         const T d11 = f.diag[2 * j];
-        if (f.pivot[n + j] == 1) {
+        if (pivot[n + j] == 1) {
           const T d21 = f.diag[2 * j + 1], d22 = f.diag[2 * j + 2];
           const T c = orb::conj_if(d21, herm);
           const T det =
@@ -957,7 +1061,8 @@ void conj_block(int n, int nrhs, T *x, int ldx) {
 template <class T>
 void solve_block(const Symbolic &s, const NumericFactor<T> &f, bool transposed, int steps, int nrhs,
                  T *x, int ldx) {
-  Solver<T> sv{s, f, nrhs, x, ldx, {}, {}};
+  const int *pivot = f.store && f.kind != FactorKind::kCholesky ? f.store->pivot() : f.pivot.data();
+  Solver<T> sv{s, f, pivot, nrhs, x, ldx, {}, {}};
   int max_nc = 0, max_nb = 0;
   for (int t = 0; t < s.nsuper; ++t) {
     max_nc = std::max(max_nc, s.ncols(t));
@@ -967,24 +1072,25 @@ void solve_block(const Symbolic &s, const NumericFactor<T> &f, bool transposed, 
   sv.bot.resize(std::size_t(max_nb) * nrhs);
   switch (f.kind) {
     case FactorKind::kCholesky:
-      if (steps & kForward) sv.forward(f.lower, false, false);
-      if (steps & kBackward) sv.backward(f.lower, Op::kConjTrans, false, false);
+      if (steps & kForward) sv.forward(f.lower, false, false, false);
+      if (steps & kBackward) sv.backward(f.lower, false, Op::kConjTrans, false, false);
       break;
     case FactorKind::kLdlSymmetric:
     case FactorKind::kLdlHermitian: {
       const bool herm = f.kind == FactorKind::kLdlHermitian;
-      if (steps & kForward) sv.forward(f.lower, true, true);
+      if (steps & kForward) sv.forward(f.lower, false, true, true);
       if (steps & kDiagonal) sv.diagonal(herm);
-      if (steps & kBackward) sv.backward(f.lower, herm ? Op::kConjTrans : Op::kTrans, true, true);
+      if (steps & kBackward)
+        sv.backward(f.lower, false, herm ? Op::kConjTrans : Op::kTrans, true, true);
       break;
     }
     case FactorKind::kLu:
       if (!transposed) {
-        if (steps & kForward) sv.forward(f.lower, true, true);
-        if (steps & kBackward) sv.backward(f.upper, Op::kTrans, false, false);
+        if (steps & kForward) sv.forward(f.lower, false, true, true);
+        if (steps & kBackward) sv.backward(f.upper, true, Op::kTrans, false, false);
       } else {
-        if (steps & kForward) sv.forward(f.upper, false, false);
-        if (steps & kBackward) sv.backward(f.lower, Op::kTrans, true, true);
+        if (steps & kForward) sv.forward(f.upper, true, false, false);
+        if (steps & kBackward) sv.backward(f.lower, false, Op::kTrans, true, true);
       }
       break;
   }
@@ -999,11 +1105,51 @@ int64_t NumericFactor<T>::bytes() const {
 }
 
 template <class T>
+std::int64_t out_of_core_need(const Symbolic &s, FactorKind kind) {
+  // The factorization's touches replayed on the sizes alone.
+  const std::int64_t per = std::int64_t(sizeof(T)) * (kind == FactorKind::kLu ? 2 : 1);
+  std::vector<char> held(s.nsuper, 0);
+  std::int64_t now = 0, peak = 0;
+  int max_nc = 0, max_nb = 0;
+  auto touch = [&](int t) {
+    if (held[t]) return;
+    held[t] = 1;
+    now += per * s.nrows(t) * s.ncols(t);
+    peak = std::max(peak, now);
+  };
+  for (int t = 0; t < s.nsuper; ++t) {
+    touch(t);
+    const int nc = s.ncols(t), nb = s.nrows(t) - nc;
+    max_nc = std::max(max_nc, nc);
+    max_nb = std::max(max_nb, nb);
+    const int *below = s.rows.data() + s.row_ptr[t] + nc;
+    for (int i = 0; i < nb;) {
+      const int tg = s.super_of[below[i]];
+      touch(tg);
+      while (i < nb && below[i] < s.first[tg + 1]) ++i;
+    }
+    now -= per * s.nrows(t) * s.ncols(t);
+  }
+  // The workspace of Factorizer::reserve and the O(n) records.
+  const std::int64_t work =
+      std::int64_t(sizeof(T)) * max_nb * std::min(kChunk, std::max(max_nb, 1)) * 2 +
+      std::int64_t(sizeof(T)) * (max_nb + max_nc) * std::min(kLdlWhole, max_nc) +
+      std::int64_t(s.n) * (2 * sizeof(T) + 2 * sizeof(int));
+  return peak + work;
+}
+
+template <class T>
 void factorize(const Symbolic &s, const CscMatrix<T> &b, const FactorOptions &opt,
-               NumericFactor<T> *f, FactorReport *report) {
+               NumericFactor<T> *f, FactorReport *report, std::shared_ptr<BlockStore<T>> store) {
   *report = FactorReport{};
+  f->store.reset();
   try {
-    factorize_impl(s, b, opt, f, report);
+    if (store) {
+      factorize_out_of_core(s, b, opt, f, store.get(), report);
+      f->store = std::move(store);
+    } else {
+      factorize_impl(s, b, opt, f, report);
+    }
   } catch (const std::bad_alloc &) {
     *f = NumericFactor<T>{};
     f->kind = opt.kind;
@@ -1034,6 +1180,14 @@ void solve(const Symbolic &s, const NumericFactor<T> &f, SolveOp op, int steps, 
   }
   if constexpr (!kComplex<T>) conj = false;
   const int blocks = (nrhs + kRhsBlock - 1) / kRhsBlock;
+  if (f.store) {
+    // A factor in files is read once per pass for all the right-hand sides
+    // together; a failure of the files propagates to the caller.
+    if (conj) conj_block(s.n, nrhs, x, ldx);
+    solve_block(s, f, transposed, steps, nrhs, x, ldx);
+    if (conj) conj_block(s.n, nrhs, x, ldx);
+    return;
+  }
   const int team = std::max(1, std::min(threads, blocks));
   bool failed = false;
 #pragma omp parallel for num_threads(team) schedule(static) if (team > 1) reduction(|| : failed)
@@ -1059,7 +1213,8 @@ void solve(const Symbolic &s, const NumericFactor<T> &f, SolveOp op, int steps, 
 #define ORB_SPARSE_NUMERIC(T)                                                                     \
   template struct NumericFactor<T>;                                                               \
   template void factorize<T>(const Symbolic &, const CscMatrix<T> &, const FactorOptions &,       \
-                             NumericFactor<T> *, FactorReport *);                                 \
+                             NumericFactor<T> *, FactorReport *, std::shared_ptr<BlockStore<T>>); \
+  template std::int64_t out_of_core_need<T>(const Symbolic &, FactorKind);                        \
   template void solve<T>(const Symbolic &, const NumericFactor<T> &, SolveOp, int, int, T *, int, \
                          int);
 ORB_SPARSE_NUMERIC(double)

@@ -12,6 +12,7 @@
 
 #include <complex>
 #include <cstdint>
+#include <memory>
 #include <vector>
 
 #include "sparse_direct/symbolic.h"
@@ -45,13 +46,38 @@ struct FactorOptions {
   int threads = 1;  // the team the factorization may use (>= 1)
 };
 
+// Where a factor kept out of core lives (the files of sparse_direct/ooc.h).
+// The factorization hands it every supernode's finished blocks in postorder
+// and the pivot record at the end; the solve asks for the blocks back,
+// forward in postorder and backward in reverse. A failure of the storage
+// throws the storage's own exception, which the driver catches.
+template <class T>
+class BlockStore {
+ public:
+  virtual ~BlockStore() = default;
+  // Factorization: starts the files, then supernode t's blocks (nrows x
+  // ncols each; `upper` null except for kLu), then the pivot record (2n
+  // entries, empty for kCholesky).
+  virtual void begin_write() = 0;
+  virtual void put(int t, const T *lower, const T *upper) = 0;
+  virtual void end_write(const std::vector<int> &pivot) = 0;
+  // Solve: one pass over the blocks of the lower (`upper` false) or the
+  // upper factor, then get() for every supernode in the pass's order; the
+  // pointers stay valid until the next get() or begin_read().
+  virtual void begin_read(bool upper, bool backward) = 0;
+  virtual const T *get(int t, const int **rows) = 0;
+  // The pivot record, read back for a solve.
+  virtual const int *pivot() = 0;
+};
+
 struct FactorReport {
   int status = 0;         // 0 or a FactorStatus
   int failed_column = 0;  // kNotPositiveDefinite: 1-based new column of the failing pivot
   int perturbed = 0;      // pivots replaced by the floor
   int positive = 0;       // inertia of the kLdl* and kCholesky kinds
   int negative = 0;
-  double flops = 0;  // floating-point operations done
+  double flops = 0;             // floating-point operations done
+  std::int64_t peak_bytes = 0;  // out of core: the most factor storage held in core at once
 };
 
 enum FactorStatus : int {
@@ -60,6 +86,12 @@ enum FactorStatus : int {
   kNotPositiveDefinite = 2,  // kCholesky met a pivot that is not positive
   kZeroPivot = 3,            // an exactly zero pivot with no floor to replace it
 };
+
+// The out-of-core factorization's need: the most factor storage it holds in
+// core at once (the blocks of the supernodes between the one being factored
+// and the root that have received updates, and the workspace), in bytes.
+template <class T>
+std::int64_t out_of_core_need(const Symbolic &s, FactorKind kind);
 
 // The numerical factor. Its storage belongs to the factorization code; the
 // driver only keeps it, refactors into it and solves with it.
@@ -70,14 +102,20 @@ struct NumericFactor {
   std::vector<T> upper;    // kLu: U^T stored as L (unit-lower parts in `lower`, see numeric.cpp)
   std::vector<T> diag;     // kLdl*: D, 1x1 and 2x2 blocks (layout of numeric.cpp)
   std::vector<int> pivot;  // pivoting inside supernodes (layout of numeric.cpp)
-  int64_t bytes() const;   // storage held
+  // Out of core: the files that hold `lower`, `upper` and `pivot` (which
+  // stay empty then); null in core.
+  std::shared_ptr<BlockStore<T>> store;
+  int64_t bytes() const;  // storage held in core
 };
 
-// Factorizes B into `f` (whose earlier contents are replaced). Never throws;
-// storage failures give kFactorNoMemory with `f` left empty.
+// Factorizes B into `f` (whose earlier contents are replaced). Never throws
+// for lack of memory: that gives kFactorNoMemory with `f` left empty. With
+// `store` set, the factorization runs on one thread and keeps the finished
+// blocks there (f->store takes it); a failure of the store propagates.
 template <class T>
 void factorize(const Symbolic &s, const CscMatrix<T> &b, const FactorOptions &opt,
-               NumericFactor<T> *f, FactorReport *report);
+               NumericFactor<T> *f, FactorReport *report,
+               std::shared_ptr<BlockStore<T>> store = nullptr);
 
 // Which system a solve works on.
 enum class SolveOp { kNone, kTranspose, kConjTranspose };

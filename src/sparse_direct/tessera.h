@@ -12,6 +12,7 @@
 // Words 1, 2 and 17 stay zero.
 #pragma once
 
+#include <algorithm>
 #include <complex>
 #include <cstdint>
 #include <memory>
@@ -55,6 +56,16 @@ struct OocBlock {
 constexpr int kOocPathChars = 1024;
 constexpr int kOocSettings = 128;
 constexpr int kOocSpecialState = -9;  // isettings[1]: iparam(15) is left alone
+// Further words of the integer settings: 1 once the settings were read, the
+// maximal in-core size (megabytes), the keep-file flag, the handle's serial
+// number in the data files' names.
+enum OocSetting : int { kOocConfigured = 2, kOocMaxCore = 4, kOocKeep = 5, kOocSerial = 6 };
+
+// Error codes of out-of-core mode: no memory for its buffers, a data file
+// that cannot be opened, a data file that cannot be read or written.
+constexpr int kErrorOocMemory = -9;
+constexpr int kErrorOocOpen = -10;
+constexpr int kErrorOocReadWrite = -11;
 
 // Internal working-parameter slots (indices into State::work).
 enum WorkSlot : int {
@@ -121,7 +132,12 @@ struct Factorization {
   NumericFactor<double> real;
   NumericFactor<c16> cplx;
   double pivot_floor = 0;
-  std::int64_t bytes() const { return complex ? cplx.bytes() : real.bytes(); }
+  bool out_of_core = false;
+  std::int64_t peak_in_core = 0;  // out of core: the most held in core while factoring
+  std::int64_t bytes() const {
+    const std::int64_t held = complex ? cplx.bytes() : real.bytes();
+    return out_of_core ? std::max(held, peak_in_core) : held;
+  }
 };
 
 // What a phase call carries below the front routine.
