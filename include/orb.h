@@ -891,16 +891,16 @@ ORB_API void ORB_FreeBuffers(void);
  *   2 always, on one thread; (63) the memory out-of-core mode needs at least,
  *   in kilobytes, after the analysis; (64) 106.
  * Out of core, the factor of factorization mnum goes to the files
- * <prefix>_<process id>_<handle serial>_<mnum>.{lnz,unz,lindx,luperm}, written
- * as the supernodes finish and read back in panels of at most half the
- * maximal in-core size in every solve. The factorization holds in core the
- * supernodes between the current one and the root that have received updates;
- * when those exceed the maximal in-core size it runs with them all the same
- * ((63) says how much that is). Settings: the environment variables
- * ORB_TESSERA_OOC_PATH (prefix, "ooc_temp"), ORB_TESSERA_OOC_MAX_CORE_SIZE
- * (megabytes, 2000), ORB_TESSERA_OOC_KEEP_FILE (1; 0 deletes the files when
- * the factorization is released or replaced), else the same keys in lower
- * case in the file ORB_TESSERA_OOC_CFG_PATH "\" ORB_TESSERA_OOC_CFG_FILE_NAME
+ * <prefix>_<process id>_<handle serial>_<mnum>.{lnz,unz,lindx,luperm}. The
+ * factorization cuts the large supernodes into column panels of at most a
+ * quarter of the maximal in-core size, finishes one at a time with the
+ * updates of its descendants (read back from the files unless among the
+ * recently finished ones it keeps, up to half the maximum), and every solve
+ * reads the factor back in panels of at most half the maximum. Settings:
+ * the environment variables ORB_TESSERA_OOC_PATH (prefix, "ooc_temp"),
+ * ORB_TESSERA_OOC_MAX_CORE_SIZE (megabytes, 2000), ORB_TESSERA_OOC_KEEP_FILE
+ * (1; 0 deletes the files when the factorization is released or replaced),
+ * else the same keys in lower case in the file ORB_TESSERA_OOC_CFG_PATH "\" ORB_TESSERA_OOC_CFG_FILE_NAME
  * ("tessera_ooc.cfg"), one "key = value" per line, "#" comments.
  * Phases 331, 332, 333 run the forward, diagonal and backward parts of the
  * substitution (334 the last two) without refinement: 331 takes b in the

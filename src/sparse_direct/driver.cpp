@@ -273,13 +273,10 @@ int factor_stage(const Call &c, State *st, Analysis *an, Factorization *fz, cons
   fz->peak_in_core = 0;
   std::shared_ptr<BlockStore<T>> store;
   if (fz->out_of_core) {
-    // Half the maximum reads the factor back in the solve; the rest is for
-    // the factorization's blocks in core.
-    const std::int64_t panel = std::max<std::int64_t>(max_core / 2, 1);
     try {
       store = ooc::make_factor_files<T>(
-          sym, an->kind, ooc::data_file_stem(ooc->path, ooc->isettings[kOocSerial], c.mnum), panel,
-          ooc->isettings[kOocKeep] != 0);
+          an->kind, ooc::data_file_stem(ooc->path, ooc->isettings[kOocSerial], c.mnum),
+          std::max<std::int64_t>(max_core, 1), ooc->isettings[kOocKeep] != 0);
     } catch (const std::bad_alloc &) {
       fail->stage = text::Stage::kOocMemory;
       fail->status = kErrorOocMemory;

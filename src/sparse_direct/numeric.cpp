@@ -29,6 +29,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstring>
+#include <deque>
 #include <limits>
 #include <new>
 #include <queue>
@@ -130,6 +131,19 @@ struct Factorizer {
     }
   }
 
+  // The bytes reserve() takes.
+  std::int64_t workspace_bytes() const {
+    const bool lu = opt.kind == FactorKind::kLu;
+    const std::size_t c = std::max<std::size_t>(
+        std::size_t(max_nb) * std::min(kChunk, std::max(max_nb, 1)) * (lu ? 2 : 1), max_nc);
+    std::size_t wd = 0;
+    if (opt.kind == FactorKind::kLdlSymmetric || opt.kind == FactorKind::kLdlHermitian)
+      wd = std::max(std::size_t(max_nb + max_nc) * std::min(kLdlWhole, max_nc),
+                    std::size_t(kChunk) * max_nc);
+    return std::int64_t(sizeof(T)) * std::int64_t(c + wd) +
+           std::int64_t(sizeof(int)) * (std::max(max_nb, 1) + std::max(max_nc, 1));
+  }
+
   void reserve(Work<T> &w) const {
     const bool lu = opt.kind == FactorKind::kLu;
     w.c.resize(std::max<std::size_t>(
@@ -141,37 +155,12 @@ struct Factorizer {
     w.perm.resize(std::max(max_nc, 1));
   }
 
-  // Out of core: the blocks held in core, by supernode (null when not), and
-  // the matrix they are assembled from when first touched.
-  std::vector<std::unique_ptr<T[]>> *resident = nullptr;
-  const CscMatrix<T> *source = nullptr;
-  std::int64_t held = 0, peak = 0;  // bytes of the resident blocks
+  // Out of core: where each supernode's blocks are held in core, lower and
+  // upper (null when they are not).
+  std::vector<T *> *held = nullptr;
 
-  T *lower(int t) const {
-    return resident ? (*resident)[2 * t].get() : f.lower.data() + s.value_ptr[t];
-  }
-  T *upper(int t) const {
-    return resident ? (*resident)[2 * t + 1].get() : f.upper.data() + s.value_ptr[t];
-  }
-
-  // Out of core: supernode t's blocks, assembled from the matrix when they
-  // are not held yet.
-  void touch(int t) {
-    if ((*resident)[2 * t]) return;
-    const bool lu = opt.kind == FactorKind::kLu;
-    const std::size_t size = std::size_t(s.nrows(t)) * s.ncols(t);
-    (*resident)[2 * t].reset(new T[size]);
-    if (lu) (*resident)[2 * t + 1].reset(new T[size]);
-    held += std::int64_t(size * sizeof(T)) * (lu ? 2 : 1);
-    peak = std::max(peak, held);
-    assemble(*source, t, t);
-  }
-  void release(int t) {
-    const bool lu = opt.kind == FactorKind::kLu;
-    held -= std::int64_t(std::size_t(s.nrows(t)) * s.ncols(t) * sizeof(T)) * (lu ? 2 : 1);
-    (*resident)[2 * t].reset();
-    (*resident)[2 * t + 1].reset();
-  }
+  T *lower(int t) const { return held ? (*held)[2 * t] : f.lower.data() + s.value_ptr[t]; }
+  T *upper(int t) const { return held ? (*held)[2 * t + 1] : f.upper.data() + s.value_ptr[t]; }
 
   // Position of global row r in supernode t's row list (which holds it).
   int locate(int t, int r) const {
@@ -576,7 +565,6 @@ struct Factorizer {
         // Rows i >= `dense` land on consecutive rows of the target.
         int dense = nb - 1;
         while (dense > j && w.rel[dense - 1] == w.rel[dense] - 1) --dense;
-        if (resident) touch(tg);
         T *tl = lower(tg);
         T *tu = lu ? upper(tg) : nullptr;
         for (int jj = j; jj < je; ++jj) {
@@ -841,39 +829,104 @@ void factorize_impl(const Symbolic &s, const CscMatrix<T> &b, const FactorOption
   report->flops = all.flops;
 }
 
-// Out of core, on one thread: every supernode in postorder is assembled when
-// it is first touched (by its own factorization or by the first update it
-// receives), factored, applies its whole update to its ancestors, goes to
-// the store and leaves core. So the blocks in core at any time are those of
-// the current supernode and of its ancestors that have received updates,
-// and the sums are formed in the order of the in-core factorization.
+// Out of core, on one thread, left-looking: the large supernodes are cut
+// into column panels of at most a quarter of the budget; each supernode in
+// postorder is assembled, receives the updates of its descendants in
+// increasing order (read back from the files unless they are among the
+// recently finished ones kept in core, up to half the budget), is factored
+// and goes to the files. The sums are those of the in-core factorization,
+// in the same order.
 template <class T>
-void factorize_out_of_core(const Symbolic &s, const CscMatrix<T> &b, const FactorOptions &opt,
-                           NumericFactor<T> *f, BlockStore<T> *store, FactorReport *report) {
+void factorize_out_of_core(const Symbolic &analysed, const CscMatrix<T> &b,
+                           const FactorOptions &opt, NumericFactor<T> *f, BlockStore<T> *store,
+                           FactorReport *report) {
   const bool lu = opt.kind == FactorKind::kLu;
   const bool ldl = opt.kind == FactorKind::kLdlSymmetric || opt.kind == FactorKind::kLdlHermitian;
+  const std::int64_t per = std::int64_t(sizeof(T)) * (lu ? 2 : 1);  // bytes per block entry
+  const std::int64_t budget = std::max<std::int64_t>(store->budget(), 1);
+  store->begin_write(split_supernodes(analysed, std::max<std::int64_t>(budget / 4 / per, 1)));
+  const Symbolic &s = store->symbolic();
+  const int ns = s.nsuper;
   f->kind = opt.kind;
   f->lower.clear();
   f->upper.clear();
   f->diag.assign(ldl ? 2 * std::size_t(s.n) : 0, T(0));
-  std::vector<int> pivot(ldl || lu ? 2 * std::size_t(s.n) : 0, 0);
-  for (int j = 0; j < s.n && (ldl || lu); ++j) pivot[j] = j;
-  f->pivot.swap(pivot);
+  f->pivot.assign(ldl || lu ? 2 * std::size_t(s.n) : 0, 0);
+  for (int j = 0; j < s.n && (ldl || lu); ++j) f->pivot[j] = j;
+
+  // The updates each supernode receives: the source and its columns (among
+  // the source's rows below its diagonal block), sources increasing.
+  struct Pull {
+    int source, c0, c1;
+  };
+  std::vector<std::int64_t> pull_ptr(ns + 1, 0);
+  std::vector<Pull> pulls;
+  for (int pass = 0; pass < 2; ++pass) {
+    std::vector<std::int64_t> next(pull_ptr.begin(), pull_ptr.end() - 1);
+    for (int d = 0; d < ns; ++d) {
+      const int nc = s.ncols(d), nb = s.nrows(d) - nc;
+      const int *below = s.rows.data() + s.row_ptr[d] + nc;
+      for (int i = 0; i < nb;) {
+        const int tg = s.super_of[below[i]];
+        const int c0 = i;
+        while (i < nb && below[i] < s.first[tg + 1]) ++i;
+        if (pass == 0)
+          ++pull_ptr[tg + 1];
+        else
+          pulls[next[tg]++] = Pull{d, c0, i};
+      }
+    }
+    if (pass == 0) {
+      for (int t = 0; t < ns; ++t) pull_ptr[t + 1] += pull_ptr[t];
+      pulls.resize(pull_ptr[ns]);
+    }
+  }
 
   Factorizer<T> fz(s, opt, *f);
-  std::vector<std::unique_ptr<T[]>> resident(2 * std::size_t(s.nsuper));
-  fz.resident = &resident;
-  fz.source = &b;
+  std::vector<T *> held(2 * std::size_t(ns), nullptr);
+  fz.held = &held;
   if (lu) fz.rows_of_upper(b);
   Work<T> w;
   fz.reserve(w);
+  struct Kept {
+    int t;
+    std::unique_ptr<T[]> lower, upper;
+    std::int64_t bytes;
+  };
+  std::deque<Kept> kept;  // recently finished supernodes, oldest first
+  std::int64_t kept_bytes = 0, peak = 0;
+  std::vector<T> scratch;  // a descendant read back (lower, then upper)
   Tally all;
-  store->begin_write();
-  for (int t = 0; t < s.nsuper; ++t) {
-    fz.touch(t);
-    if (!fz.node(t, s.n, false, w, all)) break;
-    store->put(t, fz.lower(t), lu ? fz.upper(t) : nullptr);
-    fz.release(t);
+  for (int t = 0; t < ns; ++t) {
+    const std::size_t size = std::size_t(s.nrows(t)) * s.ncols(t);
+    Kept cur{t, std::unique_ptr<T[]>(new T[size]), std::unique_ptr<T[]>(lu ? new T[size] : nullptr),
+             std::int64_t(size) * per};
+    held[2 * t] = cur.lower.get();
+    held[2 * t + 1] = cur.upper.get();
+    fz.assemble(b, t, t);
+    for (std::int64_t p = pull_ptr[t]; p < pull_ptr[t + 1]; ++p) {
+      const Pull &u = pulls[p];
+      const bool away = held[2 * u.source] == nullptr;
+      if (away) {
+        const std::size_t sz = std::size_t(s.nrows(u.source)) * s.ncols(u.source);
+        if (scratch.size() < sz * (lu ? 2 : 1)) scratch.resize(sz * (lu ? 2 : 1));
+        store->load(u.source, scratch.data(), lu ? scratch.data() + sz : nullptr);
+        held[2 * u.source] = scratch.data();
+        held[2 * u.source + 1] = lu ? scratch.data() + sz : nullptr;
+      }
+      fz.update(u.source, u.c0, u.c1, false, w, all);
+      if (away) held[2 * u.source] = held[2 * u.source + 1] = nullptr;
+    }
+    peak = std::max(peak, kept_bytes + cur.bytes + std::int64_t(scratch.size() * sizeof(T)));
+    if (!fz.node(t, s.first[t + 1], false, w, all)) break;
+    store->put(t, held[2 * t], held[2 * t + 1]);
+    kept_bytes += cur.bytes;
+    kept.push_back(std::move(cur));
+    while (kept_bytes > budget / 2) {
+      held[2 * kept.front().t] = held[2 * kept.front().t + 1] = nullptr;
+      kept_bytes -= kept.front().bytes;
+      kept.pop_front();
+    }
   }
   if (all.status == kFactorOk) store->end_write(f->pivot);
   f->pivot.clear();
@@ -885,7 +938,10 @@ void factorize_out_of_core(const Symbolic &s, const CscMatrix<T> &b, const Facto
   report->positive = all.positive;
   report->negative = all.negative;
   report->flops = all.flops;
-  report->peak_bytes = fz.peak + f->bytes();
+  const std::int64_t records = std::int64_t(sizeof(T)) * f->diag.size() +
+                               std::int64_t(sizeof(int)) * 2 * s.n +
+                               std::int64_t(sizeof(Pull)) * std::int64_t(pulls.size());
+  report->peak_bytes = peak + records + fz.workspace_bytes();
 }
 
 // ---- the substitutions ------------------------------------------------------------
@@ -1106,36 +1162,51 @@ int64_t NumericFactor<T>::bytes() const {
 
 template <class T>
 std::int64_t out_of_core_need(const Symbolic &s, FactorKind kind) {
-  // The factorization's touches replayed on the sizes alone.
+  // With panels of one column: the supernode being factored, a descendant
+  // read back and one kept, the workspace, the records of every column.
   const std::int64_t per = std::int64_t(sizeof(T)) * (kind == FactorKind::kLu ? 2 : 1);
-  std::vector<char> held(s.nsuper, 0);
-  std::int64_t now = 0, peak = 0;
-  int max_nc = 0, max_nb = 0;
-  auto touch = [&](int t) {
-    if (held[t]) return;
-    held[t] = 1;
-    now += per * s.nrows(t) * s.ncols(t);
-    peak = std::max(peak, now);
-  };
-  for (int t = 0; t < s.nsuper; ++t) {
-    touch(t);
-    const int nc = s.ncols(t), nb = s.nrows(t) - nc;
-    max_nc = std::max(max_nc, nc);
-    max_nb = std::max(max_nb, nb);
-    const int *below = s.rows.data() + s.row_ptr[t] + nc;
-    for (int i = 0; i < nb;) {
-      const int tg = s.super_of[below[i]];
-      touch(tg);
-      while (i < nb && below[i] < s.first[tg + 1]) ++i;
+  int max_rows = 0;
+  for (int t = 0; t < s.nsuper; ++t) max_rows = std::max(max_rows, s.nrows(t));
+  FactorOptions opt;
+  opt.kind = kind;
+  NumericFactor<T> none;
+  const Factorizer<T> fz(s, opt, none);
+  return 3 * per * max_rows + fz.workspace_bytes() +
+         std::int64_t(s.n) * (2 * sizeof(T) + 2 * sizeof(int));
+}
+
+Symbolic split_supernodes(const Symbolic &s, std::int64_t max_entries) {
+  Symbolic o;
+  o.n = s.n;
+  o.perm = s.perm;
+  o.iperm = s.iperm;
+  o.nnz_factor = s.nnz_factor;
+  o.flops = s.flops;
+  o.super_of.resize(s.n);
+  o.first.push_back(0);
+  o.row_ptr.push_back(0);
+  o.value_ptr.push_back(0);
+  for (int k = 0; k < s.nsuper; ++k) {
+    const int nc = s.ncols(k), nr = s.nrows(k);
+    const int *rows = s.rows.data() + s.row_ptr[k];
+    for (int a = 0; a < nc;) {
+      // A panel of columns a.. keeps the supernode's rows from a on.
+      const int here = nr - a;
+      const int width =
+          int(std::max<std::int64_t>(1, std::min<std::int64_t>(nc - a, max_entries / here)));
+      const int t = o.nsuper++;
+      for (int j = a; j < a + width; ++j) o.super_of[s.first[k] + j] = t;
+      o.rows.insert(o.rows.end(), rows + a, rows + nr);
+      o.row_ptr.push_back(std::int64_t(o.rows.size()));
+      o.value_ptr.push_back(o.value_ptr.back() + std::int64_t(here) * width);
+      o.first.push_back(s.first[k] + a + width);
+      a += width;
     }
-    now -= per * s.nrows(t) * s.ncols(t);
   }
-  // The workspace of Factorizer::reserve and the O(n) records.
-  const std::int64_t work =
-      std::int64_t(sizeof(T)) * max_nb * std::min(kChunk, std::max(max_nb, 1)) * 2 +
-      std::int64_t(sizeof(T)) * (max_nb + max_nc) * std::min(kLdlWhole, max_nc) +
-      std::int64_t(s.n) * (2 * sizeof(T) + 2 * sizeof(int));
-  return peak + work;
+  o.parent.assign(o.nsuper, -1);
+  for (int t = 0; t < o.nsuper; ++t)
+    if (o.nrows(t) > o.ncols(t)) o.parent[t] = o.super_of[o.rows[o.row_ptr[t] + o.ncols(t)]];
+  return o;
 }
 
 template <class T>
@@ -1184,7 +1255,7 @@ void solve(const Symbolic &s, const NumericFactor<T> &f, SolveOp op, int steps, 
     // A factor in files is read once per pass for all the right-hand sides
     // together; a failure of the files propagates to the caller.
     if (conj) conj_block(s.n, nrhs, x, ldx);
-    solve_block(s, f, transposed, steps, nrhs, x, ldx);
+    solve_block(f.store->symbolic(), f, transposed, steps, nrhs, x, ldx);
     if (conj) conj_block(s.n, nrhs, x, ldx);
     return;
   }

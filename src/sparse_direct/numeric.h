@@ -47,20 +47,28 @@ struct FactorOptions {
 };
 
 // Where a factor kept out of core lives (the files of sparse_direct/ooc.h).
-// The factorization hands it every supernode's finished blocks in postorder
-// and the pivot record at the end; the solve asks for the blocks back,
-// forward in postorder and backward in reverse. A failure of the storage
-// throws the storage's own exception, which the driver catches.
+// The factorization gives it the supernodes it works on (the analysis's,
+// with the large ones cut into column panels), then every supernode's
+// finished blocks in postorder and the pivot record at the end; it may read
+// finished blocks back while it goes on. The solve asks for the blocks
+// again, forward in postorder and backward in reverse. A failure of the
+// storage throws the storage's own exception, which the driver catches.
 template <class T>
 class BlockStore {
  public:
   virtual ~BlockStore() = default;
-  // Factorization: starts the files, then supernode t's blocks (nrows x
-  // ncols each; `upper` null except for kLu), then the pivot record (2n
-  // entries, empty for kCholesky).
-  virtual void begin_write() = 0;
+  // The most memory the factor may take in core, bytes.
+  virtual std::int64_t budget() const = 0;
+  // Factorization: starts the files for the supernodes `s`, takes supernode
+  // t's blocks (nrows x ncols each; `upper` null except for kLu), then the
+  // pivot record (2n entries, empty for kCholesky).
+  virtual void begin_write(Symbolic s) = 0;
   virtual void put(int t, const T *lower, const T *upper) = 0;
   virtual void end_write(const std::vector<int> &pivot) = 0;
+  // A finished supernode's blocks read back during the factorization.
+  virtual void load(int t, T *lower, T *upper) = 0;
+  // The supernodes of the factor in the files.
+  virtual const Symbolic &symbolic() const = 0;
   // Solve: one pass over the blocks of the lower (`upper` false) or the
   // upper factor, then get() for every supernode in the pass's order; the
   // pointers stay valid until the next get() or begin_read().
@@ -69,6 +77,11 @@ class BlockStore {
   // The pivot record, read back for a solve.
   virtual const int *pivot() = 0;
 };
+
+// The supernodes of `s` cut into panels of consecutive columns, each block
+// at most `max_entries` entries where one column allows it; still in
+// postorder, each panel the parent of the one before it.
+Symbolic split_supernodes(const Symbolic &s, std::int64_t max_entries);
 
 struct FactorReport {
   int status = 0;         // 0 or a FactorStatus

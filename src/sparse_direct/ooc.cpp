@@ -245,6 +245,10 @@ class DataFile {
     if (r != 0) fail(Condition::kReadSeek, label);
   }
 
+  void flush(const char *label) {
+    if (f_ && std::fflush(f_) != 0) fail(Condition::kWriteShort, label);
+  }
+
   // Closing flushes: a full disk may show here first.
   void close(const char *label) {
     if (!f_) return;
@@ -260,30 +264,18 @@ class DataFile {
 template <class T>
 class FactorFiles final : public BlockStore<T> {
  public:
-  FactorFiles(const Symbolic &s, FactorKind kind, const std::string &stem, std::int64_t panel_bytes,
-              bool keep)
-      : s_(s),
-        lu_(kind == FactorKind::kLu),
+  FactorFiles(FactorKind kind, const std::string &stem, std::int64_t budget, bool keep)
+      : lu_(kind == FactorKind::kLu),
         pivoted_(kind != FactorKind::kCholesky),
         stem_(stem),
-        keep_(keep) {
-    // Panels: runs of consecutive supernodes of at most panel_bytes of values.
-    panel_first_.push_back(0);
-    for (int t = 0; t < s.nsuper; ++t) {
-      const std::int64_t start = s.value_ptr[panel_first_.back()];
-      if (t > panel_first_.back() &&
-          std::int64_t(sizeof(T)) * (s.value_ptr[t + 1] - start) > panel_bytes)
-        panel_first_.push_back(t);
-    }
-    panel_first_.push_back(s.nsuper);
-    panel_of_.resize(s.nsuper);
-    for (std::size_t p = 0; p + 1 < panel_first_.size(); ++p)
-      for (int t = panel_first_[p]; t < panel_first_[p + 1]; ++t) panel_of_[t] = int(p);
-  }
+        budget_(budget),
+        keep_(keep) {}
 
   ~FactorFiles() override {
     in_values_.reset();
     in_rows_.reset();
+    back_lower_.reset();
+    back_upper_.reset();
     out_lower_.reset();
     out_upper_.reset();
     out_rows_.reset();
@@ -298,7 +290,26 @@ class FactorFiles final : public BlockStore<T> {
     }
   }
 
-  void begin_write() override {
+  std::int64_t budget() const override { return budget_; }
+  const Symbolic &symbolic() const override { return s_; }
+
+  void begin_write(Symbolic s) override {
+    s_ = std::move(s);
+    // Solve panels: runs of consecutive supernodes of at most half the
+    // budget of values (one supernode when it alone is larger).
+    const std::int64_t panel_bytes = std::max<std::int64_t>(budget_ / 2, 1);
+    panel_first_.assign(1, 0);
+    for (int t = 0; t < s_.nsuper; ++t) {
+      const std::int64_t start = s_.value_ptr[panel_first_.back()];
+      if (t > panel_first_.back() &&
+          std::int64_t(sizeof(T)) * (s_.value_ptr[t + 1] - start) > panel_bytes)
+        panel_first_.push_back(t);
+    }
+    panel_first_.push_back(s_.nsuper);
+    panel_of_.resize(s_.nsuper);
+    for (std::size_t p = 0; p + 1 < panel_first_.size(); ++p)
+      for (int t = panel_first_[p]; t < panel_first_[p + 1]; ++t) panel_of_[t] = int(p);
+
     const char *open_lnz =
         lu_ ? "blklu_unsym_ooc: open file for storing lnz" : "blkl: open file for storing lnz";
     out_lower_ = std::make_unique<DataFile>();
@@ -321,9 +332,38 @@ class FactorFiles final : public BlockStore<T> {
     if (lu_) out_upper_->write(upper, sizeof(T), size, "blklu_unsym_ooc write unz 2");
     out_rows_->write(s_.rows.data() + s_.row_ptr[t], sizeof(int), std::size_t(s_.nrows(t)),
                      "blkl: write lindx");
+    written_ = t + 1;
+  }
+
+  void load(int t, T *lower, T *upper) override {
+    // What the stream still buffers goes to the files first.
+    if (t >= flushed_) {
+      out_lower_->flush(lu_ ? "blklu_unsym_ooc write lnz 2" : "blkl: write lnz");
+      if (lu_) out_upper_->flush("blklu_unsym_ooc write unz 2");
+      flushed_ = written_;
+    }
+    if (!back_lower_) {
+      back_lower_ = std::make_unique<DataFile>();
+      back_lower_->open(stem_ + "lnz", "rb", "blkl: open file for reading lnz");
+      if (lu_) {
+        back_upper_ = std::make_unique<DataFile>();
+        back_upper_->open(stem_ + "unz", "rb", "blkl: open file for reading unz");
+      }
+    }
+    const std::size_t size = std::size_t(s_.nrows(t)) * s_.ncols(t);
+    const std::int64_t at = s_.value_ptr[t] * std::int64_t(sizeof(T));
+    const char *lower_label = lu_ ? "blklu_unsym_ooc read lnz 1" : "blkl: read lnz";
+    back_lower_->seek(at, lower_label);
+    back_lower_->read(lower, sizeof(T), size, lower_label);
+    if (lu_) {
+      back_upper_->seek(at, "blklu_unsym_ooc read unz 1");
+      back_upper_->read(upper, sizeof(T), size, "blklu_unsym_ooc read unz 1");
+    }
   }
 
   void end_write(const std::vector<int> &pivot) override {
+    back_lower_.reset();
+    back_upper_.reset();
     out_lower_->close(lu_ ? "blklu_unsym_ooc: close file with lnz" : "blkl: close file with lnz");
     if (lu_) out_upper_->close("blklu_unsym_ooc: close file with unz");
     out_rows_->close("blkl: close file with lindx");
@@ -401,13 +441,16 @@ class FactorFiles final : public BlockStore<T> {
     }
   }
 
-  const Symbolic &s_;
+  Symbolic s_;
   const bool lu_, pivoted_;
   const std::string stem_;
+  const std::int64_t budget_;
   const bool keep_;
-  int made_ = 0;  // the files created, by class bit
+  int written_ = 0, flushed_ = 0;  // supernodes written, and flushed to the files
+  int made_ = 0;                   // the files created, by class bit
   std::vector<int> panel_first_, panel_of_;
   std::unique_ptr<DataFile> out_lower_, out_upper_, out_rows_;
+  std::unique_ptr<DataFile> back_lower_, back_upper_;  // the factorization's reads
   std::unique_ptr<DataFile> in_values_, in_rows_;
   bool upper_ = false, backward_ = false;
   int loaded_ = -1;
@@ -418,16 +461,15 @@ class FactorFiles final : public BlockStore<T> {
 }  // namespace
 
 template <class T>
-std::shared_ptr<BlockStore<T>> make_factor_files(const Symbolic &s, FactorKind kind,
-                                                 const std::string &stem, std::int64_t panel_bytes,
-                                                 bool keep_files) {
-  return std::make_shared<FactorFiles<T>>(s, kind, stem, panel_bytes, keep_files);
+std::shared_ptr<BlockStore<T>> make_factor_files(FactorKind kind, const std::string &stem,
+                                                 std::int64_t budget, bool keep_files) {
+  return std::make_shared<FactorFiles<T>>(kind, stem, budget, keep_files);
 }
 
-template std::shared_ptr<BlockStore<double>> make_factor_files<double>(const Symbolic &, FactorKind,
+template std::shared_ptr<BlockStore<double>> make_factor_files<double>(FactorKind,
                                                                        const std::string &,
                                                                        std::int64_t, bool);
 template std::shared_ptr<BlockStore<std::complex<double>>> make_factor_files<std::complex<double>>(
-    const Symbolic &, FactorKind, const std::string &, std::int64_t, bool);
+    FactorKind, const std::string &, std::int64_t, bool);
 
 }  // namespace orb::sparse::ooc

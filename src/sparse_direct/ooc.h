@@ -63,13 +63,12 @@ std::string data_file_stem(const std::string &prefix, int handle_serial, int mnu
 // A serial number per handle of the process, for the data files' names.
 int next_handle_serial();
 
-// The files of one out-of-core factor. The blocks are written in postorder
-// as the factorization finishes them; a solve pass reads them back in panels
-// of consecutive supernodes of at most `panel_bytes` (one block when a block
-// is larger), forward or backward.
+// The files of one out-of-core factor of at most `budget` bytes in core. The
+// blocks are written in postorder as the factorization finishes them; a
+// solve pass reads them back in panels of consecutive supernodes of at most
+// half the budget (one block when a block is larger), forward or backward.
 template <class T>
-std::shared_ptr<BlockStore<T>> make_factor_files(const Symbolic &s, FactorKind kind,
-                                                 const std::string &stem, std::int64_t panel_bytes,
-                                                 bool keep_files);
+std::shared_ptr<BlockStore<T>> make_factor_files(FactorKind kind, const std::string &stem,
+                                                 std::int64_t budget, bool keep_files);
 
 }  // namespace orb::sparse::ooc

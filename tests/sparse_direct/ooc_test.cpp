@@ -92,6 +92,14 @@ TEST(OocSettings, TheGrammarCaseByCase) {
   Environment env{{"ORB_TESSERA_OOC_CFG_PATH", kDir},
                   {"ORB_TESSERA_OOC_CFG_FILE_NAME", "case.cfg"}};
   const std::string file = config_at("case.cfg");
+  // The name is a path under Windows, one file's literal name elsewhere.
+  write_file(file, "");
+#ifdef _WIN32
+  EXPECT_TRUE(fs::exists(fs::path(kDir) / "case.cfg"));
+#else
+  EXPECT_TRUE(fs::exists("ooc_cfg\\case.cfg"));
+  EXPECT_FALSE(fs::exists(fs::path(kDir) / "case.cfg"));
+#endif
   for (const Case &c : cases) {
     write_file(file, c.text);
     const ooc::Settings s = ooc::read_settings(0);

@@ -276,7 +276,9 @@ TEST(TesseraRefinement, StepLimitZeroAndPrintedSteps) {
     r.iparam[9] = 13;
     EXPECT_EQ(r.call(13, u, bb.data(), xx.data()), 0);
     steps[t] = r.iparam[6];
-    if (limits[t] == 0 && steps[t] == 2) EXPECT_EQ(r.iparam[19], -34);
+    if (limits[t] == 0 && steps[t] == 2) {
+      EXPECT_EQ(r.iparam[19], -34);
+    }
   }
   EXPECT_EQ(steps[0], steps[1]);
   EXPECT_LE(steps[2], 2);
