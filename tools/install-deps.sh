@@ -18,7 +18,8 @@ native_pkgs=(build-essential cmake ninja-build pkg-config python3 googletest lib
              libmetis-dev libsuitesparse-dev g++-mingw-w64-i686-posix gcc-mingw-w64-i686-posix
              binutils-mingw-w64-i686 gfortran-mingw-w64-i686-posix xz-utils dpkg-dev
              libblas-test liblapack-test
-             libblas3 liblapack3 python3-numpy python3-scipy python3-pytest python3-hypothesis)
+             libblas3 liblapack3 python3-numpy python3-scipy python3-pytest python3-hypothesis
+             clang lld llvm zip unzip)
 bench_pkgs=(libbenchmark-dev libopenblas-pthread-dev libblis-pthread-dev libmumps-seq-dev)
 
 missing=()
