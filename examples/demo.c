@@ -9,6 +9,9 @@
 
 #include "orb.h"
 
+#ifdef __linux__
+#include <dlfcn.h>
+#endif
 #if defined(__GNUC__) && (defined(__i386__) || defined(__x86_64__))
 #include <cpuid.h>
 #include <x86intrin.h>
@@ -288,6 +291,151 @@ static void dense_section(int n, int n_eig) {
   }
 }
 
+/* ---- beside what users run today ------------------------------------------- */
+
+/* The routines the comparison times, in the Fortran calling convention that
+   every one of the libraries exports (hidden string lengths last). */
+typedef void (*gemm_fn)(const char *, const char *, const int *, const int *, const int *,
+                        const float *, const float *, const int *, const float *, const int *,
+                        const float *, float *, const int *, size_t, size_t);
+typedef void (*getrf_fn)(const int *, const int *, float *, const int *, int *, int *);
+typedef void (*potrf_fn)(const char *, const int *, float *, const int *, int *, size_t);
+typedef void (*syevr_fn)(const char *, const char *, const char *, const int *, float *,
+                         const int *, const float *, const float *, const int *, const int *,
+                         const float *, int *, float *, float *, const int *, int *, float *,
+                         const int *, int *, const int *, int *, size_t, size_t, size_t);
+typedef void (*gesdd_fn)(const char *, const int *, const int *, float *, const int *, float *,
+                         float *, const int *, float *, const int *, float *, const int *, int *,
+                         int *, size_t);
+
+typedef struct {
+  const char *name;
+  gemm_fn gemm;
+  getrf_fn getrf;
+  potrf_fn potrf;
+  syevr_fn syevr;
+  gesdd_fn gesdd;
+} Library;
+
+/* Seconds of one call of routine r (0 sgemm, 1 sgetrf, 2 spotrf, 3 ssyevr, 4
+   sgesdd) on the demo's problem of order n, or -1 when the library lacks it. */
+static double time_routine(const Library *lib, int r, int n) {
+  const size_t nn = (size_t)n * n;
+  float *a = random_matrix(n, n), *b = NULL, *c = NULL, *w = NULL, *z = NULL, *work = NULL, wq;
+  int info, *iw = NULL, lwork = -1, liwork = -1, iq, found;
+  const float one = 1, zero = 0, vl = 0, vu = 0, abstol = 0;
+  const int il = 0, iu = 0;
+  double t = -1;
+  if (r == 0 && lib->gemm) {
+    b = random_matrix(n, n), c = random_matrix(n, n);
+    t = now();
+    lib->gemm("N", "N", &n, &n, &n, &one, a, &n, b, &n, &zero, c, &n, 1, 1);
+    t = now() - t;
+  } else if (r == 1 && lib->getrf) {
+    iw = malloc(sizeof(int) * n);
+    t = now();
+    lib->getrf(&n, &n, a, &n, iw, &info);
+    t = now() - t;
+  } else if (r == 2 && lib->potrf) {
+    for (int i = 0; i < n; ++i) a[i + (size_t)i * n] += 2.0f * n; /* diagonally dominant */
+    for (int j = 0; j < n; ++j)
+      for (int i = 0; i < j; ++i) a[j + (size_t)i * n] = a[i + (size_t)j * n];
+    t = now();
+    lib->potrf("L", &n, a, &n, &info, 1);
+    t = now() - t;
+  } else if (r == 3 && lib->syevr) {
+    w = malloc(sizeof(float) * n), z = malloc(sizeof(float) * nn);
+    iw = malloc(sizeof(int) * 2 * n);
+    int *isuppz = malloc(sizeof(int) * 2 * n);
+    lib->syevr("V", "A", "L", &n, a, &n, &vl, &vu, &il, &iu, &abstol, &found, w, z, &n, isuppz, &wq,
+               &lwork, &iq, &liwork, &info, 1, 1, 1);
+    lwork = (int)wq, liwork = iq;
+    work = malloc(sizeof(float) * lwork);
+    int *iwork = malloc(sizeof(int) * liwork);
+    t = now();
+    lib->syevr("V", "A", "L", &n, a, &n, &vl, &vu, &il, &iu, &abstol, &found, w, z, &n, isuppz,
+               work, &lwork, iwork, &liwork, &info, 1, 1, 1);
+    t = now() - t;
+    free(isuppz), free(iwork);
+  } else if (r == 4 && lib->gesdd) {
+    w = malloc(sizeof(float) * n), z = malloc(sizeof(float) * nn), b = malloc(sizeof(float) * nn);
+    iw = malloc(sizeof(int) * 8 * n);
+    lib->gesdd("A", &n, &n, a, &n, w, z, &n, b, &n, &wq, &lwork, iw, &info, 1);
+    lwork = (int)wq;
+    work = malloc(sizeof(float) * lwork);
+    t = now();
+    lib->gesdd("A", &n, &n, a, &n, w, z, &n, b, &n, work, &lwork, iw, &info, 1);
+    t = now() - t;
+  }
+  free(a), free(b), free(c), free(w), free(z), free(work), free(iw);
+  return t;
+}
+
+#ifdef __linux__
+/* A peer loaded at run time into a scope of its own, so that neither it nor
+   ORB answers the other's calls. */
+static int load_peer(Library *lib, const char *name, const char *path) {
+  void *h = dlopen(path, RTLD_NOW | RTLD_LOCAL | RTLD_DEEPBIND);
+  if (!h) return 0;
+  lib->name = name;
+  lib->gemm = (gemm_fn)dlsym(h, "sgemm_");
+  lib->getrf = (getrf_fn)dlsym(h, "sgetrf_");
+  lib->potrf = (potrf_fn)dlsym(h, "spotrf_");
+  lib->syevr = (syevr_fn)dlsym(h, "ssyevr_");
+  lib->gesdd = (gesdd_fn)dlsym(h, "sgesdd_");
+  return 1;
+}
+#endif
+
+static void peers_section(int n, int n_eig) {
+  printf("\n== Beside what users run today (seconds, the better of two calls)\n");
+  /* ORB's entries take the hidden lengths as int; the peers' as size_t. On
+     x86-64 a length sits in a register or an eight-byte stack slot either way,
+     and the value passed here (1) reads the same in both. */
+#define ORB_AS(type, f) ((type)(void (*)(void))(f))
+  Library libs[3] = {{"ORB", ORB_AS(gemm_fn, sgemm), ORB_AS(getrf_fn, sgetrf),
+                      ORB_AS(potrf_fn, spotrf), ORB_AS(syevr_fn, ssyevr),
+                      ORB_AS(gesdd_fn, sgesdd)}};
+#undef ORB_AS
+  int count = 1;
+#ifdef __linux__
+  count += load_peer(&libs[count], "OpenBLAS",
+                     "/usr/lib/x86_64-linux-gnu/openblas-pthread/libopenblas.so.0");
+  count +=
+      load_peer(&libs[count], "ref. LAPACK", "/usr/lib/x86_64-linux-gnu/lapack/liblapack.so.3");
+#endif
+  if (count == 1) {
+#ifdef __linux__
+    printf(
+        "  OpenBLAS and the reference LAPACK are not installed: tools/install-deps.sh --bench\n");
+#else
+    printf("  the peers are compared on Linux (bench/ measures orb.dll beside OpenBLAS)\n");
+#endif
+    return;
+  }
+  static const char *const names[5] = {"sgemm", "sgetrf", "spotrf", "ssyevr", "sgesdd"};
+  printf("  %-8s %6s", "routine", "n");
+  for (int l = 0; l < count; ++l) printf(" %12s", libs[l].name);
+  for (int l = 1; l < count; ++l) printf("  %s/ORB", libs[l].name);
+  printf("\n");
+  for (int r = 0; r < 5; ++r) {
+    const int size = r >= 3 ? n_eig : n;
+    double t[3];
+    for (int l = 0; l < count; ++l) {
+      /* The better of two calls: the first also starts the library's threads. */
+      const double first = time_routine(&libs[l], r, size);
+      const double second = time_routine(&libs[l], r, size);
+      t[l] = first < second ? first : second;
+    }
+    printf("  %-8s %6d", names[r], size);
+    for (int l = 0; l < count; ++l) printf(" %12.3f", t[l]);
+    for (int l = 1; l < count; ++l)
+      if (t[l] > 0 && t[0] > 0) printf("  %*.2f", (int)strlen(libs[l].name) + 4, t[l] / t[0]);
+    printf("\n");
+  }
+  printf("  (the reference LAPACK runs over the system BLAS that Debian's alternatives select)\n");
+}
+
 /* ---- sparse ------------------------------------------------------------------ */
 
 typedef struct {
@@ -481,6 +629,7 @@ int main(int argc, char **argv) {
          vector_path(&per_cycle));
   const double t0 = now();
   dense_section(quick ? 300 : 2000, quick ? 200 : 1000);
+  peers_section(quick ? 300 : 2000, quick ? 200 : 1000);
   sparse_section(quick ? 20 : 58, quick ? 16 : 40);
   printf("\n%d of %d checks within their bounds in %.1f s: %s\n", checks - failures, checks,
          now() - t0, failures == 0 ? "all good" : "SOME FAILED");
