@@ -579,8 +579,9 @@ void run_orb(const Matrix &m, const std::vector<c16> &b, int threads, bool want_
   o->status = error;
   if (error) set_note(o, "TESSERA error %ld", error);
   if (!error && max_core_mb > 0)
-    std::snprintf(o->note, sizeof o->note, "max in-core %d MB, out-of-core need %d MB", max_core_mb,
-                  iparam[62] / 1024);
+    std::snprintf(o->note, sizeof o->note,
+                  "max in-core %d MB; iparam(15..17) %d, %d, %d MB; (63) %d MB", max_core_mb,
+                  iparam[14] / 1024, iparam[15] / 1024, iparam[16] / 1024, iparam[62] / 1024);
   o->refine_steps = iparam[6];
   probe.finish(o);
   call(-1);
