@@ -895,8 +895,9 @@ ORB_API void ORB_FreeBuffers(void);
  * factorization cuts the large supernodes into column panels of at most a
  * quarter of the maximal in-core size, finishes one at a time with the
  * updates of its descendants (read back from the files unless among the
- * recently finished ones it keeps, up to half the maximum), and every solve
- * reads the factor back in panels of at most half the maximum. Settings:
+ * recently finished ones it keeps, in half the maximum less its workspace),
+ * and every solve reads the factor back in panels of at most half the
+ * maximum. Settings:
  * the environment variables ORB_TESSERA_OOC_PATH (prefix, "ooc_temp"),
  * ORB_TESSERA_OOC_MAX_CORE_SIZE (megabytes, 2000), ORB_TESSERA_OOC_KEEP_FILE
  * (1; 0 deletes the files when the factorization is released or replaced),

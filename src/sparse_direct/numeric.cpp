@@ -888,6 +888,14 @@ void factorize_out_of_core(const Symbolic &analysed, const CscMatrix<T> &b,
   if (lu) fz.rows_of_upper(b);
   Work<T> w;
   fz.reserve(w);
+  // What stays in core throughout comes out of the half kept for finished
+  // supernodes.
+  const std::int64_t records = std::int64_t(sizeof(T)) * f->diag.size() +
+                               std::int64_t(sizeof(int)) * f->pivot.size() +
+                               std::int64_t(sizeof(Pull)) * std::int64_t(pulls.size()) +
+                               std::int64_t(sizeof(T *)) * std::int64_t(held.size());
+  const std::int64_t fixed = records + fz.workspace_bytes();
+  const std::int64_t keep_limit = std::max<std::int64_t>(budget / 2 - fixed, 0);
   struct Kept {
     int t;
     std::unique_ptr<T[]> lower, upper;
@@ -922,7 +930,7 @@ void factorize_out_of_core(const Symbolic &analysed, const CscMatrix<T> &b,
     store->put(t, held[2 * t], held[2 * t + 1]);
     kept_bytes += cur.bytes;
     kept.push_back(std::move(cur));
-    while (kept_bytes > budget / 2) {
+    while (kept_bytes > keep_limit) {
       held[2 * kept.front().t] = held[2 * kept.front().t + 1] = nullptr;
       kept_bytes -= kept.front().bytes;
       kept.pop_front();
@@ -938,10 +946,7 @@ void factorize_out_of_core(const Symbolic &analysed, const CscMatrix<T> &b,
   report->positive = all.positive;
   report->negative = all.negative;
   report->flops = all.flops;
-  const std::int64_t records = std::int64_t(sizeof(T)) * f->diag.size() +
-                               std::int64_t(sizeof(int)) * 2 * s.n +
-                               std::int64_t(sizeof(Pull)) * std::int64_t(pulls.size());
-  report->peak_bytes = peak + records + fz.workspace_bytes();
+  report->peak_bytes = peak + fixed;
 }
 
 // ---- the substitutions ------------------------------------------------------------
