@@ -186,7 +186,9 @@ def cmd_link(args):
         subprocess.run([args.cc, "-O2", "-msse2", "-mfpmath=sse", "-c", src, "-o", obj],
                        check=True)
         libs = [os.path.join(kit, "lib", f"lib{n}.a") for n in ("tmglib", "lapack", "blas")]
-        subprocess.run([args.fc, "-static", "-o", args.out, "-Wl,--whole-archive", objects,
+        # The same 32 MB stack as the baseline programs (tools/build-lapack-win32.sh).
+        subprocess.run([args.fc, "-static", "-Wl,--stack,33554432", "-o", args.out,
+                        "-Wl,--whole-archive", objects,
                         "-Wl,--no-whole-archive", obj, args.implib] + libs, check=True)
     with open(args.out + ".forwards", "w") as f:
         f.write("".join(f"{a} {v[0]}\n" for a, v in sorted(fw.items())))
