@@ -1373,7 +1373,9 @@ ORB_API void REMEZ(const int *nfilt, const int *jtype, const int *nbands, const 
                    int *ierr);
 /* Solves the m x m complex Toeplitz system A x = b: a1 is the first row (m),
  * a2 the first column from its second element (m - 1); c1, c2 are m - 1
- * elements of workspace each; x may equal b. */
+ * elements of workspace each; x may equal b. Levinson-Trench recursion in
+ * O(m^2), inner products formed in double. A vanishing leading minor sets x
+ * to zero and reports parameter 1 through XERBLA; m < 1 reports parameter 7. */
 ORB_API void TSLC1(const orb_complex8 *a1, const orb_complex8 *a2, const orb_complex8 *b,
                    orb_complex8 *x, orb_complex8 *c1, orb_complex8 *c2, const int *m);
 /* Real form of TSLC1. */
