@@ -1374,10 +1374,13 @@ ORB_API float R1MACH(const int *i);
  * levelled error over the band's weight), extrem the extremal frequencies
  * (nfilt / 2 + 2 of them for odd nfilt and jtype 1, nfilt / 2 + 1
  * otherwise); computed in double.
- * ierr: 0 success; -1 nfilt < 3 or too long for the grid the bands give;
- * -2 jtype not 1, 2 or 3; -3 nbands < 1; -5 edges not increasing within
- * [0, 0.5]; -7 a weight not positive; 1 the exchange did not converge in 25
- * passes (outputs then untouched). */
+ * ierr: 0 success; -1 nfilt < 3 or too long for the grid the bands give
+ * (fewer grid points than extremal frequencies); -2 jtype not 1, 2 or 3;
+ * -3 nbands < 1; -4 lgrid * nfilt above 2^24; -5 edges not increasing within
+ * [0, 0.5]; -6 a desired value not finite; -7 a weight not positive (or not
+ * finite); 1 the exchange did not converge in 25 passes or lost its digits
+ * (the deviation decreased); 2 not enough memory for the grid. The outputs
+ * are written only when ierr is 0. */
 ORB_API void REMEZ(const int *nfilt, const int *jtype, const int *nbands, const int *lgrid,
                    const float *edge, const float *fx, const float *wtx, float *h, float *deviat,
                    float *extrem, int *ierr);

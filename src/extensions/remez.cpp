@@ -8,6 +8,8 @@
 // frequencies, and each pass moves them to the alternating extrema of the
 // error over the grid until they stay put. Everything is computed in double.
 #include <cmath>
+#include <new>
+#include <utility>
 #include <vector>
 
 #include "orb.h"
@@ -17,6 +19,7 @@ namespace {
 
 constexpr double kPi = 3.141592653589793238462643383279502884;
 constexpr int kMaxPasses = 25;
+constexpr double kMaxGrid = 1 << 24;  // grid points (three doubles each)
 
 enum class Symmetry { kEven, kOdd };
 
@@ -208,17 +211,21 @@ void impulse_response(const Design &d, const std::vector<double> &a, float *h) {
 
 int remez(int nfilt, int type, int nbands, int density, const float *edge_in, const float *fx,
           const float *wtx, float *h, float *deviation, float *extremal) {
+  if (nfilt < 3) return -1;
   if (type < 1 || type > 3) return -2;
   if (nbands < 1) return -3;
   if (density <= 0) density = 16;
+  // The grid holds about 2 density nfcns points per unit of band width.
+  if (double(density) * nfilt > kMaxGrid) return -4;
   std::vector<double> edge(edge_in, edge_in + 2 * nbands);
   for (int i = 0; i < 2 * nbands; ++i) {
     if (!(edge[i] >= 0 && edge[i] <= 0.5)) return -5;
     if (i > 0 && !(edge[i] > edge[i - 1])) return -5;
   }
   for (int b = 0; b < nbands; ++b)
+    if (!std::isfinite(fx[b])) return -6;
+  for (int b = 0; b < nbands; ++b)
     if (!(wtx[b] > 0) || !std::isfinite(wtx[b])) return -7;
-  if (nfilt < 3) return -1;
 
   Design d;
   d.nfilt = nfilt;
@@ -229,7 +236,7 @@ int remez(int nfilt, int type, int nbands, int density, const float *edge_in, co
   const int nz = d.nfcns + 1;
   const Grid g = make_grid(d, nbands, edge.data(), fx, wtx, density);
   const int ngrid = static_cast<int>(g.f.size());
-  if (ngrid < 2 * nz) return -1;  // too long for the grid the bands give
+  if (ngrid < nz) return -1;  // too long for the grid the bands give
 
   std::vector<double> xgrid(ngrid);
   for (int i = 0; i < ngrid; ++i) xgrid[i] = std::cos(2 * kPi * g.f[i]);
@@ -285,7 +292,11 @@ extern "C" {
 ORB_API void REMEZ(const int *nfilt, const int *jtype, const int *nbands, const int *lgrid,
                    const float *edge, const float *fx, const float *wtx, float *h, float *deviat,
                    float *extrem, int *ierr) {
-  *ierr = orb::ext::remez(*nfilt, *jtype, *nbands, *lgrid, edge, fx, wtx, h, deviat, extrem);
+  try {
+    *ierr = orb::ext::remez(*nfilt, *jtype, *nbands, *lgrid, edge, fx, wtx, h, deviat, extrem);
+  } catch (const std::bad_alloc &) {
+    *ierr = 2;
+  }
 }
 
 }  // extern "C"

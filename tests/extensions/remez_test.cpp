@@ -116,17 +116,25 @@ TEST(Remez, RejectedInputsGiveTheirCodes) {
   EXPECT_EQ(design(31, 1, {0.0f, 0.2f, 0.3f, 0.6f}, fx, wtx).ierr, -5);
   EXPECT_EQ(design(31, 1, {-0.1f, 0.2f, 0.3f, 0.5f}, fx, wtx).ierr, -5);
   EXPECT_EQ(design(31, 1, {0.0f, 0.2f, 0.2f, 0.5f}, fx, wtx).ierr, -5);
+  EXPECT_EQ(design(31, 1, edge, fx, wtx, 1 << 20).ierr, -4);
+  EXPECT_EQ(design(31, 1, edge, {1, NAN}, wtx).ierr, -6);
   EXPECT_EQ(design(31, 1, edge, fx, {1, 0}).ierr, -7);
   EXPECT_EQ(design(31, 1, edge, fx, {-1, 1}).ierr, -7);
   // Narrow bands and a coarse grid leave fewer grid points than the exchange
   // needs.
   EXPECT_EQ(design(101, 1, {0.0f, 0.001f, 0.499f, 0.5f}, fx, wtx, 1).ierr, -1);
-  // The smallest length designs.
+  // The smallest length designs, and a grid of density 1 (about as many
+  // points as extremal frequencies).
   EXPECT_EQ(design(3, 1, edge, fx, wtx).ierr, 0);
-  // A transition band far too narrow for the length: the exchange runs out of
-  // digits or passes and says so instead of returning a bad filter.
+  EXPECT_EQ(design(3, 3, {0.1f, 0.4f}, {1}, {1}).ierr, 0);
+  EXPECT_EQ(design(4, 2, {0.0f, 0.5f}, {1}, {1}).ierr, 0);
+  EXPECT_EQ(design(15, 1, {0.0f, 0.25f, 0.3f, 0.5f}, fx, wtx, 2).ierr, 0);
+  // A jump from 1 to 0 with no room between the bands: the best the weights
+  // allow splits it as e1 + e2 = 1 with e1 = 1e4 e2.
   const Result r = design(301, 1, {0.0f, 0.2f, 0.2000001f, 0.5f}, fx, {1, 1e4f});
-  EXPECT_TRUE(r.ierr == 0 || r.ierr == 1) << r.ierr;
+  ASSERT_EQ(r.ierr, 0);
+  EXPECT_NEAR(r.dev[0], 1 / (1 + 1e-4), 1e-5);
+  EXPECT_NEAR(r.dev[1], 1e-4 / (1 + 1e-4), 1e-9);
 }
 
 }  // namespace
