@@ -1378,7 +1378,7 @@ ORB_API float R1MACH(const int *i);
  * (fewer grid points than extremal frequencies); -2 jtype not 1, 2 or 3;
  * -3 nbands < 1; -4 lgrid * nfilt above 2^24; -5 edges not increasing within
  * [0, 0.5]; -6 a desired value not finite; -7 a weight not positive (or not
- * finite); 1 the exchange did not converge in 25 passes or lost its digits
+ * finite); 1 the exchange did not converge in 100 passes or lost its digits
  * (the deviation decreased); 2 not enough memory for the grid. The outputs
  * are written only when ierr is 0. */
 ORB_API void REMEZ(const int *nfilt, const int *jtype, const int *nbands, const int *lgrid,

@@ -7,6 +7,7 @@
 // desired values with alternating error +-dev on nfcns + 1 extremal
 // frequencies, and each pass moves them to the alternating extrema of the
 // error over the grid until they stay put. Everything is computed in double.
+#include <algorithm>
 #include <cmath>
 #include <new>
 #include <utility>
@@ -18,7 +19,7 @@ namespace orb::ext {
 namespace {
 
 constexpr double kPi = 3.141592653589793238462643383279502884;
-constexpr int kMaxPasses = 25;
+constexpr int kMaxPasses = 100;
 constexpr double kMaxGrid = 1 << 24;  // grid points (three doubles each)
 
 enum class Symmetry { kEven, kOdd };
@@ -106,6 +107,24 @@ struct Interpolant {
     }
   }
 
+  // Outside the nodes' range the quotient form loses digits to the
+  // cancellation in its denominator; there the product form
+  // P(t) = l(t) sum w_j y_j / (2 (t - x_j)), l(t) = prod 2 (t - x_k), holds
+  // them, l kept as a mantissa and a binary exponent.
+  double extrapolate(double t) const {
+    double l = 1;
+    int scale = 0;
+    double sum = 0;
+    for (std::size_t j = 0; j < x.size(); ++j) {
+      const double d = 2 * (t - x[j]);
+      int e = 0;
+      l = std::frexp(l * d, &e);
+      scale += e;
+      sum += w[j] * y[j] / d;
+    }
+    return std::ldexp(l * sum, scale);
+  }
+
   double operator()(double t) const {
     double num = 0, den = 0;
     for (std::size_t j = 0; j < x.size(); ++j) {
@@ -119,52 +138,44 @@ struct Interpolant {
   }
 };
 
-// One exchange: the alternating local extrema of the weighted error e with
-// |e| >= dev, reduced to exactly nz points by dropping the smallest ones in
-// alternation-preserving pairs (or the smaller end point). Returns false when
-// fewer than nz such extrema exist.
-bool exchange(const std::vector<double> &e, double dev, int nz, std::vector<int> &ext) {
+// One exchange. The error alternates in sign over the extremal points, with
+// |e| = dev on each. Every point moves to the largest error of its own sign
+// between its new left neighbour and its old right one (never below dev, the
+// point itself being there); then an error of the other sign beyond either
+// end that beats the far end's error shifts the whole set by one towards it.
+std::vector<int> exchange(const std::vector<double> &e, const std::vector<int> &ext,
+                          double first_sign) {
   const int n = static_cast<int>(e.size());
-  const double floor = dev * (1 - 1e-12);
-  std::vector<int> cand;
-  for (int i = 0; i < n; ++i) {
-    const double v = e[i];
-    if (std::abs(v) < floor) continue;
-    const bool up = v > 0;
-    const bool left = i == 0 || (up ? v >= e[i - 1] : v <= e[i - 1]);
-    const bool right = i == n - 1 || (up ? v >= e[i + 1] : v <= e[i + 1]);
-    if (!left || !right) continue;
-    // Of neighbouring extrema with one sign only the largest stays.
-    if (!cand.empty() && (e[cand.back()] > 0) == up) {
-      if (std::abs(v) > std::abs(e[cand.back()])) cand.back() = i;
-      continue;
-    }
-    cand.push_back(i);
+  const int nz = static_cast<int>(ext.size());
+  std::vector<int> next(nz);
+  double s = first_sign;
+  int lo = 0;
+  for (int j = 0; j < nz; ++j, s = -s) {
+    const int hi = j + 1 < nz ? ext[j + 1] : n;
+    int best = ext[j];
+    for (int i = lo; i < hi; ++i)
+      if (s * e[i] > s * e[best]) best = i;
+    next[j] = best;
+    lo = best + 1;
   }
-  if (static_cast<int>(cand.size()) < nz) return false;
-  while (static_cast<int>(cand.size()) > nz) {
-    const int m = static_cast<int>(cand.size());
-    if (m == nz + 1) {
-      if (std::abs(e[cand.front()]) < std::abs(e[cand.back()]))
-        cand.erase(cand.begin());
-      else
-        cand.pop_back();
-      continue;
-    }
-    int k = 0;
-    for (int j = 1; j < m; ++j)
-      if (std::abs(e[cand[j]]) < std::abs(e[cand[k]])) k = j;
-    if (k == 0 || k == m - 1) {
-      cand.erase(cand.begin() + k);
-      continue;
-    }
-    // Dropping k with its smaller neighbour keeps the signs alternating.
-    const int partner = std::abs(e[cand[k - 1]]) < std::abs(e[cand[k + 1]]) ? k - 1 : k + 1;
-    cand.erase(cand.begin() + std::max(k, partner));
-    cand.erase(cand.begin() + std::min(k, partner));
+  const double last_sign = nz % 2 == 1 ? first_sign : -first_sign;
+  int below = -1, above = -1;
+  for (int i = 0; i < next[0]; ++i)
+    if (-first_sign * e[i] > 0 && (below < 0 || -first_sign * e[i] > -first_sign * e[below]))
+      below = i;
+  for (int i = next[nz - 1] + 1; i < n; ++i)
+    if (-last_sign * e[i] > 0 && (above < 0 || -last_sign * e[i] > -last_sign * e[above]))
+      above = i;
+  const double low_gain = below < 0 ? 0 : std::abs(e[below]) - std::abs(e[next[nz - 1]]);
+  const double high_gain = above < 0 ? 0 : std::abs(e[above]) - std::abs(e[next[0]]);
+  if (low_gain > 0 && low_gain >= high_gain) {
+    next.pop_back();
+    next.insert(next.begin(), below);
+  } else if (high_gain > 0) {
+    next.erase(next.begin());
+    next.push_back(above);
   }
-  ext = cand;
-  return true;
+  return next;
 }
 
 // The cosine coefficients a_k of P(f) = sum a_k cos(2 pi k f) from its
@@ -172,7 +183,12 @@ bool exchange(const std::vector<double> &e, double dev, int nz, std::vector<int>
 std::vector<double> cosine_coefficients(const Interpolant &p, int nfcns) {
   const double cn = 2.0 * nfcns - 1;
   std::vector<double> v(nfcns), a(nfcns);
-  for (int j = 0; j < nfcns; ++j) v[j] = p(std::cos(2 * kPi * j / cn));
+  double lo = p.x[0], hi = p.x[0];
+  for (double xj : p.x) lo = std::min(lo, xj), hi = std::max(hi, xj);
+  for (int j = 0; j < nfcns; ++j) {
+    const double t = std::cos(2 * kPi * j / cn);
+    v[j] = t < lo || t > hi ? p.extrapolate(t) : p(t);
+  }
   for (int k = 0; k < nfcns; ++k) {
     double s = 0;
     for (int j = 1; j < nfcns; ++j) s += v[j] * std::cos(2 * kPi * double(j) * k / cn);
@@ -271,8 +287,10 @@ int remez(int nfilt, int type, int nbands, int density, const float *edge_in, co
     if (dev < previous * (1 - 1e-12)) return 1;
     previous = dev;
     for (int i = 0; i < ngrid; ++i) err[i] = g.wt[i] * (p(xgrid[i]) - g.des[i]);
-    std::vector<int> next;
-    if (!exchange(err, dev, nz, next)) return 1;
+    // On the extremal points the error is +-dev by construction; set it so,
+    // free of the cancellation in P - D where dev is small against D.
+    for (int j = 0; j < nz; ++j) err[ext[j]] = (j % 2 == 0 ? s0 : -s0) * dev;
+    const std::vector<int> next = exchange(err, ext, s0);
     converged = next == ext;
     ext = next;
   }
