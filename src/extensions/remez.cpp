@@ -22,8 +22,6 @@ constexpr double kPi = 3.141592653589793238462643383279502884;
 constexpr int kMaxPasses = 100;
 constexpr double kMaxGrid = 1 << 24;  // grid points (three doubles each)
 
-enum class Symmetry { kEven, kOdd };
-
 struct Design {
   int nfilt = 0;
   int type = 1;           // 1 multiband, 2 differentiator, 3 Hilbert transformer
