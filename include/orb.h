@@ -1382,17 +1382,32 @@ ORB_API double D1MACH(const int *i);
  * smallest relative spacing 2^-24, 4 the largest relative spacing 2^-23,
  * 5 log10(2). Another *i reports parameter 1 through XERBLA and returns 0. */
 ORB_API float R1MACH(const int *i);
-/* Equiripple linear-phase FIR design by the Remez exchange: nfilt taps, jtype
- * 1 multiband / 2 differentiator / 3 Hilbert, nbands bands with edges edge[2 nbands]
- * (cycles per sample, 0 .. 0.5), desired values fx and weights wtx per band,
- * grid density lgrid (<= 0 selects 16). h receives the nfilt coefficients and
- * dev the deviation; ierr 0 success, 1 no convergence, -i bad i-th argument. */
-ORB_API void REMEZ(const int *nfilt, const int *jtype, const int *nbands, const float *edge,
-                   const float *fx, const float *wtx, const int *lgrid, float *h, float *dev,
-                   int *ierr);
+/* Equiripple linear-phase FIR design by the Parks-McClellan exchange.
+ * Inputs: nfilt taps (3 or more); jtype 1 multiple passband/stopband,
+ * 2 differentiator, 3 Hilbert transformer (types 2 and 3 antisymmetric);
+ * nbands bands; lgrid grid density (<= 0 selects 16); edge[2 nbands] the band
+ * edges in cycles per sample, increasing within [0, 0.5]; fx[nbands] the
+ * desired values (for a differentiator the slope: desired fx * f, weight
+ * wtx / f where fx > 0); wtx[nbands] the positive weights. Outputs: h[nfilt]
+ * the impulse response, deviat[nbands] the deviation in each band (the
+ * levelled error over the band's weight), extrem the extremal frequencies
+ * (nfilt / 2 + 2 of them for odd nfilt and jtype 1, nfilt / 2 + 1
+ * otherwise); computed in double.
+ * ierr: 0 success; -1 nfilt < 3 or too long for the grid the bands give
+ * (fewer grid points than extremal frequencies); -2 jtype not 1, 2 or 3;
+ * -3 nbands < 1; -4 lgrid * nfilt above 2^24; -5 edges not increasing within
+ * [0, 0.5]; -6 a desired value not finite; -7 a weight not positive (or not
+ * finite); 1 the exchange did not converge in 100 passes or lost its digits
+ * (the deviation decreased); 2 not enough memory for the grid. The outputs
+ * are written only when ierr is 0. */
+ORB_API void REMEZ(const int *nfilt, const int *jtype, const int *nbands, const int *lgrid,
+                   const float *edge, const float *fx, const float *wtx, float *h, float *deviat,
+                   float *extrem, int *ierr);
 /* Solves the m x m complex Toeplitz system A x = b: a1 is the first row (m),
  * a2 the first column from its second element (m - 1); c1, c2 are m - 1
- * elements of workspace each; x may equal b. */
+ * elements of workspace each; x may equal b. Levinson-Trench recursion in
+ * O(m^2), inner products formed in double. A vanishing leading minor sets x
+ * to zero and reports parameter 1 through XERBLA; m < 1 reports parameter 7. */
 ORB_API void TSLC1(const orb_complex8 *a1, const orb_complex8 *a2, const orb_complex8 *b,
                    orb_complex8 *x, orb_complex8 *c1, orb_complex8 *c2, const int *m);
 /* Real form of TSLC1. */
