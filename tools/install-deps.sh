@@ -19,7 +19,7 @@ native_pkgs=(build-essential cmake ninja-build pkg-config python3 googletest lib
              binutils-mingw-w64-i686 gfortran-mingw-w64-i686-posix xz-utils dpkg-dev
              libblas-test liblapack-test
              libblas3 liblapack3 python3-numpy python3-scipy python3-pytest python3-hypothesis)
-bench_pkgs=(libbenchmark-dev libopenblas-pthread-dev libblis-pthread-dev libmumps-seq-dev)
+bench_pkgs=(libbenchmark-dev libopenblas-pthread-dev libblis-pthread-dev libmumps-seq-dev libcminpack-dev)
 
 missing=()
 for p in "${native_pkgs[@]}"; do
