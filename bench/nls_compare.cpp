@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <chrono>
 #include <cstdio>
+#include <string>
 #include <vector>
 
 #include "mgh_problems.h"
@@ -21,7 +22,8 @@ struct Result {
   double f = 0, seconds = 0;
 };
 
-Result run_orb(const Problem &p, std::vector<double> x) {
+Result run_orb(const Problem &p, std::vector<double> x, const double *lw = nullptr,
+               const double *up = nullptr) {
   Result r;
   int n = p.n, m = p.m, iter1 = 1000, iter2 = 100, req = 0;
   const double eps[6] = {1e-10, 1e-10, 1e-10, 1e-10, 1e-10, 1e-10};
@@ -29,15 +31,27 @@ Result run_orb(const Problem &p, std::vector<double> x) {
   std::vector<double> f(m), jac(std::size_t(m) * n);
   auto t0 = std::chrono::steady_clock::now();
   void *h = nullptr;
-  dtrnlsp_init(&h, &n, &m, x.data(), eps, &iter1, &iter2, &rs);
-  while (dtrnlsp_solve(&h, f.data(), jac.data(), &req) == 1501 && req >= 0) {
+  if (lw)
+    dtrnlspbc_init(&h, &n, &m, x.data(), lw, up, eps, &iter1, &iter2, &rs);
+  else
+    dtrnlsp_init(&h, &n, &m, x.data(), eps, &iter1, &iter2, &rs);
+  auto step = [&] {
+    return lw ? dtrnlspbc_solve(&h, f.data(), jac.data(), &req)
+              : dtrnlsp_solve(&h, f.data(), jac.data(), &req);
+  };
+  while (step() == 1501 && req >= 0) {
     if (req == 1) p.residual(x.data(), f.data()), ++r.nf;
     if (req == 2) p.jacobian(x.data(), jac.data()), ++r.nj;
   }
   int iter, st;
   double r1, r2;
-  dtrnlsp_get(&h, &iter, &st, &r1, &r2);
-  dtrnlsp_delete(&h);
+  if (lw) {
+    dtrnlspbc_get(&h, &iter, &st, &r1, &r2);
+    dtrnlspbc_delete(&h);
+  } else {
+    dtrnlsp_get(&h, &iter, &st, &r1, &r2);
+    dtrnlsp_delete(&h);
+  }
   r.seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - t0).count();
   r.f = r2 * r2;
   r.ok = orb::test::mgh::at_minimum(p, r.f);
@@ -104,5 +118,24 @@ int main() {
       "converged: orb %d, minpack %d; minpack-only %d; median nf where both: orb %.1f, "
       "minpack %.1f\n",
       ok_orb, ok_mp, missed, median(nf_orb), median(nf_mp));
+  // Bounded cases (bench/nls_scipy.py runs SciPy's trf on the same ones).
+  struct Box {
+    const char *name;
+    std::vector<double> lw, up;
+  };
+  const std::vector<Box> boxes = {
+      {"rosenbrock", {-2, -2}, {0.5, 2}},
+      {"beale", {0.5, 0.8}, {2.5, 2}},
+      {"wood", {-4, -4, -4, -4}, {0.9, 4, 4, 4}},
+      {"powell_singular", {0.1, -10, -10, -10}, {10, 10, 10, 10}},
+      {"box_3d", {0, 5, 0}, {2, 9.5, 20}},
+  };
+  for (const Box &b : boxes)
+    for (const Problem &p : orb::test::mgh::problems())
+      if (std::string(p.name) == b.name) {
+        Result r = run_orb(p, p.x0, b.lw.data(), b.up.data());
+        std::printf("bounded %-20s f=%.10g nf=%d nj=%d us=%.1f\n", p.name, r.f, r.nf, r.nj,
+                    r.seconds * 1e6);
+      }
   return 0;
 }
