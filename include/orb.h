@@ -963,66 +963,40 @@ ORB_API void DCSRILUT(const int *n, const double *a, const int *ia, const int *j
                       const int *ipar, const double *dpar, int *ierr);
 
 /* ---------------------------------------------------------------------------
- * Nonlinear least squares: minimize ||F(x)||_2 over x in R^n, F: R^n -> R^m,
- * by a trust-region method driven by reverse communication.
- *
- * Every routine returns a status: 0 success, -1 invalid argument, -2 out of
- * memory, -3 invalid handle. A handle is created by an _init routine into
- * *handle and freed (and set to NULL) by the matching _delete routine.
- *
- *   n, m       number of variables and of residuals (1 <= n, 1 <= m)
- *   eps        six stopping tolerances, each in (0, 1); others select 1e-10:
- *              eps[0] trust-region radius, eps[1] ||F(x)||, eps[2] smallest
- *              column norm of the Jacobian (singular), eps[3] trial step size,
- *              eps[4] | ||F|| - ||F - J s|| |, eps[5] inner trial-step accuracy
- *   iter1      iteration limit; iter2 limit of trial-step iterations per step
- *   rs         initial trust-region radius (<= 0 selects 100)
- *   lw, up     lower and upper bounds of x (bounded variant, n each)
- *   x          n variables: the start point on the first _solve call; the
- *              solver writes its trial points and finally the solution here
- *   fvec       m residuals F(x), fjac the m x n Jacobian (column-major)
- *   rci_request  set to 0 before the first _solve call; on return:
- *              1 evaluate fvec at x, 2 evaluate fjac at x, then call again;
- *              negative: finished, x holds the solution:
- *              -1 iteration limit, -2 radius < eps[0], -3 ||F|| < eps[1],
- *              -4 Jacobian singular, -5 step < eps[3], -6 decrease < eps[4]
+ * Nonlinear least squares: min ||F(x)||_2^2 by a trust-region
+ * Levenberg-Marquardt method, optionally within LW <= x <= UP, and the
+ * central-difference Jacobian. F and J are served by reverse communication;
+ * handle is the address of one pointer owned by the caller. fjac is m x n,
+ * column-major. Status: 1501 success, 1502 invalid option, 1503 out of memory.
  * ------------------------------------------------------------------------- */
-/* Creates an unbounded solver. */
-ORB_API int dtrnlsp_init(void **handle, const int *n, const int *m, const double *eps,
+/* eps[0..5]: radius, ||F||, Jacobian column norm, step, predicted reduction
+ * (each > 0), subproblem accuracy (0 selects 1e-10); iter1 the iteration
+ * limit, iter2 the inner limit per subproblem, rs the initial radius factor
+ * (<= 0 selects 100). x is kept and updated in place. */
+ORB_API int dtrnlsp_init(void **handle, const int *n, const int *m, double *x, const double *eps,
                          const int *iter1, const int *iter2, const double *rs);
-/* One step of the unbounded solver. */
-ORB_API int dtrnlsp_solve(void **handle, double *x, double *fvec, double *fjac, int *rci_request);
-/* Iterations done, stop reason (1..6, as -rci_request), initial and final ||F||. */
+/* RCI_Request: 1 evaluate F at x into fvec, 2 the Jacobian into fjac, 0 an
+ * iteration completed, -1..-6 finished by the criterion of that number. */
+ORB_API int dtrnlsp_solve(void **handle, double *fvec, double *fjac, int *RCI_Request);
+/* Iterations, stopping criterion (1..6), initial and final ||F||_2. */
 ORB_API int dtrnlsp_get(void **handle, int *iter, int *st_cr, double *r1, double *r2);
-/* Frees the solver and sets *handle to NULL. */
 ORB_API int dtrnlsp_delete(void **handle);
-/* Creates a solver for lw <= x <= up (x is kept inside the box). */
-ORB_API int dtrnlspbc_init(void **handle, const int *n, const int *m, const double *lw,
-                           const double *up, const double *eps, const int *iter1, const int *iter2,
+/* The same within the box LW <= x <= UP (n each); x is moved into the box. */
+ORB_API int dtrnlspbc_init(void **handle, const int *n, const int *m, double *x, const double *LW,
+                           const double *UP, const double *eps, const int *iter1, const int *iter2,
                            const double *rs);
-/* One step of the bounded solver. */
-ORB_API int dtrnlspbc_solve(void **handle, double *x, double *fvec, double *fjac, int *rci_request);
-/* As dtrnlsp_get, for the bounded solver. */
+ORB_API int dtrnlspbc_solve(void **handle, double *fvec, double *fjac, int *RCI_Request);
 ORB_API int dtrnlspbc_get(void **handle, int *iter, int *st_cr, double *r1, double *r2);
-/* Frees the bounded solver and sets *handle to NULL. */
 ORB_API int dtrnlspbc_delete(void **handle);
-
-/* Finite-difference Jacobian by central differences, step h_j = eps *
- * max(|x_j|, 1) (eps <= 0 selects 1e-6). Same status codes as above. */
-typedef void (*orb_jacobi_fcn)(const int *m, const int *n, const double *x, double *f);
-/* Creates a Jacobian evaluator for F: R^n -> R^m. */
-ORB_API int djacobi_init(void **handle, const int *n, const int *m, const double *eps);
-/* rci_request 0 before the first call; on return 1: evaluate f1 = F(x) at the
- * perturbed x, 2: evaluate f2 = F(x), then call again; 0: fjac (m x n) holds
- * the Jacobian and x is restored. */
-ORB_API int djacobi_solve(void **handle, double *x, double *fjac, double *f1, double *f2,
-                          int *rci_request);
-/* Frees the evaluator and sets *handle to NULL. */
+/* Central differences with relative step eps in (0, 1): request 1 wants F at
+ * x into f1, 2 into f2; 0 means fjac is complete and x unchanged. */
+ORB_API int djacobi_init(void **handle, const int *n, const int *m, double *x, double *fjac,
+                         const double *eps);
+ORB_API int djacobi_solve(void **handle, double *f1, double *f2, int *RCI_Request);
 ORB_API int djacobi_delete(void **handle);
-/* One-call form: fjac (m x n) = J(x); fcn(m, n, xp, f) is called 2 n times
- * with perturbed copies xp of x (x itself is not changed). */
-ORB_API int djacobi(orb_jacobi_fcn fcn, const int *n, const int *m, double *fjac, const double *x,
-                    const double *eps);
+/* One call: fcn(m, n, x, f) evaluates F. */
+ORB_API int djacobi(void (*fcn)(int *m, int *n, double *x, double *f), const int *n, const int *m,
+                    double *fjac, double *x, const double *eps);
 
 /* ---------------------------------------------------------------------------
  * Vector-math mode and single-precision pack / unpack. All arguments by
