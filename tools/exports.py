@@ -14,6 +14,9 @@ built library against them, and reports progress.
       Reads the real export list of the binary and checks it against the table.
   exports.py report --table T --target linux|win32 --binary B [--nm NM] [--objdump OD]
       Prints "N of 398 names exported".
+  --extra T2 (generate, check, report): a second table of the same columns, the
+      C interfaces exported beside the counted names; report prints their count
+      on a line of its own.
   exports.py kinds --table T --expected LIST --src DIR
       Checks that the entry of every exported row goes through the helper of
       its kind: orb::entry::checked or orb::entry::lapack; a plain entry
@@ -100,13 +103,18 @@ def exported_rows(rows, target, symbols):
     return [r for r in rows if r.entry in built]
 
 
+def extra_rows(args):
+    """The rows of the second table (--extra), or none."""
+    return read_table(args.extra) if getattr(args, "extra", None) else []
+
+
 def write(path, text):
     with open(path, "w") as f:
         f.write(text)
 
 
 def generate(args):
-    rows = read_table(args.table)
+    rows = read_table(args.table) + extra_rows(args)
     if args.symbols:
         with open(args.symbols) as f:
             symbols = set(f.read().split())
@@ -225,7 +233,7 @@ def binary_exports(args):
 
 def check(args):
     rows = read_table(args.table)
-    by_name = {r.name: r for r in rows}
+    by_name = {r.name: r for r in rows + extra_rows(args)}
     syms = binary_exports(args)
     expected = {}
     with open(args.expected) as f:
@@ -246,7 +254,7 @@ def check(args):
         if fa:
             fortran[fa[0]] = (r, fa[1])
     entries_out = {e for n, e in expected.items()}
-    for r in rows:
+    for r in by_name.values():
         if r.entry in entries_out and r.name not in expected:
             problems.append(f"{r.name} shares the exported entry {r.entry} but is not exported")
     for n, e in expected.items():
@@ -287,6 +295,9 @@ def report(args):
     print(f"{total} of {len(rows)} names exported")
     for fam, (got, n) in fams.items():
         print(f"  {fam:8s} {got:4d} of {n}")
+    extra = extra_rows(args)
+    if extra:
+        print(f"{sum(1 for r in extra if r.name in syms)} CBLAS/LAPACKE names exported beside them")
     return 0
 
 
@@ -355,6 +366,7 @@ def main():
     g.add_argument("--archive")
     g.add_argument("--symbols", help="a file listing the defined symbols, instead of --nm/--archive")
     g.add_argument("--out", required=True)
+    g.add_argument("--extra")
     h = sub.add_parser("header-names")
     h.add_argument("--table", required=True)
     h.add_argument("--out", required=True)
@@ -365,6 +377,7 @@ def main():
         c.add_argument("--binary", required=True)
         c.add_argument("--nm")
         c.add_argument("--objdump")
+        c.add_argument("--extra")
         if name == "check":
             c.add_argument("--expected", required=True)
     k = sub.add_parser("kinds")
