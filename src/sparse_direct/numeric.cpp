@@ -666,6 +666,19 @@ void cut_tree(const Symbolic &s, std::vector<int> *roots, std::vector<char> *top
   for (int r : *roots) subtree_work->push_back(work[r]);
 }
 
+// A factorization's outcome for the caller; a complex symmetric matrix has no
+// inertia to report.
+template <class T>
+void report_tally(const Tally &all, FactorKind kind, FactorReport *report) {
+  report->status = all.status;
+  report->failed_column = all.failed_column;
+  report->perturbed = all.perturbed;
+  const bool inertia = !(kind == FactorKind::kLdlSymmetric && kComplex<T>);
+  report->positive = inertia ? all.positive : 0;
+  report->negative = inertia ? all.negative : 0;
+  report->flops = all.flops;
+}
+
 template <class T>
 void merge(Tally &into, const Tally &t) {
   into.perturbed += t.perturbed;
@@ -820,13 +833,7 @@ void factorize_impl(const Symbolic &s, const CscMatrix<T> &b, const FactorOption
     for (int t = 0; t < s.nsuper && all.status == kFactorOk; ++t)
       if (top[t]) fz.node(t, s.n, threaded, w, all);
   }
-  report->status = all.status;
-  report->failed_column = all.failed_column;
-  report->perturbed = all.perturbed;
-  if (opt.kind == FactorKind::kLdlSymmetric && kComplex<T>) all.positive = all.negative = 0;
-  report->positive = all.positive;
-  report->negative = all.negative;
-  report->flops = all.flops;
+  report_tally<T>(all, opt.kind, report);
 }
 
 // Out of core, on one thread, left-looking: the large supernodes are cut
@@ -939,13 +946,7 @@ void factorize_out_of_core(const Symbolic &analysed, const CscMatrix<T> &b,
   if (all.status == kFactorOk) store->end_write(f->pivot);
   f->pivot.clear();
   f->pivot.shrink_to_fit();
-  report->status = all.status;
-  report->failed_column = all.failed_column;
-  report->perturbed = all.perturbed;
-  if (opt.kind == FactorKind::kLdlSymmetric && kComplex<T>) all.positive = all.negative = 0;
-  report->positive = all.positive;
-  report->negative = all.negative;
-  report->flops = all.flops;
+  report_tally<T>(all, opt.kind, report);
   report->peak_bytes = peak + fixed;
 }
 
