@@ -18,6 +18,8 @@
 
 namespace {
 
+using orb::test::set_env;
+
 using orb::cpu::Regs;
 
 // A recorded processor: what the identification instruction returns for the
@@ -63,17 +65,6 @@ bool fake_available() {
 
 constexpr std::uint32_t SSE2 = 1u << 26;  // EDX
 constexpr std::uint32_t SSE3 = 1u << 0, SSSE3 = 1u << 9, SSE41 = 1u << 19, SSE42 = 1u << 20;
-
-void set_env(const char *name, const char *value) {
-#ifdef _WIN32
-  SetEnvironmentVariableA(name, value);
-#else
-  if (value)
-    setenv(name, value, 1);
-  else
-    unsetenv(name);
-#endif
-}
 
 class Detection : public testing::Test {
  protected:

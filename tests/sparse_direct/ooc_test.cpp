@@ -21,20 +21,11 @@
 
 namespace {
 
+using orb::test::set_env;
+
 using namespace orb::test::tessera;
 namespace fs = std::filesystem;
 namespace ooc = orb::sparse::ooc;
-
-void set_env(const char *name, const char *value) {
-#ifdef _WIN32
-  _putenv_s(name, value ? value : "");
-#else
-  if (value)
-    setenv(name, value, 1);
-  else
-    unsetenv(name);
-#endif
-}
 
 const char *const kVariables[] = {"ORB_TESSERA_OOC_CFG_PATH", "ORB_TESSERA_OOC_CFG_FILE_NAME",
                                   "ORB_TESSERA_OOC_PATH", "ORB_TESSERA_OOC_MAX_CORE_SIZE",

@@ -44,7 +44,9 @@ std::optional<std::string> get_var(const char *name) {
   return std::string(v);
 }
 
-void set_var(const char *name, const char *value) {
+}  // namespace
+
+void set_env(const char *name, const char *value) {
 #ifdef _WIN32
   // SetEnvironmentVariableA keeps empty values, which _putenv cannot.
   SetEnvironmentVariableA(name, value);
@@ -57,8 +59,6 @@ void set_var(const char *name, const char *value) {
     unsetenv(name);
 #endif
 }
-
-}  // namespace
 
 ChildRegistrar::ChildRegistrar(const char *name, ChildFn fn) {
   registry()[name] = fn;
@@ -80,7 +80,7 @@ ChildResult run_child(const char *name, std::initializer_list<EnvVar> env,
   std::vector<std::pair<const char *, std::optional<std::string>>> saved;
   for (const EnvVar &e : env) {
     saved.emplace_back(e.name, get_var(e.name));
-    set_var(e.name, e.value);
+    set_env(e.name, e.value);
   }
   std::string cmd = prefix.empty() ? "" : prefix + " ";
   cmd += "\"" + self_path() + "\" --orb-child=" + name;
@@ -102,7 +102,7 @@ ChildResult run_child(const char *name, std::initializer_list<EnvVar> env,
 #endif
   }
   for (auto it = saved.rbegin(); it != saved.rend(); ++it)
-    set_var(it->first, it->second ? it->second->c_str() : nullptr);
+    set_env(it->first, it->second ? it->second->c_str() : nullptr);
 #ifdef _WIN32
   // Output of the child's C runtime arrives with CR LF line ends.
   std::string clean;

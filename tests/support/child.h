@@ -36,6 +36,10 @@ struct ChildResult {
 ChildResult run_child(const char *name, std::initializer_list<EnvVar> env = {},
                       const std::string &prefix = "");
 
+// Sets an environment variable of this process for both the C runtime and,
+// on Windows, the system's copy; a null value removes it.
+void set_env(const char *name, const char *value);
+
 // Used by the test main: runs a registered child and returns its exit code.
 int run_registered_child(const char *name);
 
