@@ -129,6 +129,9 @@ int main() {
       {"wood", {-4, -4, -4, -4}, {0.9, 4, 4, 4}},
       {"powell_singular", {0.1, -10, -10, -10}, {10, 10, 10, 10}},
       {"box_3d", {0, 5, 0}, {2, 9.5, 20}},
+      {"helical_valley", {-100, -1, -1}, {0.8, 1, 1}},
+      {"watson_6", std::vector<double>(6, -10), {10, 10, 10, 1, 10, 10}},
+      {"brown_almost_linear", std::vector<double>(10, 0), std::vector<double>(10, 0.9)},
   };
   for (const Box &b : boxes)
     for (const Problem &p : orb::test::mgh::problems())

@@ -28,12 +28,32 @@ def box3d(x):
     return np.exp(-t * x[0]) - np.exp(-t * x[1]) - x[2] * (np.exp(-t) - np.exp(-10 * t))
 
 
+def helical(x):
+    theta = np.arctan(x[1] / x[0]) / (2 * np.pi) + (0.5 if x[0] < 0 else 0)
+    return np.array([10 * (x[2] - 10 * theta), 10 * (np.hypot(x[0], x[1]) - 1), x[2]])
+
+
+def watson(x):
+    t = np.arange(1, 30) / 29.0
+    j = np.arange(6)
+    value = (x[None, :] * t[:, None] ** j).sum(1)
+    slope = (j[1:] * x[None, 1:] * t[:, None] ** (j[1:] - 1)).sum(1)
+    return np.concatenate([slope - value ** 2 - 1, [x[0], x[1] - x[0] ** 2 - 1]])
+
+
+def brown_almost_linear(x):
+    return np.concatenate([x[:-1] + x.sum() - 11, [np.prod(x) - 1]])
+
+
 CASES = [
     ("rosenbrock", rosenbrock, [-1.2, 1], [-2, -2], [0.5, 2]),
     ("beale", beale, [1, 1], [0.5, 0.8], [2.5, 2]),
     ("wood", wood, [-3, -1, -3, -1], [-4] * 4, [0.9, 4, 4, 4]),
     ("powell_singular", powell, [3, -1, 0, 1], [0.1, -10, -10, -10], [10] * 4),
     ("box_3d", box3d, [0, 10, 20], [0, 5, 0], [2, 9.5, 20]),
+    ("helical_valley", helical, [-1, 0, 0], [-100, -1, -1], [0.8, 1, 1]),
+    ("watson_6", watson, [0] * 6, [-10] * 6, [10, 10, 10, 1, 10, 10]),
+    ("brown_almost_linear", brown_almost_linear, [0.5] * 10, [0] * 10, [0.9] * 10),
 ]
 
 for name, fun, x0, lw, up in CASES:

@@ -248,6 +248,83 @@ void brown_scaled_j(const double *x, double *a) {
   J(0, 0) = 1, J(0, 1) = 0, J(1, 0) = 0, J(1, 1) = 1, J(2, 0) = x[1], J(2, 1) = x[0];
 }
 
+// Watson's polynomial fit, n = 6, on t = i/29.
+constexpr int kWatsonN = 6;
+void watson_f(const double *x, double *f) {
+  for (int i = 0; i < 29; ++i) {
+    double t = (i + 1) / 29.0, slope = 0, value = 0, tp = 1;
+    for (int j = 0; j < kWatsonN; ++j, tp *= t) {
+      value += x[j] * tp;
+      if (j + 1 < kWatsonN) slope += (j + 1) * x[j + 1] * tp;
+    }
+    f[i] = slope - value * value - 1;
+  }
+  f[29] = x[0];
+  f[30] = x[1] - x[0] * x[0] - 1;
+}
+void watson_j(const double *x, double *a) {
+  Jac J{a, 31};
+  for (int i = 0; i < 29; ++i) {
+    double t = (i + 1) / 29.0, value = 0, tp = 1;
+    for (int j = 0; j < kWatsonN; ++j, tp *= t) value += x[j] * tp;
+    tp = 1;
+    for (int j = 0; j < kWatsonN; ++j, tp *= t) J(i, j) = (j > 0 ? j * tp / t : 0) - 2 * value * tp;
+  }
+  for (int j = 0; j < kWatsonN; ++j) J(29, j) = 0, J(30, j) = 0;
+  J(29, 0) = 1, J(30, 0) = -2 * x[0], J(30, 1) = 1;
+}
+
+// Osborne 2: four exponentials (one decaying, three Gaussian bumps) on 65 points.
+const double kOsborne2Y[65] = {1.366, 1.191, 1.112, 1.013, .991, .885, .831, .847, .786, .725, .746,
+                               .679,  .608,  .655,  .616,  .606, .602, .626, .651, .724, .649, .649,
+                               .694,  .644,  .624,  .661,  .612, .558, .533, .495, .500, .423, .395,
+                               .375,  .372,  .391,  .396,  .405, .428, .429, .523, .562, .607, .653,
+                               .672,  .708,  .633,  .668,  .645, .632, .591, .559, .597, .625, .739,
+                               .710,  .729,  .720,  .636,  .581, .428, .292, .162, .098, .054};
+void osborne2_f(const double *x, double *f) {
+  for (int i = 0; i < 65; ++i) {
+    double t = i / 10.0, model = x[0] * std::exp(-t * x[4]);
+    for (int k = 1; k < 4; ++k) {
+      double d = t - x[7 + k];
+      model += x[k] * std::exp(-d * d * x[4 + k]);
+    }
+    f[i] = kOsborne2Y[i] - model;
+  }
+}
+void osborne2_j(const double *x, double *a) {
+  Jac J{a, 65};
+  for (int i = 0; i < 65; ++i) {
+    double t = i / 10.0, e = std::exp(-t * x[4]);
+    J(i, 0) = -e, J(i, 4) = x[0] * t * e;
+    for (int k = 1; k < 4; ++k) {
+      double d = t - x[7 + k], g = std::exp(-d * d * x[4 + k]);
+      J(i, k) = -g;
+      J(i, 4 + k) = x[k] * d * d * g;
+      J(i, 7 + k) = -2 * x[k] * x[4 + k] * d * g;
+    }
+  }
+}
+
+// Brown's almost-linear function, n = m = 10: nine linear rows and a product.
+constexpr int kBrownN = 10;
+void brown_linear_f(const double *x, double *f) {
+  double sum = 0, product = 1;
+  for (int j = 0; j < kBrownN; ++j) sum += x[j], product *= x[j];
+  for (int i = 0; i + 1 < kBrownN; ++i) f[i] = x[i] + sum - (kBrownN + 1);
+  f[kBrownN - 1] = product - 1;
+}
+void brown_linear_j(const double *x, double *a) {
+  Jac J{a, kBrownN};
+  for (int i = 0; i + 1 < kBrownN; ++i)
+    for (int j = 0; j < kBrownN; ++j) J(i, j) = i == j ? 2 : 1;
+  for (int j = 0; j < kBrownN; ++j) {
+    double others = 1;
+    for (int k = 0; k < kBrownN; ++k)
+      if (k != j) others *= x[k];
+    J(kBrownN - 1, j) = others;
+  }
+}
+
 }  // namespace
 
 const std::vector<Problem> &problems() {
@@ -274,6 +351,21 @@ const std::vector<Problem> &problems() {
       {"beale", 2, 3, {1, 1}, {0, 0.4519}, beale_f, beale_j},
       {"wood", 4, 6, {-3, -1, -3, -1}, {0, 7.87697}, wood_f, wood_j},
       {"brown_badly_scaled", 2, 3, {1, 1}, {0}, brown_scaled_f, brown_scaled_j},
+      {"watson_6", 6, 31, std::vector<double>(6, 0.0), {2.28767005355e-3}, watson_f, watson_j},
+      {"osborne_2",
+       11,
+       65,
+       {1.3, 0.65, 0.65, 0.7, 0.6, 3, 5, 7, 2, 4.5, 5.5},
+       {4.01377362935e-2, 1.78981358},
+       osborne2_f,
+       osborne2_j},
+      {"brown_almost_linear",
+       10,
+       10,
+       std::vector<double>(10, 0.5),
+       {0, 1},
+       brown_linear_f,
+       brown_linear_j},
   };
   return table;
 }

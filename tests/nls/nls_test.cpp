@@ -114,6 +114,9 @@ TEST(Bounded, ActiveBoundsGiveAConstrainedStationaryPointWithoutLeavingTheBox) {
       {"wood", {-4, -4, -4, -4}, {0.9, 4, 4, 4}},
       {"powell_singular", {0.1, -10, -10, -10}, {10, 10, 10, 10}},
       {"box_3d", {0, 5, 0}, {2, 9.5, 20}},
+      {"helical_valley", {-100, -1, -1}, {0.8, 1, 1}},
+      {"watson_6", std::vector<double>(6, -10), {10, 10, 10, 1, 10, 10}},
+      {"brown_almost_linear", std::vector<double>(10, 0), std::vector<double>(10, 0.9)},
   };
   for (const Case &c : cases) {
     const Problem *p = nullptr;
