@@ -5,7 +5,8 @@
 // best peer.
 //
 //   blas_compare [--threads 1,2] [--filter gemm] [--orb path/to/liborb.so]
-//                [--base path/to/other/liborb.so] [--peer NAME=path]...
+//                [--base path/to/other/liborb.so] [--peer NAME=path]... [--max-n N]
+//                [--csv FILE]
 //
 // --base adds another build of ORB (say, main's, beside a change) as the column
 // "base", with ORB's ratio to it; the ratio to the best peer leaves it out.
@@ -30,6 +31,8 @@
 #include <string>
 #include <thread>
 #include <vector>
+
+#include "csv_log.h"
 
 #if defined(__x86_64__)
 #include <immintrin.h>
@@ -126,9 +129,14 @@ std::vector<Library> load_libraries(const std::string &orb_path, const std::stri
 // sleep: their spinning would take the cores from this one.
 // The best time of each run (0 for an empty one), the runs taking turns: at
 // least 3 rounds, then until each has had about 0.2 s or 50 rounds.
-std::vector<double> seconds_each(const std::vector<std::function<void()>> &runs) {
+struct Times {
+  std::vector<double> best;    // per run, 0 for an empty one
+  std::vector<double> spread;  // slowest against fastest round, in percent
+};
+
+Times seconds_each(const std::vector<std::function<void()>> &runs) {
   std::this_thread::sleep_for(std::chrono::milliseconds(400));
-  std::vector<double> best(runs.size(), 1e30), total(runs.size(), 0);
+  std::vector<double> best(runs.size(), 1e30), worst(runs.size(), 0), total(runs.size(), 0);
   for (const auto &run : runs)
     if (run) run();
   for (int r = 0; r < 50; ++r) {
@@ -139,20 +147,30 @@ std::vector<double> seconds_each(const std::vector<std::function<void()>> &runs)
       runs[i]();
       double t = std::chrono::duration<double>(std::chrono::steady_clock::now() - t0).count();
       best[i] = std::min(best[i], t);
+      worst[i] = std::max(worst[i], t);
       total[i] += t;
       more = more || total[i] < 0.2;
     }
     if (!more) break;
   }
-  for (std::size_t i = 0; i < runs.size(); ++i)
-    if (!runs[i]) best[i] = 0;
-  return best;
+  Times times{best, std::vector<double>(runs.size(), -1)};
+  for (std::size_t i = 0; i < runs.size(); ++i) {
+    if (!runs[i])
+      times.best[i] = 0;
+    else
+      times.spread[i] = 100 * (worst[i] / best[i] - 1);
+  }
+  return times;
 }
 
+struct Rates {
+  std::vector<double> rate, spread;
+};
+
 // Rates from work per call and the times of seconds_each (0 stays 0).
-std::vector<double> rates(double work, const std::vector<double> &seconds) {
-  std::vector<double> r;
-  for (double t : seconds) r.push_back(t > 0 ? work / t * 1e-9 : 0);
+Rates rates(double work, const Times &times) {
+  Rates r{{}, times.spread};
+  for (double t : times.best) r.rate.push_back(t > 0 ? work / t * 1e-9 : 0);
   return r;
 }
 
@@ -244,26 +262,30 @@ struct Case {
 struct Row {
   std::string routine, shape;
   int threads;
-  std::vector<double> rate;  // per library, 0 when missing
+  Rates rates;  // per library, 0 when missing
+  const char *unit;
 };
 
 void print_row(const Row &r, const std::vector<Library> &libs, double peak) {
   std::printf("%-7s %-22s %2d", r.routine.c_str(), r.shape.c_str(), r.threads);
+  const std::vector<double> &rate = r.rates.rate;
   double best_peer = 0, base = 0;
-  for (std::size_t i = 0; i < r.rate.size(); ++i) {
-    std::printf("  %9.1f", r.rate[i]);
+  for (std::size_t i = 0; i < rate.size(); ++i) {
+    std::printf("  %9.1f", rate[i]);
+    orb::bench::csv().row(r.routine, r.shape, r.threads, libs[i].name, rate[i], r.unit,
+                          r.rates.spread[i]);
     if (libs[i].name == "base")
-      base = r.rate[i];
+      base = rate[i];
     else if (i > 0)
-      best_peer = std::max(best_peer, r.rate[i]);
+      best_peer = std::max(best_peer, rate[i]);
   }
   if (best_peer > 0)
-    std::printf("  %6.2f", r.rate[0] / best_peer);
+    std::printf("  %6.2f", rate[0] / best_peer);
   else
     std::printf("  %6s", "");
-  if (base > 0) std::printf("  %6.3f", r.rate[0] / base);
+  if (base > 0) std::printf("  %6.3f", rate[0] / base);
   if (peak > 0 && r.routine == "sgemm" && r.threads == 1)
-    std::printf("  (%.0f%% of peak)", 100 * r.rate[0] / peak);
+    std::printf("  (%.0f%% of peak)", 100 * rate[0] / peak);
   std::printf("\n");
 }
 
@@ -388,7 +410,8 @@ void level12(std::vector<Library> &libs, const std::vector<int> &thread_counts,
         }
         runs.push_back(with_threads(l, nt, run));
       }
-      print_row({it.routine, std::to_string(n), nt, rates(bytes, seconds_each(runs))}, libs, 0);
+      print_row({it.routine, std::to_string(n), nt, rates(bytes, seconds_each(runs)), "GB/s"}, libs,
+                0);
     }
   }
 }
@@ -404,6 +427,7 @@ int main(int argc, char **argv) {
 #endif
   std::string filter, base_path;
   std::vector<Peer> peers;
+  int max_n = 1 << 30;  // shapes with a larger dimension are left out
   for (int i = 1; i < argc; ++i) {
     if (!std::strcmp(argv[i], "--threads") && i + 1 < argc) {
       thread_counts.clear();
@@ -415,6 +439,13 @@ int main(int argc, char **argv) {
       orb_path = argv[++i];
     } else if (!std::strcmp(argv[i], "--base") && i + 1 < argc) {
       base_path = argv[++i];
+    } else if (!std::strcmp(argv[i], "--max-n") && i + 1 < argc) {
+      max_n = std::atoi(argv[++i]);
+    } else if (!std::strcmp(argv[i], "--csv") && i + 1 < argc) {
+      if (!orb::bench::csv().open(argv[++i])) {
+        std::fprintf(stderr, "blas_compare: cannot write %s\n", argv[i]);
+        return 2;
+      }
     } else if (!std::strcmp(argv[i], "--peer") && i + 1 < argc) {
       const std::string arg = argv[++i];
       const std::size_t eq = arg.find('=');
@@ -460,6 +491,7 @@ int main(int argc, char **argv) {
 
   for (const Shape &s : shapes) {
     if (!filter.empty() && std::string(s.routine).find(filter) == std::string::npos) continue;
+    if (std::max({s.m, s.n, s.k}) > max_n) continue;
     const std::string routine = s.routine;
     const bool complex = routine[0] == 'c';
     const bool dbl = routine[0] == 'd';
@@ -519,7 +551,7 @@ int main(int argc, char **argv) {
         }
         runs.push_back(with_threads(l, nt, run));
       }
-      print_row({routine, shape, nt, rates(flops, seconds_each(runs))}, libs, peak);
+      print_row({routine, shape, nt, rates(flops, seconds_each(runs)), "GFLOP/s"}, libs, peak);
     }
   }
   level12(libs, thread_counts, filter);

@@ -6,7 +6,7 @@
 //   refLAPACK  Debian's reference LAPACK over OpenBLAS's BLAS
 //
 //   lapack_compare [--threads 1,2] [--filter getrf] [--sizes 256,1000] [--quick]
-//                  [--orb path/to/liborb.so] [--base path/to/other/liborb.so]
+//                  [--orb path/to/liborb.so] [--base path/to/other/liborb.so] [--csv FILE]
 //
 // Each library lives in a link-map namespace of its own (dlmopen with
 // LM_ID_NEWLM), with its own copies of everything it depends on, libc
@@ -50,6 +50,8 @@
 #include <thread>
 #include <type_traits>
 #include <vector>
+
+#include "csv_log.h"
 
 #if !defined(__linux__) || !defined(__x86_64__)
 #error "lapack_compare reads x86-64 ELF relocations and loads Debian's x86-64 peers"
@@ -561,6 +563,11 @@ void print_row(const Row &r, const std::vector<Library> &libs) {
     } else if (t > 0) {
       score[i] = r.time_only ? 1 / t : r.work / t * 1e-9;
       std::printf(r.time_only ? " %9.0f" : " %9.2f", r.time_only ? t * 1e6 : score[i]);
+      const std::vector<double> &s = r.timing[i].seconds;
+      const auto [lo, hi] = std::minmax_element(s.begin(), s.end());
+      orb::bench::csv().row(r.routine, std::to_string(r.n), r.threads, libs[i].name,
+                            r.time_only ? t * 1e6 : score[i], r.time_only ? "us" : "GFLOP/s",
+                            s.size() < 2 ? -1 : 100 * (*hi / *lo - 1));
     } else {
       std::printf(" %9s", "?");
     }
@@ -1915,10 +1922,16 @@ int main(int argc, char **argv) {
       orb_path = argv[++i];
     } else if (!std::strcmp(argv[i], "--base") && i + 1 < argc) {
       base_path = argv[++i];
+    } else if (!std::strcmp(argv[i], "--csv") && i + 1 < argc) {
+      if (!orb::bench::csv().open(argv[++i])) {
+        std::fprintf(stderr, "lapack_compare: cannot write %s\n", argv[i]);
+        return 2;
+      }
     } else {
       std::fprintf(stderr,
                    "usage: lapack_compare [--threads 1,2] [--filter getrf] [--sizes 256,1000]\n"
-                   "                      [--quick] [--orb liborb.so] [--base other/liborb.so]\n");
+                   "                      [--quick] [--orb liborb.so] [--base other/liborb.so]\n"
+                   "                      [--csv results.csv]\n");
       return 2;
     }
   }

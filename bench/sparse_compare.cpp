@@ -76,6 +76,7 @@
 #include <zmumps_c.h>
 
 #ifndef SPARSE_COMPARE_PEERS_ONLY
+#include "csv_log.h"
 #include "orb.h"
 #endif
 
@@ -1022,6 +1023,13 @@ void print_table(const Matrix &m, const std::vector<Row> &rows) {
     const double of = orb_factor(r.job.threads);
     if (r.job.solver != Solver::kOrb && of > 0)
       std::snprintf(ratio, sizeof ratio, "%.2f", median(fa) / of);
+    auto spread_pct = [](const std::vector<double> &t) {
+      const auto [lo, hi] = std::minmax_element(t.begin(), t.end());
+      return t.size() < 2 || !(*lo > 0) ? -1.0 : 100 * (*hi / *lo - 1);
+    };
+    const std::string solver = solver_name(r.job.solver);
+    orb::bench::csv().row("factor", m.name, r.job.threads, solver, median(fa), "s", spread_pct(fa));
+    orb::bench::csv().row("solve", m.name, r.job.threads, solver, median(so), "s", spread_pct(so));
     std::printf("%9.3f %27s %9.4f %11.0f%s %9.2e %3d %8.1f%s %7s", median(an), spread, median(so),
                 nnz, nnz_varies ? "~" : " ", berr, steps,
                 *std::max_element(peak.begin(), peak.end()), maxrss ? "*" : " ", ratio);
@@ -1278,6 +1286,11 @@ int run(int argc, char **argv) {
       opt.check = true;
     } else if (a == "--reps" && more) {
       opt.reps = std::max(1, std::atoi(argv[++i]));
+    } else if (a == "--csv" && more) {
+      if (!orb::bench::csv().open(argv[++i])) {
+        std::fprintf(stderr, "sparse_compare: cannot write %s\n", argv[i]);
+        return 2;
+      }
     } else if (a == "--ooc" && more) {
       opt.ooc_fraction = std::atof(argv[++i]);
     } else if (a == "--threads" && more) {
@@ -1293,7 +1306,7 @@ int run(int argc, char **argv) {
       std::fprintf(
           stderr,
           "usage: %s [--quick] [--reps R] [--threads 1,2] [--matrices lap3d,helm] [--ooc F]\n"
-          "          [--solvers orb,cholmod,umfpack,mumps] [--check]\n",
+          "          [--solvers orb,cholmod,umfpack,mumps] [--check] [--csv FILE]\n",
           argv[0]);
       return 2;
     }

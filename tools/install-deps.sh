@@ -20,7 +20,8 @@ native_pkgs=(build-essential cmake ninja-build pkg-config python3 googletest lib
              libblas-test liblapack-test
              libblas3 liblapack3 python3-numpy python3-scipy python3-pytest python3-hypothesis
              clang lld llvm zip unzip)
-bench_pkgs=(libbenchmark-dev libopenblas-pthread-dev libblis-pthread-dev libmumps-seq-dev libcminpack-dev)
+bench_pkgs=(libbenchmark-dev libopenblas-pthread-dev libblis-pthread-dev libmumps-seq-dev libcminpack-dev
+            python3-matplotlib)
 
 missing=()
 for p in "${native_pkgs[@]}"; do
