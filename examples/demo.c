@@ -622,6 +622,52 @@ static void sparse_section(int k_laplace, int k_helmholtz) {
   cg_run(k_laplace);
 }
 
+/* ---- nonlinear least squares -------------------------------------------------- */
+
+/* Osborne's exponential fit (More, Garbow and Hillstrom's problem 17): 33
+   points, five parameters, a published minimum of ||F||^2. */
+static const double osborne_y[33] = {0.844, 0.908, 0.932, 0.936, 0.925, 0.908, 0.881, 0.850, 0.818,
+                                     0.784, 0.751, 0.718, 0.685, 0.658, 0.628, 0.603, 0.580, 0.558,
+                                     0.538, 0.522, 0.506, 0.490, 0.478, 0.467, 0.457, 0.448, 0.438,
+                                     0.431, 0.424, 0.420, 0.414, 0.411, 0.406};
+static int osborne_calls = 0;
+
+static void osborne(int *m, int *n, double *x, double *f) {
+  (void)n;
+  ++osborne_calls;
+  for (int i = 0; i < *m; ++i) {
+    const double t = 10.0 * i;
+    f[i] = osborne_y[i] - (x[0] + x[1] * exp(-t * x[3]) + x[2] * exp(-t * x[4]));
+  }
+}
+
+static void nls_section(void) {
+  printf("\n== Nonlinear least squares\n");
+  const double published = 5.46489469748e-5;
+  int n = 5, m = 33, iter1 = 1000, iter2 = 100, request = 0, iterations = 0, criterion = 0;
+  double x[5] = {0.5, 1.5, -1, 0.01, 0.02}, f[33], jac[33 * 5], r1 = 0, r2 = 0, rs = 100;
+  const double eps[6] = {1e-10, 1e-10, 1e-10, 1e-10, 1e-10, 1e-10}, jac_eps = 1e-6;
+  void *handle = NULL;
+  const double t0 = now();
+  int status = dtrnlsp_init(&handle, &n, &m, x, eps, &iter1, &iter2, &rs);
+  while (status == 1501) {
+    status = dtrnlsp_solve(&handle, f, jac, &request);
+    if (status != 1501 || request < 0) break;
+    if (request == 1) osborne(&m, &n, x, f);
+    if (request == 2) status = djacobi(osborne, &n, &m, jac, x, &jac_eps);
+  }
+  if (status == 1501) dtrnlsp_get(&handle, &iterations, &criterion, &r1, &r2);
+  dtrnlsp_delete(&handle);
+  const double t = now() - t0;
+  printf(
+      "  Osborne 1 (33 residuals, 5 parameters), trust region with the central-difference\n"
+      "    Jacobian: %d iterations, %d evaluations of F, stopped by criterion %d, %.4f s\n"
+      "    ||F||^2 = %.11e, published minimum %.11e\n",
+      iterations, osborne_calls, criterion, t, r2 * r2, published);
+  check("|F|^2 relative distance to the published value",
+        status == 1501 ? fabs(r2 * r2 - published) / published : 1e30, 1e-8);
+}
+
 /* ---- filters and special functions -------------------------------------------- */
 
 static void filter_section(void) {
@@ -660,6 +706,7 @@ int main(int argc, char **argv) {
   dense_section(quick ? 300 : 2000, quick ? 200 : 1000);
   peers_section(quick ? 300 : 2000, quick ? 200 : 1000);
   sparse_section(quick ? 20 : 58, quick ? 16 : 40);
+  nls_section();
   filter_section();
   printf("\n%d of %d checks within their bounds in %.1f s: %s\n", checks - failures, checks,
          now() - t0, failures == 0 ? "all good" : "SOME FAILED");
