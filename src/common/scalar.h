@@ -27,6 +27,19 @@ struct RealOf<std::complex<R>> {
 template <class T>
 using real_t = typename RealOf<T>::type;
 
+// The double-precision type of the same kind: what a single-precision
+// recursion accumulates in.
+template <class T>
+struct WideOf {
+  using type = double;
+};
+template <class R>
+struct WideOf<std::complex<R>> {
+  using type = std::complex<double>;
+};
+template <class T>
+using wide_t = typename WideOf<T>::type;
+
 template <class T>
 inline constexpr bool is_complex_v = !std::is_same_v<T, real_t<T>>;
 

@@ -9,20 +9,12 @@
 #include <cmath>
 #include <complex>
 
+#include "common/scalar.h"
 #include "orb.h"
 #include "service/report.h"
 
 namespace orb::ext {
 namespace {
-
-template <class T>
-struct Wide {
-  using type = double;
-};
-template <class R>
-struct Wide<std::complex<R>> {
-  using type = std::complex<double>;
-};
 
 // A leading minor whose pivot vanishes (exactly, or through overflow) stops
 // the recursion: x is set to zero and the matrix is reported as bad argument 1.
@@ -37,7 +29,7 @@ bool is_bad_pivot(const W &d) {
 template <class T>
 void toeplitz_solve(const char *name, const T *a1, const T *a2, const T *b, T *x, T *f, T *g,
                     int m) {
-  using W = typename Wide<T>::type;
+  using W = wide_t<T>;
   if (m < 1) {
     const int code = 7;
     report(name, &code, 5);
