@@ -15,6 +15,9 @@ from collections import defaultdict
 import matplotlib
 
 matplotlib.use("svg")
+# Text stays text and the files do not change when the figures do not.
+matplotlib.rcParams["svg.fonttype"] = "none"
+matplotlib.rcParams["svg.hashsalt"] = "orb"
 import matplotlib.pyplot as plt  # noqa: E402
 
 DENSE = [
@@ -87,7 +90,7 @@ def dense_figure(rows, routine, title, path):
         ax.legend(fontsize=8)
     fig.suptitle(title)
     fig.tight_layout()
-    fig.savefig(path)
+    fig.savefig(path, metadata={"Date": None})
     plt.close(fig)
 
 
@@ -116,7 +119,7 @@ def sparse_figure(rows, path):
             ax.legend(fontsize=7)
     fig.suptitle("Sparse direct solvers on the generated matrices (lower is better)")
     fig.tight_layout()
-    fig.savefig(path)
+    fig.savefig(path, metadata={"Date": None})
     plt.close(fig)
 
 
