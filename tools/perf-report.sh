@@ -64,7 +64,7 @@ if tools/can-exec-i386; then
   say "building the win32 benchmark"
   tools/wine-init >&2
   cmake --preset win32 -DORB_BUILD_BENCH=ON >/dev/null
-  cmake --build --preset win32 -j "$(nproc)" --target orb blas_compare >&2
+  cmake --build --preset win32 -j "$(nproc)" --target orb blas_compare lapack_rates >&2
   win_peers=()
   openblas32=build/deps/win32-openblas/bin/libopenblas.dll
   [ -e "$openblas32" ] && win_peers=(--peer "OpenBLAS=$(winepath -w "$openblas32")")
@@ -74,6 +74,9 @@ if tools/can-exec-i386; then
       --filter "$routine" --max-n "$max_n" "${win_peers[@]}" --csv results-win32.csv) \
       >"$out/blas-$routine-win32.txt"
   done
+  say "LAPACK: sgetrf spotrf sgeqrf ssyevr sgesdd (orb.dll under wine, n = $lapack_sizes)"
+  (cd build/win32/bin && ../../../tools/wine-run ./lapack_rates.exe --threads 1,2 \
+    --sizes "$lapack_sizes" --csv results-win32.csv) >"$out/lapack-win32.txt"
   # wine writes with CR LF line ends.
   tr -d '\r' <build/win32/bin/results-win32.csv | tail -n +2 >>"$csv"
   rm -f build/win32/bin/results-win32.csv
