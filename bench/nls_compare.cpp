@@ -119,26 +119,11 @@ int main() {
       "minpack %.1f\n",
       ok_orb, ok_mp, missed, median(nf_orb), median(nf_mp));
   // Bounded cases (bench/nls_scipy.py runs SciPy's trf on the same ones).
-  struct Box {
-    const char *name;
-    std::vector<double> lw, up;
-  };
-  const std::vector<Box> boxes = {
-      {"rosenbrock", {-2, -2}, {0.5, 2}},
-      {"beale", {0.5, 0.8}, {2.5, 2}},
-      {"wood", {-4, -4, -4, -4}, {0.9, 4, 4, 4}},
-      {"powell_singular", {0.1, -10, -10, -10}, {10, 10, 10, 10}},
-      {"box_3d", {0, 5, 0}, {2, 9.5, 20}},
-      {"helical_valley", {-100, -1, -1}, {0.8, 1, 1}},
-      {"watson_6", std::vector<double>(6, -10), {10, 10, 10, 1, 10, 10}},
-      {"brown_almost_linear", std::vector<double>(10, 0), std::vector<double>(10, 0.9)},
-  };
-  for (const Box &b : boxes)
-    for (const Problem &p : orb::test::mgh::problems())
-      if (std::string(p.name) == b.name) {
-        Result r = run_orb(p, p.x0, b.lw.data(), b.up.data());
-        std::printf("bounded %-20s f=%.10g nf=%d nj=%d us=%.1f\n", p.name, r.f, r.nf, r.nj,
-                    r.seconds * 1e6);
-      }
+  for (const orb::test::mgh::Box &box : orb::test::mgh::boxes()) {
+    const Problem &p = *box.problem;
+    Result r = run_orb(p, p.x0, box.lw.data(), box.up.data());
+    std::printf("bounded %-20s f=%.10g nf=%d nj=%d us=%.1f\n", p.name, r.f, r.nf, r.nj,
+                r.seconds * 1e6);
+  }
   return 0;
 }

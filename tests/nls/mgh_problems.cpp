@@ -1,6 +1,7 @@
 #include "mgh_problems.h"
 
 #include <cmath>
+#include <string>
 
 namespace orb::test::mgh {
 
@@ -366,6 +367,25 @@ const std::vector<Problem> &problems() {
        {0, 1},
        brown_linear_f,
        brown_linear_j},
+  };
+  return table;
+}
+
+const std::vector<Box> &boxes() {
+  auto find = [](const char *name) {
+    for (const Problem &p : problems())
+      if (std::string(p.name) == name) return &p;
+    return static_cast<const Problem *>(nullptr);
+  };
+  static const std::vector<Box> table = {
+      {find("rosenbrock"), {-2, -2}, {0.5, 2}},
+      {find("beale"), {0.5, 0.8}, {2.5, 2}},
+      {find("wood"), {-4, -4, -4, -4}, {0.9, 4, 4, 4}},
+      {find("powell_singular"), {0.1, -10, -10, -10}, {10, 10, 10, 10}},
+      {find("box_3d"), {0, 5, 0}, {2, 9.5, 20}},
+      {find("helical_valley"), {-100, -1, -1}, {0.8, 1, 1}},
+      {find("watson_6"), std::vector<double>(6, -10), {10, 10, 10, 1, 10, 10}},
+      {find("brown_almost_linear"), std::vector<double>(10, 0), std::vector<double>(10, 0.9)},
   };
   return table;
 }

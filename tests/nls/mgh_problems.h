@@ -19,6 +19,14 @@ struct Problem {
 
 const std::vector<Problem> &problems();
 
+// Boxes around some of the problems that leave bounds active at the solution
+// (bench/nls_scipy.py gives SciPy's trf the same ones).
+struct Box {
+  const Problem *problem;
+  std::vector<double> lw, up;
+};
+const std::vector<Box> &boxes();
+
 // True when ||F||^2 = f matches one of the problem's minima.
 bool at_minimum(const Problem &p, double f);
 

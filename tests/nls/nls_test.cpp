@@ -104,43 +104,27 @@ std::vector<double> gradient(const Problem &p, const std::vector<double> &x) {
 }
 
 TEST(Bounded, ActiveBoundsGiveAConstrainedStationaryPointWithoutLeavingTheBox) {
-  struct Case {
-    const char *name;
-    std::vector<double> lw, up;
-  };
-  const std::vector<Case> cases = {
-      {"rosenbrock", {-2, -2}, {0.5, 2}},
-      {"beale", {0.5, 0.8}, {2.5, 2}},
-      {"wood", {-4, -4, -4, -4}, {0.9, 4, 4, 4}},
-      {"powell_singular", {0.1, -10, -10, -10}, {10, 10, 10, 10}},
-      {"box_3d", {0, 5, 0}, {2, 9.5, 20}},
-      {"helical_valley", {-100, -1, -1}, {0.8, 1, 1}},
-      {"watson_6", std::vector<double>(6, -10), {10, 10, 10, 1, 10, 10}},
-      {"brown_almost_linear", std::vector<double>(10, 0), std::vector<double>(10, 0.9)},
-  };
-  for (const Case &c : cases) {
-    const Problem *p = nullptr;
-    for (const Problem &q : orb::test::mgh::problems())
-      if (!std::strcmp(q.name, c.name)) p = &q;
+  for (const orb::test::mgh::Box &box : orb::test::mgh::boxes()) {
+    const Problem *p = box.problem;
     ASSERT_NE(p, nullptr);
-    Outcome o = run(*p, 1.0, c.lw.data(), c.up.data());
-    ASSERT_EQ(o.status, kSuccess) << c.name;
-    EXPECT_FALSE(o.left_box) << c.name;
+    Outcome o = run(*p, 1.0, box.lw.data(), box.up.data());
+    ASSERT_EQ(o.status, kSuccess) << p->name;
+    EXPECT_FALSE(o.left_box) << p->name;
     std::vector<double> g = gradient(*p, o.x);
     bool active = false;
     for (int j = 0; j < p->n; ++j) {
       double scale = 1e-5 * (1 + o.r2);
-      if (o.x[j] <= c.lw[j]) {
+      if (o.x[j] <= box.lw[j]) {
         active = true;
-        EXPECT_GT(g[j], -scale) << c.name << " lower " << j;
-      } else if (o.x[j] >= c.up[j]) {
+        EXPECT_GT(g[j], -scale) << p->name << " lower " << j;
+      } else if (o.x[j] >= box.up[j]) {
         active = true;
-        EXPECT_LT(g[j], scale) << c.name << " upper " << j;
+        EXPECT_LT(g[j], scale) << p->name << " upper " << j;
       } else {
-        EXPECT_NEAR(g[j], 0.0, scale) << c.name << " free " << j;
+        EXPECT_NEAR(g[j], 0.0, scale) << p->name << " free " << j;
       }
     }
-    EXPECT_TRUE(active) << c.name;
+    EXPECT_TRUE(active) << p->name;
   }
   // Rosenbrock with x1 <= 0.5: the minimiser is (0.5, 0.25).
   Outcome o = run(orb::test::mgh::problems()[0], 1.0, std::vector<double>{-2, -2}.data(),
