@@ -1407,6 +1407,15 @@ ORB_API void CBESH(const orb_complex8 *z, const float *fnu, const int *kode, con
 ORB_API void CBESY(const orb_complex8 *z, const float *fnu, const int *kode, const int *n,
                    orb_complex8 *cy, int *nz, orb_complex8 *cwrk, int *ierr);
 
+/* Airy functions Ai (CAIRY) and Bi (CBIRY) of complex z, or their
+ * derivatives for id = 1 (id = 0 the functions). kode 2 scales Ai by
+ * exp(zeta) and Bi by exp(-|Re zeta|), zeta = (2/3) z^(3/2). nz (CAIRY) is 1
+ * when Ai underflowed to zero. ierr as for the Bessel functions, the limits
+ * of classes 3 and 4 taken to the power 2/3. */
+ORB_API void CAIRY(const orb_complex8 *z, const int *id, const int *kode, orb_complex8 *ai, int *nz,
+                   int *ierr);
+ORB_API void CBIRY(const orb_complex8 *z, const int *id, const int *kode, orb_complex8 *bi,
+                   int *ierr);
 #ifdef __cplusplus
 }
 #endif

@@ -214,6 +214,107 @@ void besy(const cplxf *zp, const float *fnup, const int *kode, const int *np, cp
   deliver(h1, shift, true, cy, nz, ierr);
 }
 
+// The Airy functions. For |z| <= 1 the Maclaurin series
+//   Ai = c1 f - c2 g, Bi = sqrt(3) (c1 f + c2 g),
+//   f = sum 3^k (1/3)_k z^{3k} / (3k)!, g = sum 3^k (2/3)_k z^{3k+1} / (3k+1)!,
+// and their derivatives; beyond, with zeta = (2/3) z^{3/2} taken on the branch
+// arg zeta = 3/2 arg z,
+//   Ai = sqrt(z/3)/pi K_{1/3}(zeta), Ai' = -z/(pi sqrt 3) K_{2/3}(zeta),
+//   Bi = sqrt(z/3) (2 I_{1/3} + (sqrt 3/pi) K_{1/3}),
+//   Bi' = z/sqrt 3 (2 I_{2/3} + (sqrt 3/pi) K_{2/3}),
+// using I_{-v} = I_v + (2/pi) sin(v pi) K_v.
+constexpr double kAiryC1 = 0.355028053887817239;
+constexpr double kAiryC2 = 0.258819403792806798;
+constexpr double kSqrt3 = 1.73205080756887729;
+
+LogValue airy_series(cplx z, bool derivative, bool second_kind) {
+  const cplx z3 = z * z * z;
+  cplx f = 0.0, g = 0.0;
+  if (!derivative) {
+    cplx tf = 1.0, tg = z;
+    for (int k = 1; k < 200; ++k) {
+      f += tf;
+      g += tg;
+      tf *= z3 / double((3 * k - 1) * (3 * k));
+      tg *= z3 / double((3 * k) * (3 * k + 1));
+      if (std::abs(tf) + std::abs(tg) < 1e-18 * (std::abs(f) + std::abs(g))) break;
+    }
+  } else {
+    cplx tf = 0.5 * z * z, tg = 1.0;  // the first terms of f' and g'
+    for (int k = 1; k < 200; ++k) {
+      f += tf;
+      g += tg;
+      tf *= z3 / double((3 * k + 2) * (3 * k));
+      tg *= z3 / double((3 * k) * (3 * k - 2));
+      if (std::abs(tf) + std::abs(tg) < 1e-18 * (std::abs(f) + std::abs(g))) break;
+    }
+  }
+  if (second_kind) return {kSqrt3 * (kAiryC1 * f + kAiryC2 * g), 0.0};
+  return {kAiryC1 * f - kAiryC2 * g, 0.0};
+}
+
+// zeta = (2/3) z sqrt(z); arg zeta = 3/2 arg z may leave (-pi, pi].
+cplx airy_zeta(cplx z) {
+  return 2.0 / 3.0 * z * std::sqrt(z);
+}
+
+bool airy_value(cplx z, bool derivative, bool second_kind, LogValue &out) {
+  if (std::abs(z) <= 1.0) {
+    out = airy_series(z, derivative, second_kind);
+    return true;
+  }
+  const cplx zeta = airy_zeta(z);
+  const double theta = 1.5 * std::arg(z);
+  const int m = theta > 0.5 * kPi ? 1 : (theta < -0.5 * kPi ? -1 : 0);
+  const double nu = derivative ? 2.0 / 3.0 : 1.0 / 3.0;
+  const cplx lead = derivative ? z : std::sqrt(z / 3.0);
+  std::vector<LogValue> k;
+  if (!bessel_k(zeta, m, nu, 1, k)) return false;
+  if (!second_kind) {
+    out = scale(k[0], derivative ? -lead / (kPi * kSqrt3) : lead / kPi);
+    return true;
+  }
+  std::vector<LogValue> i;
+  if (!bessel_i(zeta, m, nu, 1, i)) return false;
+  const cplx outer = derivative ? lead / kSqrt3 : lead;
+  out = add(scale(i[0], 2.0 * outer), scale(k[0], kSqrt3 / kPi * outer));
+  return true;
+}
+
+// The Airy loss-of-significance classes use the 2/3 powers of the limits.
+int airy_class(cplx z) {
+  const Limits lim = single_limits();
+  const double complete = std::pow(std::min(0.5 / lim.tol, double(INT_MAX) * 0.5), 2.0 / 3.0);
+  const double az = std::abs(z);
+  if (az > complete) return 4;
+  if (az > std::sqrt(complete)) return 3;
+  return 0;
+}
+
+void airy(const cplxf *zp, const int *id, const int *kode, bool second_kind, cplxf *value, int *nz,
+          int *ierr) {
+  const cplx z(zp->real(), zp->imag());
+  *nz = 0;
+  if (*id < 0 || *id > 1 || *kode < 1 || *kode > 2) {
+    *ierr = 1;
+    return;
+  }
+  *ierr = airy_class(z);
+  if (*ierr == 4) return;
+  LogValue v;
+  if (!airy_value(z, *id == 1, second_kind, v)) {
+    *ierr = 5;
+    return;
+  }
+  // Ai is scaled by exp(zeta), Bi by exp(-|Re zeta|).
+  cplx shift = 0.0;
+  if (*kode == 2) {
+    const cplx zeta = airy_zeta(z);
+    shift = second_kind ? cplx(-std::abs(zeta.real())) : zeta;
+  }
+  deliver({v}, shift, z != 0.0, value, nz, ierr);
+}
+
 cplxf *as_complex(orb_complex8 *p) {
   return reinterpret_cast<cplxf *>(p);
 }
@@ -252,6 +353,17 @@ ORB_API void CBESY(const orb_complex8 *z, const float *fnu, const int *kode, con
                    orb_complex8 *cy, int *nz, orb_complex8 *cwrk, int *ierr) {
   (void)cwrk;
   besy(as_complex(z), fnu, kode, n, as_complex(cy), nz, ierr);
+}
+
+ORB_API void CAIRY(const orb_complex8 *z, const int *id, const int *kode, orb_complex8 *ai, int *nz,
+                   int *ierr) {
+  airy(as_complex(z), id, kode, false, as_complex(ai), nz, ierr);
+}
+
+ORB_API void CBIRY(const orb_complex8 *z, const int *id, const int *kode, orb_complex8 *bi,
+                   int *ierr) {
+  int nz = 0;
+  airy(as_complex(z), id, kode, true, as_complex(bi), &nz, ierr);
 }
 
 }  // extern "C"

@@ -22,7 +22,7 @@ const Reference kReference[] = {
 #include "bessel_reference.inc"
 };
 
-enum Func { kI, kK, kJ, kY, kH1, kH2 };
+enum Func { kI, kK, kJ, kY, kH1, kH2, kAi, kAiPrime, kBi, kBiPrime };
 
 struct Result {
   std::vector<cplxf> cy;
@@ -53,9 +53,22 @@ Result call(int func, cplxf z, float fnu, int kode, int n) {
       CBESY(&zz, &fnu, &kode, &n, cy, &r.nz, work.data(), &r.ierr);
       break;
     }
-    default: {
+    case kH1:
+    case kH2: {
       const int m = func == kH1 ? 1 : 2;
       CBESH(&zz, &fnu, &kode, &m, &n, cy, &r.nz, &r.ierr);
+      break;
+    }
+    case kAi:
+    case kAiPrime: {
+      const int id = func - kAi;
+      CAIRY(&zz, &id, &kode, cy, &r.nz, &r.ierr);
+      break;
+    }
+    default: {
+      const int id = func - kBi;
+      r.nz = 0;
+      CBIRY(&zz, &id, &kode, cy, &r.ierr);
     }
   }
   return r;
@@ -100,6 +113,17 @@ TEST(BesselEntries, RejectBadArgumentsWithoutTouchingTheValues) {
   int nz = -1, ierr = -1;
   CBESH(&zz, &fnu, &kode, &m, &n, &cy, &nz, &ierr);
   EXPECT_EQ(ierr, 1);
+  // Airy: id must be 0 or 1, kode 1 or 2.
+  for (int func = kAi; func <= kBiPrime; func += 2) {
+    const orb_complex8 w = pack(z);
+    const int bad_id = 2, good_id = 0, bad_kode = 0;
+    EXPECT_EQ(func == kAi ? (CAIRY(&w, &bad_id, &kode, &cy, &nz, &ierr), ierr)
+                          : (CBIRY(&w, &bad_id, &kode, &cy, &ierr), ierr),
+              1);
+    EXPECT_EQ(func == kAi ? (CAIRY(&w, &good_id, &bad_kode, &cy, &nz, &ierr), ierr)
+                          : (CBIRY(&w, &good_id, &bad_kode, &cy, &ierr), ierr),
+              1);
+  }
   // At the origin I_0 = J_0 = 1 and higher orders vanish without counting
   // as underflow.
   const Result i0 = call(kI, cplxf(0.0f, 0.0f), 0.0f, 1, 3);
@@ -133,6 +157,21 @@ TEST(BesselEntries, OverflowUnderflowAndLossOfSignificance) {
   ASSERT_LT(i.nz, 12);
   for (int j = 0; j < 12; ++j) {
     EXPECT_EQ(i.cy[j] == cplxf(0.0f, 0.0f), j >= 12 - i.nz) << j;
+  }
+
+  // Ai decays and Bi grows along the positive axis: Ai(60) ~ e^-310
+  // underflows, Bi(60) overflows; both scaled forms are representable.
+  Result ai = call(kAi, cplxf(60.0f, 0.0f), 0.0f, 1, 1);
+  EXPECT_EQ(ai.ierr, 0);
+  EXPECT_EQ(ai.nz, 1);
+  EXPECT_EQ(ai.cy[0], cplxf(0.0f, 0.0f));
+  EXPECT_EQ(call(kAi, cplxf(60.0f, 0.0f), 0.0f, 2, 1).nz, 0);
+  EXPECT_EQ(call(kBi, cplxf(60.0f, 0.0f), 0.0f, 1, 1).ierr, 2);
+  EXPECT_EQ(call(kBi, cplxf(60.0f, 0.0f), 0.0f, 2, 1).ierr, 0);
+  // The Airy limits are the 2/3 powers: 2^(44/3) ~ 26007 and its root ~ 161.
+  for (int func = kAi; func <= kBiPrime; ++func) {
+    EXPECT_EQ(call(func, cplxf(-170.0f, 0.0f), 0.0f, 2, 1).ierr, 3) << func;
+    EXPECT_EQ(call(func, cplxf(0.0f, 3e4f), 0.0f, 2, 1).ierr, 4) << func;
   }
 
   // |z| or the largest order above sqrt(0.5/tol) = 2048: values with reduced

@@ -3,7 +3,7 @@
 (double precision) at the single-precision arguments and orders the entries
 receive, written as a table compiled into the test:
     tests/special/make_bessel_reference.py > tests/special/bessel_reference.inc
-Each row: function (0 I, 1 K, 2 J, 3 Y, 4 H1, 5 H2), kode, Re z, Im z, fnu, n,
+Each row: function (0 I, 1 K, 2 J, 3 Y, 4 H1, 5 H2, 6 Ai, 7 Ai', 8 Bi, 9 Bi'), kode, Re z, Im z, fnu, n,
 then n (at most 4) values as re, im pairs."""
 import numpy as np
 from scipy import special
@@ -43,6 +43,17 @@ for func in range(6):
                         vals += [x.real, x.imag]
                     vals += [0.0] * (8 - len(vals))
                     rows.append([func, kode, z.real, z.imag, fnu, n] + vals)
+# The Airy functions: one value each, n = 1.
+for r in [0.0, 1e-6, 0.3, 0.99, 1.01, 2.2, 6.0, 25.0, 90.0]:
+    for j, a in enumerate(np.linspace(-np.pi, np.pi, 13)):
+        z = complex(np.complex64(r * np.exp(1j * a)))
+        for kode in (1, 2):
+            w = (special.airy if kode == 1 else special.airye)(z)
+            for func in range(4):
+                v = w[func]
+                if not np.isfinite(v) or v == 0 or abs(np.log(abs(v))) > ELIM - 5:
+                    continue
+                rows.append([6 + func, kode, z.real, z.imag, 0.0, 1, v.real, v.imag] + [0.0] * 6)
 for row in rows:
     print("{%d, %d, %s}," % (row[0], row[1], ", ".join(repr(float(x)) for x in row[2:6]) +
                               ", {" + ", ".join(repr(float(x)) for x in row[6:]) + "}"))
