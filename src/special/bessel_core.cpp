@@ -13,7 +13,7 @@ using cplx = std::complex<double>;
 
 constexpr double kPi = 3.14159265358979323846;
 constexpr double kEps = DBL_EPSILON;
-constexpr int kMaxIterations = 1000000;
+constexpr int kMaxIterations = 20000000;  // above the largest admitted |z| and order
 // Running values are brought back by this factor before they can overflow.
 constexpr double kRescale = 1e200;
 
