@@ -79,6 +79,13 @@ void deliver(const std::vector<LogValue> &v, cplx shift, bool count_zeros, cplxf
   *nz = zeros;
 }
 
+// J and Y are real on the positive real axis; the rotations through the
+// imaginary axis leave a rounding-level imaginary part, removed here.
+void real_on_positive_axis(cplx z, cplxf *cy, int n) {
+  if (z.imag() != 0.0 || z.real() <= 0.0) return;
+  for (int j = 0; j < n; ++j) cy[j] = cplxf(cy[j].real(), 0.0f);
+}
+
 bool bad_common(double fnu, int kode, int n) {
   return fnu < 0.0 || kode < 1 || kode > 2 || n < 1;
 }
@@ -169,6 +176,7 @@ void besj(const cplxf *zp, const float *fnup, const int *kode, const int *np, cp
   }
   const cplx shift = *kode == 2 ? cplx(-std::abs(z.imag())) : cplx(0.0);
   deliver(v, shift, z != 0.0, cy, nz, ierr);
+  if (*ierr != 2) real_on_positive_axis(z, cy, *np);
 }
 
 void besh(const cplxf *zp, const float *fnup, const int *kode, const int *mp, const int *np,
@@ -212,6 +220,7 @@ void besy(const cplxf *zp, const float *fnup, const int *kode, const int *np, cp
   }
   const cplx shift = *kode == 2 ? cplx(-std::abs(z.imag())) : cplx(0.0);
   deliver(h1, shift, true, cy, nz, ierr);
+  if (*ierr != 2) real_on_positive_axis(z, cy, *np);
 }
 
 // The Airy functions. For |z| <= 1 the Maclaurin series
