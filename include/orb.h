@@ -1388,6 +1388,34 @@ ORB_API void TSLC1(const orb_complex8 *a1, const orb_complex8 *a2, const orb_com
 ORB_API void TSLS1(const float *a1, const float *a2, const float *b, float *x, float *c1, float *c2,
                    const int *m);
 
+/* Bessel functions of complex argument z for the orders fnu .. fnu+n-1
+ * (computed in double, rounded to single). kode 1 unscaled, 2 scaled: I by
+ * exp(-|Re z|), J and Y by exp(-|Im z|), K by exp(z), H1 by exp(-iz), H2 by
+ * exp(iz). nz counts values set to zero by underflow. ierr: 0 success; 1 an
+ * argument out of range (fnu < 0, kode not 1 or 2, n < 1, m not 1 or 2,
+ * z = 0 for K, H, Y); 2 overflow (no values); 3 |z| or fnu+n-1 large, values
+ * with reduced accuracy; 4 too large, no values; 5 no convergence. CBESH's
+ * m selects the kind; CBESY's cwrk (n elements) is workspace. */
+ORB_API void CBESI(const orb_complex8 *z, const float *fnu, const int *kode, const int *n,
+                   orb_complex8 *cy, int *nz, int *ierr);
+ORB_API void CBESK(const orb_complex8 *z, const float *fnu, const int *kode, const int *n,
+                   orb_complex8 *cy, int *nz, int *ierr);
+ORB_API void CBESJ(const orb_complex8 *z, const float *fnu, const int *kode, const int *n,
+                   orb_complex8 *cy, int *nz, int *ierr);
+ORB_API void CBESH(const orb_complex8 *z, const float *fnu, const int *kode, const int *m,
+                   const int *n, orb_complex8 *cy, int *nz, int *ierr);
+ORB_API void CBESY(const orb_complex8 *z, const float *fnu, const int *kode, const int *n,
+                   orb_complex8 *cy, int *nz, orb_complex8 *cwrk, int *ierr);
+
+/* Airy functions Ai (CAIRY) and Bi (CBIRY) of complex z, or their
+ * derivatives for id = 1 (id = 0 the functions). kode 2 scales Ai by
+ * exp(zeta) and Bi by exp(-|Re zeta|), zeta = (2/3) z^(3/2). nz (CAIRY) is 1
+ * when Ai underflowed to zero. ierr as for the Bessel functions, the limits
+ * of classes 3 and 4 taken to the power 2/3. */
+ORB_API void CAIRY(const orb_complex8 *z, const int *id, const int *kode, orb_complex8 *ai, int *nz,
+                   int *ierr);
+ORB_API void CBIRY(const orb_complex8 *z, const int *id, const int *kode, orb_complex8 *bi,
+                   int *ierr);
 #ifdef __cplusplus
 }
 #endif
