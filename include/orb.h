@@ -1321,9 +1321,16 @@ ORB_API void AdjungateSquareMatrixc_s(const orb_complex8 *src, orb_complex8 *dst
 /* ---------------------------------------------------------------------------
  * Host routines: special functions, machine constants, filter design and
  * Toeplitz solvers. Classic argument lists, every argument by pointer.
- * Bessel and Airy functions: kode 1 unscaled, 2 exponentially scaled; nz
- * counts underflowed results; ierr 0 success, 1 bad input, 2 overflow,
- * 3 loss of half the digits, 4 loss of all digits, 5 no convergence.
+ * Bessel and Airy functions of complex z, computed in double and rounded to
+ * single, for the orders fnu .. fnu+n-1: kode 1 unscaled, 2 scaled (I by
+ * exp(-|Re z|), J and Y by exp(-|Im z|), K by exp(z), H1 by exp(-iz), H2 by
+ * exp(iz), Ai by exp(zeta), Bi by exp(-|Re zeta|), zeta = (2/3) z^(3/2)).
+ * nz counts values set to zero by underflow. ierr: 0 success; 1 an argument
+ * out of range (fnu < 0, kode not 1 or 2, n < 1, m not 1 or 2, id not 0 or 1,
+ * z = 0 for K, H, Y); 2 overflow (no values); 3 |z| or fnu+n-1 large, values
+ * with reduced accuracy; 4 too large, no values; 5 no convergence. The Airy
+ * functions' limits of classes 3 and 4 are those of the Bessel functions to
+ * the power 2/3.
  * ------------------------------------------------------------------------- */
 /* cy[k] = J_{fnu+k}(z), k = 0 .. n-1 */
 ORB_API void CBESJ(const orb_complex8 *z, const float *fnu, const int *kode, const int *n,
@@ -1387,35 +1394,6 @@ ORB_API void TSLC1(const orb_complex8 *a1, const orb_complex8 *a2, const orb_com
 /* Real form of TSLC1. */
 ORB_API void TSLS1(const float *a1, const float *a2, const float *b, float *x, float *c1, float *c2,
                    const int *m);
-
-/* Bessel functions of complex argument z for the orders fnu .. fnu+n-1
- * (computed in double, rounded to single). kode 1 unscaled, 2 scaled: I by
- * exp(-|Re z|), J and Y by exp(-|Im z|), K by exp(z), H1 by exp(-iz), H2 by
- * exp(iz). nz counts values set to zero by underflow. ierr: 0 success; 1 an
- * argument out of range (fnu < 0, kode not 1 or 2, n < 1, m not 1 or 2,
- * z = 0 for K, H, Y); 2 overflow (no values); 3 |z| or fnu+n-1 large, values
- * with reduced accuracy; 4 too large, no values; 5 no convergence. CBESH's
- * m selects the kind; CBESY's cwrk (n elements) is workspace. */
-ORB_API void CBESI(const orb_complex8 *z, const float *fnu, const int *kode, const int *n,
-                   orb_complex8 *cy, int *nz, int *ierr);
-ORB_API void CBESK(const orb_complex8 *z, const float *fnu, const int *kode, const int *n,
-                   orb_complex8 *cy, int *nz, int *ierr);
-ORB_API void CBESJ(const orb_complex8 *z, const float *fnu, const int *kode, const int *n,
-                   orb_complex8 *cy, int *nz, int *ierr);
-ORB_API void CBESH(const orb_complex8 *z, const float *fnu, const int *kode, const int *m,
-                   const int *n, orb_complex8 *cy, int *nz, int *ierr);
-ORB_API void CBESY(const orb_complex8 *z, const float *fnu, const int *kode, const int *n,
-                   orb_complex8 *cy, int *nz, orb_complex8 *cwrk, int *ierr);
-
-/* Airy functions Ai (CAIRY) and Bi (CBIRY) of complex z, or their
- * derivatives for id = 1 (id = 0 the functions). kode 2 scales Ai by
- * exp(zeta) and Bi by exp(-|Re zeta|), zeta = (2/3) z^(3/2). nz (CAIRY) is 1
- * when Ai underflowed to zero. ierr as for the Bessel functions, the limits
- * of classes 3 and 4 taken to the power 2/3. */
-ORB_API void CAIRY(const orb_complex8 *z, const int *id, const int *kode, orb_complex8 *ai, int *nz,
-                   int *ierr);
-ORB_API void CBIRY(const orb_complex8 *z, const int *id, const int *kode, orb_complex8 *bi,
-                   int *ierr);
 #ifdef __cplusplus
 }
 #endif
