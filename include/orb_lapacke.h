@@ -1,0 +1,88 @@
+/*
+ * orb_lapacke.h: the C interface to ORB's single-precision LAPACK routines
+ * (real s and complex c) with the conventional LAPACKE names. Written by
+ * tools/gen_lapacke.py from src/interfaces/lapack_signatures.tsv.
+ *
+ * LAPACKE_xxx(matrix_layout, ...) sizes and allocates the workspace itself;
+ * LAPACKE_xxx_work(matrix_layout, ...) takes the caller's. Matrices are
+ * row-major (LAPACK_ROW_MAJOR) or column-major (LAPACK_COL_MAJOR); row-major
+ * matrices are transposed into column-major copies and back. The result is
+ * the routine's info; a bad argument gives minus its position in the C
+ * argument list (the layout is argument 1) after a message through
+ * LAPACKE_xerbla, and a failed allocation LAPACK_WORK_MEMORY_ERROR or
+ * LAPACK_TRANSPOSE_MEMORY_ERROR. Complex values are lapack_complex_float,
+ * C99 float _Complex (std::complex<float> in C++) unless the includer defines
+ * lapack_complex_float to another type of the same layout.
+ */
+#ifndef ORB_LAPACKE_H
+#define ORB_LAPACKE_H
+
+#ifndef ORB_API
+#if defined(ORB_BUILDING) && !defined(_WIN32)
+#define ORB_API __attribute__((visibility("default")))
+#else
+#define ORB_API
+#endif
+#endif
+
+#ifndef lapack_int
+#define lapack_int int
+#endif
+
+#ifndef lapack_complex_float
+#ifdef __cplusplus
+#include <complex>
+#define lapack_complex_float std::complex<float>
+#else
+#include <complex.h>
+#define lapack_complex_float float _Complex
+#endif
+#endif
+
+#define LAPACK_ROW_MAJOR 101
+#define LAPACK_COL_MAJOR 102
+#define LAPACK_WORK_MEMORY_ERROR -1010
+#define LAPACK_TRANSPOSE_MEMORY_ERROR -1011
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+/* Reports argument -info of routine name (info < 0) or a failed allocation. */
+ORB_API void LAPACKE_xerbla(const char *name, lapack_int info);
+
+/* getrf */
+ORB_API lapack_int LAPACKE_sgetrf(int matrix_layout, lapack_int m, lapack_int n, float *a, lapack_int lda, lapack_int *ipiv);
+ORB_API lapack_int LAPACKE_sgetrf_work(int matrix_layout, lapack_int m, lapack_int n, float *a, lapack_int lda, lapack_int *ipiv);
+ORB_API lapack_int LAPACKE_cgetrf(int matrix_layout, lapack_int m, lapack_int n, lapack_complex_float *a, lapack_int lda, lapack_int *ipiv);
+ORB_API lapack_int LAPACKE_cgetrf_work(int matrix_layout, lapack_int m, lapack_int n, lapack_complex_float *a, lapack_int lda, lapack_int *ipiv);
+
+/* getrs */
+ORB_API lapack_int LAPACKE_sgetrs(int matrix_layout, char trans, lapack_int n, lapack_int nrhs, const float *a, lapack_int lda, const lapack_int *ipiv, float *b, lapack_int ldb);
+ORB_API lapack_int LAPACKE_sgetrs_work(int matrix_layout, char trans, lapack_int n, lapack_int nrhs, const float *a, lapack_int lda, const lapack_int *ipiv, float *b, lapack_int ldb);
+ORB_API lapack_int LAPACKE_cgetrs(int matrix_layout, char trans, lapack_int n, lapack_int nrhs, const lapack_complex_float *a, lapack_int lda, const lapack_int *ipiv, lapack_complex_float *b, lapack_int ldb);
+ORB_API lapack_int LAPACKE_cgetrs_work(int matrix_layout, char trans, lapack_int n, lapack_int nrhs, const lapack_complex_float *a, lapack_int lda, const lapack_int *ipiv, lapack_complex_float *b, lapack_int ldb);
+
+/* potrf */
+ORB_API lapack_int LAPACKE_spotrf(int matrix_layout, char uplo, lapack_int n, float *a, lapack_int lda);
+ORB_API lapack_int LAPACKE_spotrf_work(int matrix_layout, char uplo, lapack_int n, float *a, lapack_int lda);
+ORB_API lapack_int LAPACKE_cpotrf(int matrix_layout, char uplo, lapack_int n, lapack_complex_float *a, lapack_int lda);
+ORB_API lapack_int LAPACKE_cpotrf_work(int matrix_layout, char uplo, lapack_int n, lapack_complex_float *a, lapack_int lda);
+
+/* potrs */
+ORB_API lapack_int LAPACKE_spotrs(int matrix_layout, char uplo, lapack_int n, lapack_int nrhs, const float *a, lapack_int lda, float *b, lapack_int ldb);
+ORB_API lapack_int LAPACKE_spotrs_work(int matrix_layout, char uplo, lapack_int n, lapack_int nrhs, const float *a, lapack_int lda, float *b, lapack_int ldb);
+ORB_API lapack_int LAPACKE_cpotrs(int matrix_layout, char uplo, lapack_int n, lapack_int nrhs, const lapack_complex_float *a, lapack_int lda, lapack_complex_float *b, lapack_int ldb);
+ORB_API lapack_int LAPACKE_cpotrs_work(int matrix_layout, char uplo, lapack_int n, lapack_int nrhs, const lapack_complex_float *a, lapack_int lda, lapack_complex_float *b, lapack_int ldb);
+
+/* geqrf */
+ORB_API lapack_int LAPACKE_sgeqrf(int matrix_layout, lapack_int m, lapack_int n, float *a, lapack_int lda, float *tau);
+ORB_API lapack_int LAPACKE_sgeqrf_work(int matrix_layout, lapack_int m, lapack_int n, float *a, lapack_int lda, float *tau, float *work, lapack_int lwork);
+ORB_API lapack_int LAPACKE_cgeqrf(int matrix_layout, lapack_int m, lapack_int n, lapack_complex_float *a, lapack_int lda, lapack_complex_float *tau);
+ORB_API lapack_int LAPACKE_cgeqrf_work(int matrix_layout, lapack_int m, lapack_int n, lapack_complex_float *a, lapack_int lda, lapack_complex_float *tau, lapack_complex_float *work, lapack_int lwork);
+
+#ifdef __cplusplus
+}
+#endif
+
+#endif
