@@ -1,0 +1,287 @@
+// LAPACKE entries called row-major against the same routine called
+// column-major on the same matrices, on sizes that are neither square nor
+// round, with padded leading dimensions; the workspace query of the
+// high-level entries; and the codes and messages of bad arguments.
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <complex>
+#include <random>
+#include <string>
+#include <vector>
+
+#include "orb_lapacke.h"
+
+namespace {
+
+using cf = std::complex<float>;
+
+// A rows x cols matrix held both column-major and row-major, each with
+// padding beyond the least leading dimension (the padding must survive).
+template <class T>
+struct Pair {
+  int rows, cols, ldc, ldr;
+  std::vector<T> col, row;
+  Pair(int r, int c, std::mt19937 &gen, float diagonal = 0)
+      : rows(r), cols(c), ldc(r + 2), ldr(c + 3) {
+    col.assign(static_cast<size_t>(ldc) * c, T(-7));
+    row.assign(static_cast<size_t>(ldr) * r, T(-7));
+    std::uniform_real_distribution<float> u(-1, 1);
+    for (int j = 0; j < c; ++j)
+      for (int i = 0; i < r; ++i) {
+        T v;
+        if constexpr (std::is_same_v<T, cf>)
+          v = cf(u(gen), u(gen));
+        else
+          v = u(gen);
+        if (i == j) v += T(diagonal);
+        set(i, j, v);
+      }
+  }
+  void set(int i, int j, T v) {
+    col[i + static_cast<size_t>(j) * ldc] = v;
+    row[j + static_cast<size_t>(i) * ldr] = v;
+  }
+  T c(int i, int j) const { return col[i + static_cast<size_t>(j) * ldc]; }
+  T r(int i, int j) const { return row[j + static_cast<size_t>(i) * ldr]; }
+  // The two storages hold the same matrix and the same untouched padding.
+  void expect_same(float tol) const {
+    for (int i = 0; i < rows; ++i)
+      for (int j = 0; j < cols; ++j)
+        ASSERT_LE(std::abs(c(i, j) - r(i, j)), tol) << "at (" << i << ", " << j << ")";
+    for (int j = 0; j < cols; ++j)
+      for (int i = rows; i < ldc; ++i) ASSERT_EQ(c(i, j), T(-7));
+    for (int i = 0; i < rows; ++i)
+      for (int j = cols; j < ldr; ++j) ASSERT_EQ(r(i, j), T(-7));
+  }
+};
+
+float conj_of(float x) {
+  return x;
+}
+cf conj_of(cf x) {
+  return std::conj(x);
+}
+
+// A Hermitian positive definite n x n matrix B B^H + n I.
+template <class T>
+Pair<T> positive_definite(int n, std::mt19937 &gen) {
+  Pair<T> b(n, n, gen), a(n, n, gen);
+  for (int i = 0; i < n; ++i)
+    for (int j = 0; j < n; ++j) {
+      T s = i == j ? T(static_cast<float>(n)) : T(0);
+      for (int k = 0; k < n; ++k) s += b.c(i, k) * conj_of(b.c(j, k));
+      a.set(i, j, s);
+    }
+  return a;
+}
+
+template <class T>
+lapack_int getrf(int layout, Pair<T> &a, std::vector<lapack_int> &ipiv) {
+  bool row = layout == LAPACK_ROW_MAJOR;
+  T *p = row ? a.row.data() : a.col.data();
+  if constexpr (std::is_same_v<T, cf>)
+    return LAPACKE_cgetrf(layout, a.rows, a.cols, p, row ? a.ldr : a.ldc, ipiv.data());
+  else
+    return LAPACKE_sgetrf(layout, a.rows, a.cols, p, row ? a.ldr : a.ldc, ipiv.data());
+}
+
+template <class T>
+class Lapacke : public testing::Test {};
+using Scalars = testing::Types<float, cf>;
+TYPED_TEST_SUITE(Lapacke, Scalars);
+
+TYPED_TEST(Lapacke, LuFactorsAndSolvesAlikeInBothLayouts) {
+  using T = TypeParam;
+  std::mt19937 gen(11);
+  for (auto [m, n] : {std::pair{7, 5}, {5, 7}, {9, 9}, {1, 3}}) {
+    Pair<T> a(m, n, gen);
+    std::vector<lapack_int> pc(std::min(m, n)), pr(std::min(m, n));
+    ASSERT_EQ(getrf(LAPACK_COL_MAJOR, a, pc), 0);
+    ASSERT_EQ(getrf(LAPACK_ROW_MAJOR, a, pr), 0);
+    EXPECT_EQ(pc, pr);  // the pivots are indices and do not depend on the layout
+    a.expect_same(1e-5f);
+  }
+  // Solve A X = B with three right-hand sides, each layout, against A X.
+  const int n = 6, nrhs = 3;
+  Pair<T> a(n, n, gen, 3), a0 = a, b(n, nrhs, gen);
+  std::vector<lapack_int> pc(n), pr(n);
+  ASSERT_EQ(getrf(LAPACK_COL_MAJOR, a, pc), 0);
+  ASSERT_EQ(getrf(LAPACK_ROW_MAJOR, a, pr), 0);
+  for (char trans : {'N', 'T'}) {
+    Pair<T> x = b;
+    if constexpr (std::is_same_v<T, cf>) {
+      ASSERT_EQ(LAPACKE_cgetrs(LAPACK_COL_MAJOR, trans, n, nrhs, a.col.data(), a.ldc, pc.data(),
+                               x.col.data(), x.ldc),
+                0);
+      ASSERT_EQ(LAPACKE_cgetrs(LAPACK_ROW_MAJOR, trans, n, nrhs, a.row.data(), a.ldr, pr.data(),
+                               x.row.data(), x.ldr),
+                0);
+    } else {
+      ASSERT_EQ(LAPACKE_sgetrs(LAPACK_COL_MAJOR, trans, n, nrhs, a.col.data(), a.ldc, pc.data(),
+                               x.col.data(), x.ldc),
+                0);
+      ASSERT_EQ(LAPACKE_sgetrs(LAPACK_ROW_MAJOR, trans, n, nrhs, a.row.data(), a.ldr, pr.data(),
+                               x.row.data(), x.ldr),
+                0);
+    }
+    x.expect_same(1e-5f);
+    for (int i = 0; i < n; ++i)
+      for (int k = 0; k < nrhs; ++k) {
+        T s = 0;
+        for (int j = 0; j < n; ++j) s += (trans == 'N' ? a0.c(i, j) : a0.c(j, i)) * x.r(j, k);
+        EXPECT_NEAR(std::abs(s - b.c(i, k)), 0, 1e-4);
+      }
+  }
+}
+
+TYPED_TEST(Lapacke, CholeskyOfEitherTriangleInBothLayouts) {
+  using T = TypeParam;
+  std::mt19937 gen(5);
+  const int n = 7, nrhs = 2;
+  for (char uplo : {'U', 'L'}) {
+    Pair<T> a = positive_definite<T>(n, gen), b(n, nrhs, gen), x = b;
+    Pair<T> a0 = a;
+    if constexpr (std::is_same_v<T, cf>) {
+      ASSERT_EQ(LAPACKE_cpotrf(LAPACK_COL_MAJOR, uplo, n, a.col.data(), a.ldc), 0);
+      ASSERT_EQ(LAPACKE_cpotrf(LAPACK_ROW_MAJOR, uplo, n, a.row.data(), a.ldr), 0);
+      ASSERT_EQ(
+          LAPACKE_cpotrs(LAPACK_ROW_MAJOR, uplo, n, nrhs, a.row.data(), a.ldr, x.row.data(), x.ldr),
+          0);
+      ASSERT_EQ(
+          LAPACKE_cpotrs(LAPACK_COL_MAJOR, uplo, n, nrhs, a.col.data(), a.ldc, x.col.data(), x.ldc),
+          0);
+    } else {
+      ASSERT_EQ(LAPACKE_spotrf(LAPACK_COL_MAJOR, uplo, n, a.col.data(), a.ldc), 0);
+      ASSERT_EQ(LAPACKE_spotrf(LAPACK_ROW_MAJOR, uplo, n, a.row.data(), a.ldr), 0);
+      ASSERT_EQ(
+          LAPACKE_spotrs(LAPACK_ROW_MAJOR, uplo, n, nrhs, a.row.data(), a.ldr, x.row.data(), x.ldr),
+          0);
+      ASSERT_EQ(
+          LAPACKE_spotrs(LAPACK_COL_MAJOR, uplo, n, nrhs, a.col.data(), a.ldc, x.col.data(), x.ldc),
+          0);
+    }
+    // The factor matches and the triangle the routine does not reference is
+    // left as it was in either layout.
+    a.expect_same(1e-4f);
+    for (int i = 0; i < n; ++i)
+      for (int j = 0; j < n; ++j) {
+        if (uplo == 'U' ? i > j : i < j) {
+          EXPECT_EQ(a.r(i, j), a0.c(i, j));
+        }
+      }
+    x.expect_same(1e-4f);
+    for (int i = 0; i < n; ++i)
+      for (int k = 0; k < nrhs; ++k) {
+        T s = 0;
+        for (int j = 0; j < n; ++j) s += a0.c(i, j) * x.r(j, k);
+        EXPECT_NEAR(std::abs(s - b.c(i, k)), 0, 1e-3);
+      }
+  }
+  // A matrix that is not positive definite: the failing order, both layouts.
+  Pair<T> bad = positive_definite<T>(4, gen);
+  bad.set(2, 2, T(-1));
+  if constexpr (std::is_same_v<T, cf>) {
+    EXPECT_EQ(LAPACKE_cpotrf(LAPACK_ROW_MAJOR, 'L', 4, bad.row.data(), bad.ldr), 3);
+    EXPECT_EQ(LAPACKE_cpotrf(LAPACK_COL_MAJOR, 'L', 4, bad.col.data(), bad.ldc), 3);
+  } else {
+    EXPECT_EQ(LAPACKE_spotrf(LAPACK_ROW_MAJOR, 'L', 4, bad.row.data(), bad.ldr), 3);
+    EXPECT_EQ(LAPACKE_spotrf(LAPACK_COL_MAJOR, 'L', 4, bad.col.data(), bad.ldc), 3);
+  }
+}
+
+TYPED_TEST(Lapacke, QrWithAllocatedAndCallerWorkspace) {
+  using T = TypeParam;
+  std::mt19937 gen(3);
+  for (auto [m, n] : {std::pair{9, 4}, {4, 9}, {37, 29}}) {
+    Pair<T> a(m, n, gen), w = a;
+    const int k = std::min(m, n);
+    std::vector<T> tc(k), tr(k), tw(k);
+    lapack_int lwork = -1;
+    T size{};
+    std::vector<T> work;
+    if constexpr (std::is_same_v<T, cf>) {
+      ASSERT_EQ(LAPACKE_cgeqrf(LAPACK_COL_MAJOR, m, n, a.col.data(), a.ldc, tc.data()), 0);
+      ASSERT_EQ(LAPACKE_cgeqrf(LAPACK_ROW_MAJOR, m, n, a.row.data(), a.ldr, tr.data()), 0);
+      // The query leaves the matrix alone and names a length that works.
+      ASSERT_EQ(
+          LAPACKE_cgeqrf_work(LAPACK_ROW_MAJOR, m, n, w.row.data(), w.ldr, tw.data(), &size, lwork),
+          0);
+      lwork = static_cast<lapack_int>(size.real());
+      ASSERT_GE(lwork, n);
+      work.resize(lwork);
+      ASSERT_EQ(LAPACKE_cgeqrf_work(LAPACK_ROW_MAJOR, m, n, w.row.data(), w.ldr, tw.data(),
+                                    work.data(), lwork),
+                0);
+    } else {
+      ASSERT_EQ(LAPACKE_sgeqrf(LAPACK_COL_MAJOR, m, n, a.col.data(), a.ldc, tc.data()), 0);
+      ASSERT_EQ(LAPACKE_sgeqrf(LAPACK_ROW_MAJOR, m, n, a.row.data(), a.ldr, tr.data()), 0);
+      ASSERT_EQ(
+          LAPACKE_sgeqrf_work(LAPACK_ROW_MAJOR, m, n, w.row.data(), w.ldr, tw.data(), &size, lwork),
+          0);
+      lwork = static_cast<lapack_int>(size);
+      ASSERT_GE(lwork, n);
+      work.resize(lwork);
+      ASSERT_EQ(LAPACKE_sgeqrf_work(LAPACK_ROW_MAJOR, m, n, w.row.data(), w.ldr, tw.data(),
+                                    work.data(), lwork),
+                0);
+    }
+    a.expect_same(1e-4f);
+    for (int i = 0; i < m; ++i)
+      for (int j = 0; j < n; ++j) ASSERT_NEAR(std::abs(w.r(i, j) - a.r(i, j)), 0, 1e-4);
+    for (int i = 0; i < k; ++i) {
+      EXPECT_NEAR(std::abs(tc[i] - tr[i]), 0, 1e-5);
+      EXPECT_NEAR(std::abs(tw[i] - tr[i]), 0, 1e-5);
+    }
+  }
+}
+
+// The message printed by a call, and its result.
+template <class F>
+std::pair<lapack_int, std::string> outcome(F call) {
+  testing::internal::CaptureStdout();
+  lapack_int info = call();
+  return {info, testing::internal::GetCapturedStdout()};
+}
+std::pair<lapack_int, std::string> bad(lapack_int position, const std::string &name) {
+  return {-position, "ORB ERROR: Parameter " + std::to_string(position) +
+                         " was incorrect on entry to " + name + "\n"};
+}
+
+TEST(LapackeErrors, CodesAndMessagesInTheCArgumentNumbering) {
+  std::vector<float> a(64, 1), b(64, 1);
+  std::vector<lapack_int> ipiv(8);
+  // A layout that is neither is argument 1, in the entry that was called.
+  EXPECT_EQ(outcome([&] { return LAPACKE_sgetrf(100, 3, 3, a.data(), 3, ipiv.data()); }),
+            bad(1, "LAPACKE_sgetrf"));
+  EXPECT_EQ(outcome([&] { return LAPACKE_sgetrf_work(0, 3, 3, a.data(), 3, ipiv.data()); }),
+            bad(1, "LAPACKE_sgetrf_work"));
+  // Row-major leading dimensions count columns: lda 3 < n 4 is argument 5,
+  // and the matrix is not touched.
+  a[0] = 42;
+  EXPECT_EQ(
+      outcome([&] { return LAPACKE_sgetrf(LAPACK_ROW_MAJOR, 5, 4, a.data(), 3, ipiv.data()); }),
+      bad(5, "LAPACKE_sgetrf_work"));
+  EXPECT_EQ(a[0], 42.f);
+  // The same lda column-major counts rows: the routine rejects it, and its
+  // Fortran number 4 becomes 5 in the C list.
+  EXPECT_EQ(outcome([&] {
+              return LAPACKE_sgetrf(LAPACK_COL_MAJOR, 5, 4, a.data(), 3, ipiv.data());
+            }).first,
+            -5);
+  EXPECT_EQ(outcome([&] {
+              return LAPACKE_sgetrs(LAPACK_ROW_MAJOR, 'N', 4, 3, a.data(), 4, ipiv.data(), b.data(),
+                                    2);
+            }),
+            bad(9, "LAPACKE_sgetrs_work"));
+  EXPECT_EQ(outcome([&] {
+              return LAPACKE_spotrs(LAPACK_COL_MAJOR, 'X', 4, 1, a.data(), 4, b.data(), 4);
+            }).first,
+            -2);
+  std::vector<cf> c(64, 1), tau(8);
+  EXPECT_EQ(
+      outcome([&] { return LAPACKE_cgeqrf(LAPACK_ROW_MAJOR, 6, 5, c.data(), 4, tau.data()); }),
+      bad(5, "LAPACKE_cgeqrf_work"));
+}
+
+}  // namespace
