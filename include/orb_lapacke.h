@@ -81,6 +81,58 @@ ORB_API lapack_int LAPACKE_sgeqrf_work(int matrix_layout, lapack_int m, lapack_i
 ORB_API lapack_int LAPACKE_cgeqrf(int matrix_layout, lapack_int m, lapack_int n, lapack_complex_float *a, lapack_int lda, lapack_complex_float *tau);
 ORB_API lapack_int LAPACKE_cgeqrf_work(int matrix_layout, lapack_int m, lapack_int n, lapack_complex_float *a, lapack_int lda, lapack_complex_float *tau, lapack_complex_float *work, lapack_int lwork);
 
+/* getri */
+ORB_API lapack_int LAPACKE_sgetri(int matrix_layout, lapack_int n, float *a, lapack_int lda, const lapack_int *ipiv);
+ORB_API lapack_int LAPACKE_sgetri_work(int matrix_layout, lapack_int n, float *a, lapack_int lda, const lapack_int *ipiv, float *work, lapack_int lwork);
+ORB_API lapack_int LAPACKE_cgetri(int matrix_layout, lapack_int n, lapack_complex_float *a, lapack_int lda, const lapack_int *ipiv);
+ORB_API lapack_int LAPACKE_cgetri_work(int matrix_layout, lapack_int n, lapack_complex_float *a, lapack_int lda, const lapack_int *ipiv, lapack_complex_float *work, lapack_int lwork);
+
+/* gbtrf */
+ORB_API lapack_int LAPACKE_sgbtrf(int matrix_layout, lapack_int m, lapack_int n, lapack_int kl, lapack_int ku, float *ab, lapack_int ldab, lapack_int *ipiv);
+ORB_API lapack_int LAPACKE_sgbtrf_work(int matrix_layout, lapack_int m, lapack_int n, lapack_int kl, lapack_int ku, float *ab, lapack_int ldab, lapack_int *ipiv);
+ORB_API lapack_int LAPACKE_cgbtrf(int matrix_layout, lapack_int m, lapack_int n, lapack_int kl, lapack_int ku, lapack_complex_float *ab, lapack_int ldab, lapack_int *ipiv);
+ORB_API lapack_int LAPACKE_cgbtrf_work(int matrix_layout, lapack_int m, lapack_int n, lapack_int kl, lapack_int ku, lapack_complex_float *ab, lapack_int ldab, lapack_int *ipiv);
+
+/* gbtrs */
+ORB_API lapack_int LAPACKE_sgbtrs(int matrix_layout, char trans, lapack_int n, lapack_int kl, lapack_int ku, lapack_int nrhs, const float *ab, lapack_int ldab, const lapack_int *ipiv, float *b, lapack_int ldb);
+ORB_API lapack_int LAPACKE_sgbtrs_work(int matrix_layout, char trans, lapack_int n, lapack_int kl, lapack_int ku, lapack_int nrhs, const float *ab, lapack_int ldab, const lapack_int *ipiv, float *b, lapack_int ldb);
+ORB_API lapack_int LAPACKE_cgbtrs(int matrix_layout, char trans, lapack_int n, lapack_int kl, lapack_int ku, lapack_int nrhs, const lapack_complex_float *ab, lapack_int ldab, const lapack_int *ipiv, lapack_complex_float *b, lapack_int ldb);
+ORB_API lapack_int LAPACKE_cgbtrs_work(int matrix_layout, char trans, lapack_int n, lapack_int kl, lapack_int ku, lapack_int nrhs, const lapack_complex_float *ab, lapack_int ldab, const lapack_int *ipiv, lapack_complex_float *b, lapack_int ldb);
+
+/* potri */
+ORB_API lapack_int LAPACKE_spotri(int matrix_layout, char uplo, lapack_int n, float *a, lapack_int lda);
+ORB_API lapack_int LAPACKE_spotri_work(int matrix_layout, char uplo, lapack_int n, float *a, lapack_int lda);
+ORB_API lapack_int LAPACKE_cpotri(int matrix_layout, char uplo, lapack_int n, lapack_complex_float *a, lapack_int lda);
+ORB_API lapack_int LAPACKE_cpotri_work(int matrix_layout, char uplo, lapack_int n, lapack_complex_float *a, lapack_int lda);
+
+/* trtri */
+ORB_API lapack_int LAPACKE_strtri(int matrix_layout, char uplo, char diag, lapack_int n, float *a, lapack_int lda);
+ORB_API lapack_int LAPACKE_strtri_work(int matrix_layout, char uplo, char diag, lapack_int n, float *a, lapack_int lda);
+ORB_API lapack_int LAPACKE_ctrtri(int matrix_layout, char uplo, char diag, lapack_int n, lapack_complex_float *a, lapack_int lda);
+ORB_API lapack_int LAPACKE_ctrtri_work(int matrix_layout, char uplo, char diag, lapack_int n, lapack_complex_float *a, lapack_int lda);
+
+/* trtrs */
+ORB_API lapack_int LAPACKE_strtrs(int matrix_layout, char uplo, char trans, char diag, lapack_int n, lapack_int nrhs, const float *a, lapack_int lda, float *b, lapack_int ldb);
+ORB_API lapack_int LAPACKE_strtrs_work(int matrix_layout, char uplo, char trans, char diag, lapack_int n, lapack_int nrhs, const float *a, lapack_int lda, float *b, lapack_int ldb);
+ORB_API lapack_int LAPACKE_ctrtrs(int matrix_layout, char uplo, char trans, char diag, lapack_int n, lapack_int nrhs, const lapack_complex_float *a, lapack_int lda, lapack_complex_float *b, lapack_int ldb);
+ORB_API lapack_int LAPACKE_ctrtrs_work(int matrix_layout, char uplo, char trans, char diag, lapack_int n, lapack_int nrhs, const lapack_complex_float *a, lapack_int lda, lapack_complex_float *b, lapack_int ldb);
+
+/* orgqr */
+ORB_API lapack_int LAPACKE_sorgqr(int matrix_layout, lapack_int m, lapack_int n, lapack_int k, float *a, lapack_int lda, const float *tau);
+ORB_API lapack_int LAPACKE_sorgqr_work(int matrix_layout, lapack_int m, lapack_int n, lapack_int k, float *a, lapack_int lda, const float *tau, float *work, lapack_int lwork);
+
+/* ungqr */
+ORB_API lapack_int LAPACKE_cungqr(int matrix_layout, lapack_int m, lapack_int n, lapack_int k, lapack_complex_float *a, lapack_int lda, const lapack_complex_float *tau);
+ORB_API lapack_int LAPACKE_cungqr_work(int matrix_layout, lapack_int m, lapack_int n, lapack_int k, lapack_complex_float *a, lapack_int lda, const lapack_complex_float *tau, lapack_complex_float *work, lapack_int lwork);
+
+/* ormqr */
+ORB_API lapack_int LAPACKE_sormqr(int matrix_layout, char side, char trans, lapack_int m, lapack_int n, lapack_int k, const float *a, lapack_int lda, const float *tau, float *c, lapack_int ldc);
+ORB_API lapack_int LAPACKE_sormqr_work(int matrix_layout, char side, char trans, lapack_int m, lapack_int n, lapack_int k, const float *a, lapack_int lda, const float *tau, float *c, lapack_int ldc, float *work, lapack_int lwork);
+
+/* unmqr */
+ORB_API lapack_int LAPACKE_cunmqr(int matrix_layout, char side, char trans, lapack_int m, lapack_int n, lapack_int k, const lapack_complex_float *a, lapack_int lda, const lapack_complex_float *tau, lapack_complex_float *c, lapack_int ldc);
+ORB_API lapack_int LAPACKE_cunmqr_work(int matrix_layout, char side, char trans, lapack_int m, lapack_int n, lapack_int k, const lapack_complex_float *a, lapack_int lda, const lapack_complex_float *tau, lapack_complex_float *c, lapack_int ldc, lapack_complex_float *work, lapack_int lwork);
+
 #ifdef __cplusplus
 }
 #endif

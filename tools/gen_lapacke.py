@@ -23,7 +23,7 @@ F_TYPE = {"s": "float", "c": "orb_complex8"}
 
 class Arg:
     def __init__(self, text):
-        parts = text.split(":")
+        parts = text.split(":", 2)
         self.name, self.kind = parts[0], parts[1]
         self.shape = parts[2] if len(parts) > 2 else ""
 
@@ -56,7 +56,7 @@ def c_params(p, args, with_work):
             out.append(f"char {a.name}")
         elif a.kind == "ge" or a.kind == "vout":
             out.append(f"{t} *{a.name}")
-        elif a.kind == "gein":
+        elif a.kind in ("gein", "vin"):
             out.append(f"const {t} *{a.name}")
         elif a.kind == "iout":
             out.append(f"lapack_int *{a.name}")
@@ -130,6 +130,8 @@ def work_body(p, routine, args):
             call.append(a.name)
         elif a.kind == "vout":
             call.append(f"reinterpret_cast<{f} *>({a.name})")
+        elif a.kind == "vin":
+            call.append(f"reinterpret_cast<const {f} *>({a.name})")
         elif a.kind == "work":
             call.append(f"reinterpret_cast<{f} *>(work)")
             call.append("&lwork")

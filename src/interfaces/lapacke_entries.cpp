@@ -242,4 +242,402 @@ lapack_int LAPACKE_cgeqrf(int matrix_layout, lapack_int m, lapack_int n, lapack_
   return LAPACKE_cgeqrf_work(matrix_layout, m, n, a, lda, tau, work.data(), lwork);
 }
 
+lapack_int LAPACKE_sgetri_work(int matrix_layout, lapack_int n, float *a, lapack_int lda, const lapack_int *ipiv, float *work, lapack_int lwork) {
+  const char *self = "LAPACKE_sgetri_work";
+  if (!layout_ok(matrix_layout)) return report(self, 1);
+  const bool row = matrix_layout == LAPACK_ROW_MAJOR;
+  const bool query = lwork == -1;
+  if (row && lda < std::max<lapack_int>(1, n)) return report(self, 4);
+  try {
+    ColMajor<float> a_(row, row && !query, n, n, a, lda, true);
+    lapack_int info = 0;
+    ::sgetri(&n, reinterpret_cast<float *>(a_.data()), a_.ld(), ipiv, reinterpret_cast<float *>(work), &lwork, &info);
+    return info < 0 ? info - 1 : info;
+  } catch (const std::bad_alloc &) {
+    return out_of_memory(self, LAPACK_TRANSPOSE_MEMORY_ERROR);
+  }
+}
+
+lapack_int LAPACKE_sgetri(int matrix_layout, lapack_int n, float *a, lapack_int lda, const lapack_int *ipiv) {
+  if (!layout_ok(matrix_layout)) return report("LAPACKE_sgetri", 1);
+  float size{};
+  lapack_int info = LAPACKE_sgetri_work(matrix_layout, n, a, lda, ipiv, &size, -1);
+  if (info != 0) return info;
+  std::vector<float> work;
+  lapack_int lwork = workspace_length(size);
+  try {
+    work.resize(static_cast<std::size_t>(lwork));
+  } catch (const std::bad_alloc &) {
+    return out_of_memory("LAPACKE_sgetri", LAPACK_WORK_MEMORY_ERROR);
+  }
+  return LAPACKE_sgetri_work(matrix_layout, n, a, lda, ipiv, work.data(), lwork);
+}
+
+lapack_int LAPACKE_cgetri_work(int matrix_layout, lapack_int n, lapack_complex_float *a, lapack_int lda, const lapack_int *ipiv, lapack_complex_float *work, lapack_int lwork) {
+  const char *self = "LAPACKE_cgetri_work";
+  if (!layout_ok(matrix_layout)) return report(self, 1);
+  const bool row = matrix_layout == LAPACK_ROW_MAJOR;
+  const bool query = lwork == -1;
+  if (row && lda < std::max<lapack_int>(1, n)) return report(self, 4);
+  try {
+    ColMajor<lapack_complex_float> a_(row, row && !query, n, n, a, lda, true);
+    lapack_int info = 0;
+    ::cgetri(&n, reinterpret_cast<orb_complex8 *>(a_.data()), a_.ld(), ipiv, reinterpret_cast<orb_complex8 *>(work), &lwork, &info);
+    return info < 0 ? info - 1 : info;
+  } catch (const std::bad_alloc &) {
+    return out_of_memory(self, LAPACK_TRANSPOSE_MEMORY_ERROR);
+  }
+}
+
+lapack_int LAPACKE_cgetri(int matrix_layout, lapack_int n, lapack_complex_float *a, lapack_int lda, const lapack_int *ipiv) {
+  if (!layout_ok(matrix_layout)) return report("LAPACKE_cgetri", 1);
+  lapack_complex_float size{};
+  lapack_int info = LAPACKE_cgetri_work(matrix_layout, n, a, lda, ipiv, &size, -1);
+  if (info != 0) return info;
+  std::vector<lapack_complex_float> work;
+  lapack_int lwork = workspace_length(size);
+  try {
+    work.resize(static_cast<std::size_t>(lwork));
+  } catch (const std::bad_alloc &) {
+    return out_of_memory("LAPACKE_cgetri", LAPACK_WORK_MEMORY_ERROR);
+  }
+  return LAPACKE_cgetri_work(matrix_layout, n, a, lda, ipiv, work.data(), lwork);
+}
+
+lapack_int LAPACKE_sgbtrf_work(int matrix_layout, lapack_int m, lapack_int n, lapack_int kl, lapack_int ku, float *ab, lapack_int ldab, lapack_int *ipiv) {
+  const char *self = "LAPACKE_sgbtrf_work";
+  if (!layout_ok(matrix_layout)) return report(self, 1);
+  const bool row = matrix_layout == LAPACK_ROW_MAJOR;
+  if (row && ldab < std::max<lapack_int>(1, n)) return report(self, 7);
+  try {
+    ColMajor<float> ab_(row, row, 2*kl+ku+1, n, ab, ldab, true);
+    lapack_int info = 0;
+    ::sgbtrf(&m, &n, &kl, &ku, reinterpret_cast<float *>(ab_.data()), ab_.ld(), ipiv, &info);
+    return info < 0 ? info - 1 : info;
+  } catch (const std::bad_alloc &) {
+    return out_of_memory(self, LAPACK_TRANSPOSE_MEMORY_ERROR);
+  }
+}
+
+lapack_int LAPACKE_sgbtrf(int matrix_layout, lapack_int m, lapack_int n, lapack_int kl, lapack_int ku, float *ab, lapack_int ldab, lapack_int *ipiv) {
+  if (!layout_ok(matrix_layout)) return report("LAPACKE_sgbtrf", 1);
+  return LAPACKE_sgbtrf_work(matrix_layout, m, n, kl, ku, ab, ldab, ipiv);
+}
+
+lapack_int LAPACKE_cgbtrf_work(int matrix_layout, lapack_int m, lapack_int n, lapack_int kl, lapack_int ku, lapack_complex_float *ab, lapack_int ldab, lapack_int *ipiv) {
+  const char *self = "LAPACKE_cgbtrf_work";
+  if (!layout_ok(matrix_layout)) return report(self, 1);
+  const bool row = matrix_layout == LAPACK_ROW_MAJOR;
+  if (row && ldab < std::max<lapack_int>(1, n)) return report(self, 7);
+  try {
+    ColMajor<lapack_complex_float> ab_(row, row, 2*kl+ku+1, n, ab, ldab, true);
+    lapack_int info = 0;
+    ::cgbtrf(&m, &n, &kl, &ku, reinterpret_cast<orb_complex8 *>(ab_.data()), ab_.ld(), ipiv, &info);
+    return info < 0 ? info - 1 : info;
+  } catch (const std::bad_alloc &) {
+    return out_of_memory(self, LAPACK_TRANSPOSE_MEMORY_ERROR);
+  }
+}
+
+lapack_int LAPACKE_cgbtrf(int matrix_layout, lapack_int m, lapack_int n, lapack_int kl, lapack_int ku, lapack_complex_float *ab, lapack_int ldab, lapack_int *ipiv) {
+  if (!layout_ok(matrix_layout)) return report("LAPACKE_cgbtrf", 1);
+  return LAPACKE_cgbtrf_work(matrix_layout, m, n, kl, ku, ab, ldab, ipiv);
+}
+
+lapack_int LAPACKE_sgbtrs_work(int matrix_layout, char trans, lapack_int n, lapack_int kl, lapack_int ku, lapack_int nrhs, const float *ab, lapack_int ldab, const lapack_int *ipiv, float *b, lapack_int ldb) {
+  const char *self = "LAPACKE_sgbtrs_work";
+  if (!layout_ok(matrix_layout)) return report(self, 1);
+  const bool row = matrix_layout == LAPACK_ROW_MAJOR;
+  if (row && ldab < std::max<lapack_int>(1, n)) return report(self, 8);
+  if (row && ldb < std::max<lapack_int>(1, nrhs)) return report(self, 11);
+  try {
+    ColMajor<const float> ab_(row, row, 2*kl+ku+1, n, ab, ldab, false);
+    ColMajor<float> b_(row, row, n, nrhs, b, ldb, true);
+    lapack_int info = 0;
+    ::sgbtrs(&trans, &n, &kl, &ku, &nrhs, reinterpret_cast<const float *>(ab_.data()), ab_.ld(), ipiv, reinterpret_cast<float *>(b_.data()), b_.ld(), &info, 1);
+    return info < 0 ? info - 1 : info;
+  } catch (const std::bad_alloc &) {
+    return out_of_memory(self, LAPACK_TRANSPOSE_MEMORY_ERROR);
+  }
+}
+
+lapack_int LAPACKE_sgbtrs(int matrix_layout, char trans, lapack_int n, lapack_int kl, lapack_int ku, lapack_int nrhs, const float *ab, lapack_int ldab, const lapack_int *ipiv, float *b, lapack_int ldb) {
+  if (!layout_ok(matrix_layout)) return report("LAPACKE_sgbtrs", 1);
+  return LAPACKE_sgbtrs_work(matrix_layout, trans, n, kl, ku, nrhs, ab, ldab, ipiv, b, ldb);
+}
+
+lapack_int LAPACKE_cgbtrs_work(int matrix_layout, char trans, lapack_int n, lapack_int kl, lapack_int ku, lapack_int nrhs, const lapack_complex_float *ab, lapack_int ldab, const lapack_int *ipiv, lapack_complex_float *b, lapack_int ldb) {
+  const char *self = "LAPACKE_cgbtrs_work";
+  if (!layout_ok(matrix_layout)) return report(self, 1);
+  const bool row = matrix_layout == LAPACK_ROW_MAJOR;
+  if (row && ldab < std::max<lapack_int>(1, n)) return report(self, 8);
+  if (row && ldb < std::max<lapack_int>(1, nrhs)) return report(self, 11);
+  try {
+    ColMajor<const lapack_complex_float> ab_(row, row, 2*kl+ku+1, n, ab, ldab, false);
+    ColMajor<lapack_complex_float> b_(row, row, n, nrhs, b, ldb, true);
+    lapack_int info = 0;
+    ::cgbtrs(&trans, &n, &kl, &ku, &nrhs, reinterpret_cast<const orb_complex8 *>(ab_.data()), ab_.ld(), ipiv, reinterpret_cast<orb_complex8 *>(b_.data()), b_.ld(), &info, 1);
+    return info < 0 ? info - 1 : info;
+  } catch (const std::bad_alloc &) {
+    return out_of_memory(self, LAPACK_TRANSPOSE_MEMORY_ERROR);
+  }
+}
+
+lapack_int LAPACKE_cgbtrs(int matrix_layout, char trans, lapack_int n, lapack_int kl, lapack_int ku, lapack_int nrhs, const lapack_complex_float *ab, lapack_int ldab, const lapack_int *ipiv, lapack_complex_float *b, lapack_int ldb) {
+  if (!layout_ok(matrix_layout)) return report("LAPACKE_cgbtrs", 1);
+  return LAPACKE_cgbtrs_work(matrix_layout, trans, n, kl, ku, nrhs, ab, ldab, ipiv, b, ldb);
+}
+
+lapack_int LAPACKE_spotri_work(int matrix_layout, char uplo, lapack_int n, float *a, lapack_int lda) {
+  const char *self = "LAPACKE_spotri_work";
+  if (!layout_ok(matrix_layout)) return report(self, 1);
+  const bool row = matrix_layout == LAPACK_ROW_MAJOR;
+  if (row && lda < std::max<lapack_int>(1, n)) return report(self, 5);
+  try {
+    ColMajor<float> a_(row, row, n, n, a, lda, true);
+    lapack_int info = 0;
+    ::spotri(&uplo, &n, reinterpret_cast<float *>(a_.data()), a_.ld(), &info, 1);
+    return info < 0 ? info - 1 : info;
+  } catch (const std::bad_alloc &) {
+    return out_of_memory(self, LAPACK_TRANSPOSE_MEMORY_ERROR);
+  }
+}
+
+lapack_int LAPACKE_spotri(int matrix_layout, char uplo, lapack_int n, float *a, lapack_int lda) {
+  if (!layout_ok(matrix_layout)) return report("LAPACKE_spotri", 1);
+  return LAPACKE_spotri_work(matrix_layout, uplo, n, a, lda);
+}
+
+lapack_int LAPACKE_cpotri_work(int matrix_layout, char uplo, lapack_int n, lapack_complex_float *a, lapack_int lda) {
+  const char *self = "LAPACKE_cpotri_work";
+  if (!layout_ok(matrix_layout)) return report(self, 1);
+  const bool row = matrix_layout == LAPACK_ROW_MAJOR;
+  if (row && lda < std::max<lapack_int>(1, n)) return report(self, 5);
+  try {
+    ColMajor<lapack_complex_float> a_(row, row, n, n, a, lda, true);
+    lapack_int info = 0;
+    ::cpotri(&uplo, &n, reinterpret_cast<orb_complex8 *>(a_.data()), a_.ld(), &info, 1);
+    return info < 0 ? info - 1 : info;
+  } catch (const std::bad_alloc &) {
+    return out_of_memory(self, LAPACK_TRANSPOSE_MEMORY_ERROR);
+  }
+}
+
+lapack_int LAPACKE_cpotri(int matrix_layout, char uplo, lapack_int n, lapack_complex_float *a, lapack_int lda) {
+  if (!layout_ok(matrix_layout)) return report("LAPACKE_cpotri", 1);
+  return LAPACKE_cpotri_work(matrix_layout, uplo, n, a, lda);
+}
+
+lapack_int LAPACKE_strtri_work(int matrix_layout, char uplo, char diag, lapack_int n, float *a, lapack_int lda) {
+  const char *self = "LAPACKE_strtri_work";
+  if (!layout_ok(matrix_layout)) return report(self, 1);
+  const bool row = matrix_layout == LAPACK_ROW_MAJOR;
+  if (row && lda < std::max<lapack_int>(1, n)) return report(self, 6);
+  try {
+    ColMajor<float> a_(row, row, n, n, a, lda, true);
+    lapack_int info = 0;
+    ::strtri(&uplo, &diag, &n, reinterpret_cast<float *>(a_.data()), a_.ld(), &info, 1, 1);
+    return info < 0 ? info - 1 : info;
+  } catch (const std::bad_alloc &) {
+    return out_of_memory(self, LAPACK_TRANSPOSE_MEMORY_ERROR);
+  }
+}
+
+lapack_int LAPACKE_strtri(int matrix_layout, char uplo, char diag, lapack_int n, float *a, lapack_int lda) {
+  if (!layout_ok(matrix_layout)) return report("LAPACKE_strtri", 1);
+  return LAPACKE_strtri_work(matrix_layout, uplo, diag, n, a, lda);
+}
+
+lapack_int LAPACKE_ctrtri_work(int matrix_layout, char uplo, char diag, lapack_int n, lapack_complex_float *a, lapack_int lda) {
+  const char *self = "LAPACKE_ctrtri_work";
+  if (!layout_ok(matrix_layout)) return report(self, 1);
+  const bool row = matrix_layout == LAPACK_ROW_MAJOR;
+  if (row && lda < std::max<lapack_int>(1, n)) return report(self, 6);
+  try {
+    ColMajor<lapack_complex_float> a_(row, row, n, n, a, lda, true);
+    lapack_int info = 0;
+    ::ctrtri(&uplo, &diag, &n, reinterpret_cast<orb_complex8 *>(a_.data()), a_.ld(), &info, 1, 1);
+    return info < 0 ? info - 1 : info;
+  } catch (const std::bad_alloc &) {
+    return out_of_memory(self, LAPACK_TRANSPOSE_MEMORY_ERROR);
+  }
+}
+
+lapack_int LAPACKE_ctrtri(int matrix_layout, char uplo, char diag, lapack_int n, lapack_complex_float *a, lapack_int lda) {
+  if (!layout_ok(matrix_layout)) return report("LAPACKE_ctrtri", 1);
+  return LAPACKE_ctrtri_work(matrix_layout, uplo, diag, n, a, lda);
+}
+
+lapack_int LAPACKE_strtrs_work(int matrix_layout, char uplo, char trans, char diag, lapack_int n, lapack_int nrhs, const float *a, lapack_int lda, float *b, lapack_int ldb) {
+  const char *self = "LAPACKE_strtrs_work";
+  if (!layout_ok(matrix_layout)) return report(self, 1);
+  const bool row = matrix_layout == LAPACK_ROW_MAJOR;
+  if (row && lda < std::max<lapack_int>(1, n)) return report(self, 8);
+  if (row && ldb < std::max<lapack_int>(1, nrhs)) return report(self, 10);
+  try {
+    ColMajor<const float> a_(row, row, n, n, a, lda, false);
+    ColMajor<float> b_(row, row, n, nrhs, b, ldb, true);
+    lapack_int info = 0;
+    ::strtrs(&uplo, &trans, &diag, &n, &nrhs, reinterpret_cast<const float *>(a_.data()), a_.ld(), reinterpret_cast<float *>(b_.data()), b_.ld(), &info, 1, 1, 1);
+    return info < 0 ? info - 1 : info;
+  } catch (const std::bad_alloc &) {
+    return out_of_memory(self, LAPACK_TRANSPOSE_MEMORY_ERROR);
+  }
+}
+
+lapack_int LAPACKE_strtrs(int matrix_layout, char uplo, char trans, char diag, lapack_int n, lapack_int nrhs, const float *a, lapack_int lda, float *b, lapack_int ldb) {
+  if (!layout_ok(matrix_layout)) return report("LAPACKE_strtrs", 1);
+  return LAPACKE_strtrs_work(matrix_layout, uplo, trans, diag, n, nrhs, a, lda, b, ldb);
+}
+
+lapack_int LAPACKE_ctrtrs_work(int matrix_layout, char uplo, char trans, char diag, lapack_int n, lapack_int nrhs, const lapack_complex_float *a, lapack_int lda, lapack_complex_float *b, lapack_int ldb) {
+  const char *self = "LAPACKE_ctrtrs_work";
+  if (!layout_ok(matrix_layout)) return report(self, 1);
+  const bool row = matrix_layout == LAPACK_ROW_MAJOR;
+  if (row && lda < std::max<lapack_int>(1, n)) return report(self, 8);
+  if (row && ldb < std::max<lapack_int>(1, nrhs)) return report(self, 10);
+  try {
+    ColMajor<const lapack_complex_float> a_(row, row, n, n, a, lda, false);
+    ColMajor<lapack_complex_float> b_(row, row, n, nrhs, b, ldb, true);
+    lapack_int info = 0;
+    ::ctrtrs(&uplo, &trans, &diag, &n, &nrhs, reinterpret_cast<const orb_complex8 *>(a_.data()), a_.ld(), reinterpret_cast<orb_complex8 *>(b_.data()), b_.ld(), &info, 1, 1, 1);
+    return info < 0 ? info - 1 : info;
+  } catch (const std::bad_alloc &) {
+    return out_of_memory(self, LAPACK_TRANSPOSE_MEMORY_ERROR);
+  }
+}
+
+lapack_int LAPACKE_ctrtrs(int matrix_layout, char uplo, char trans, char diag, lapack_int n, lapack_int nrhs, const lapack_complex_float *a, lapack_int lda, lapack_complex_float *b, lapack_int ldb) {
+  if (!layout_ok(matrix_layout)) return report("LAPACKE_ctrtrs", 1);
+  return LAPACKE_ctrtrs_work(matrix_layout, uplo, trans, diag, n, nrhs, a, lda, b, ldb);
+}
+
+lapack_int LAPACKE_sorgqr_work(int matrix_layout, lapack_int m, lapack_int n, lapack_int k, float *a, lapack_int lda, const float *tau, float *work, lapack_int lwork) {
+  const char *self = "LAPACKE_sorgqr_work";
+  if (!layout_ok(matrix_layout)) return report(self, 1);
+  const bool row = matrix_layout == LAPACK_ROW_MAJOR;
+  const bool query = lwork == -1;
+  if (row && lda < std::max<lapack_int>(1, n)) return report(self, 6);
+  try {
+    ColMajor<float> a_(row, row && !query, m, n, a, lda, true);
+    lapack_int info = 0;
+    ::sorgqr(&m, &n, &k, reinterpret_cast<float *>(a_.data()), a_.ld(), reinterpret_cast<const float *>(tau), reinterpret_cast<float *>(work), &lwork, &info);
+    return info < 0 ? info - 1 : info;
+  } catch (const std::bad_alloc &) {
+    return out_of_memory(self, LAPACK_TRANSPOSE_MEMORY_ERROR);
+  }
+}
+
+lapack_int LAPACKE_sorgqr(int matrix_layout, lapack_int m, lapack_int n, lapack_int k, float *a, lapack_int lda, const float *tau) {
+  if (!layout_ok(matrix_layout)) return report("LAPACKE_sorgqr", 1);
+  float size{};
+  lapack_int info = LAPACKE_sorgqr_work(matrix_layout, m, n, k, a, lda, tau, &size, -1);
+  if (info != 0) return info;
+  std::vector<float> work;
+  lapack_int lwork = workspace_length(size);
+  try {
+    work.resize(static_cast<std::size_t>(lwork));
+  } catch (const std::bad_alloc &) {
+    return out_of_memory("LAPACKE_sorgqr", LAPACK_WORK_MEMORY_ERROR);
+  }
+  return LAPACKE_sorgqr_work(matrix_layout, m, n, k, a, lda, tau, work.data(), lwork);
+}
+
+lapack_int LAPACKE_cungqr_work(int matrix_layout, lapack_int m, lapack_int n, lapack_int k, lapack_complex_float *a, lapack_int lda, const lapack_complex_float *tau, lapack_complex_float *work, lapack_int lwork) {
+  const char *self = "LAPACKE_cungqr_work";
+  if (!layout_ok(matrix_layout)) return report(self, 1);
+  const bool row = matrix_layout == LAPACK_ROW_MAJOR;
+  const bool query = lwork == -1;
+  if (row && lda < std::max<lapack_int>(1, n)) return report(self, 6);
+  try {
+    ColMajor<lapack_complex_float> a_(row, row && !query, m, n, a, lda, true);
+    lapack_int info = 0;
+    ::cungqr(&m, &n, &k, reinterpret_cast<orb_complex8 *>(a_.data()), a_.ld(), reinterpret_cast<const orb_complex8 *>(tau), reinterpret_cast<orb_complex8 *>(work), &lwork, &info);
+    return info < 0 ? info - 1 : info;
+  } catch (const std::bad_alloc &) {
+    return out_of_memory(self, LAPACK_TRANSPOSE_MEMORY_ERROR);
+  }
+}
+
+lapack_int LAPACKE_cungqr(int matrix_layout, lapack_int m, lapack_int n, lapack_int k, lapack_complex_float *a, lapack_int lda, const lapack_complex_float *tau) {
+  if (!layout_ok(matrix_layout)) return report("LAPACKE_cungqr", 1);
+  lapack_complex_float size{};
+  lapack_int info = LAPACKE_cungqr_work(matrix_layout, m, n, k, a, lda, tau, &size, -1);
+  if (info != 0) return info;
+  std::vector<lapack_complex_float> work;
+  lapack_int lwork = workspace_length(size);
+  try {
+    work.resize(static_cast<std::size_t>(lwork));
+  } catch (const std::bad_alloc &) {
+    return out_of_memory("LAPACKE_cungqr", LAPACK_WORK_MEMORY_ERROR);
+  }
+  return LAPACKE_cungqr_work(matrix_layout, m, n, k, a, lda, tau, work.data(), lwork);
+}
+
+lapack_int LAPACKE_sormqr_work(int matrix_layout, char side, char trans, lapack_int m, lapack_int n, lapack_int k, const float *a, lapack_int lda, const float *tau, float *c, lapack_int ldc, float *work, lapack_int lwork) {
+  const char *self = "LAPACKE_sormqr_work";
+  if (!layout_ok(matrix_layout)) return report(self, 1);
+  const bool row = matrix_layout == LAPACK_ROW_MAJOR;
+  const bool query = lwork == -1;
+  if (row && lda < std::max<lapack_int>(1, k)) return report(self, 8);
+  if (row && ldc < std::max<lapack_int>(1, n)) return report(self, 11);
+  try {
+    ColMajor<const float> a_(row, row && !query, (left(side)?m:n), k, a, lda, false);
+    ColMajor<float> c_(row, row && !query, m, n, c, ldc, true);
+    lapack_int info = 0;
+    ::sormqr(&side, &trans, &m, &n, &k, reinterpret_cast<const float *>(a_.data()), a_.ld(), reinterpret_cast<const float *>(tau), reinterpret_cast<float *>(c_.data()), c_.ld(), reinterpret_cast<float *>(work), &lwork, &info, 1, 1);
+    return info < 0 ? info - 1 : info;
+  } catch (const std::bad_alloc &) {
+    return out_of_memory(self, LAPACK_TRANSPOSE_MEMORY_ERROR);
+  }
+}
+
+lapack_int LAPACKE_sormqr(int matrix_layout, char side, char trans, lapack_int m, lapack_int n, lapack_int k, const float *a, lapack_int lda, const float *tau, float *c, lapack_int ldc) {
+  if (!layout_ok(matrix_layout)) return report("LAPACKE_sormqr", 1);
+  float size{};
+  lapack_int info = LAPACKE_sormqr_work(matrix_layout, side, trans, m, n, k, a, lda, tau, c, ldc, &size, -1);
+  if (info != 0) return info;
+  std::vector<float> work;
+  lapack_int lwork = workspace_length(size);
+  try {
+    work.resize(static_cast<std::size_t>(lwork));
+  } catch (const std::bad_alloc &) {
+    return out_of_memory("LAPACKE_sormqr", LAPACK_WORK_MEMORY_ERROR);
+  }
+  return LAPACKE_sormqr_work(matrix_layout, side, trans, m, n, k, a, lda, tau, c, ldc, work.data(), lwork);
+}
+
+lapack_int LAPACKE_cunmqr_work(int matrix_layout, char side, char trans, lapack_int m, lapack_int n, lapack_int k, const lapack_complex_float *a, lapack_int lda, const lapack_complex_float *tau, lapack_complex_float *c, lapack_int ldc, lapack_complex_float *work, lapack_int lwork) {
+  const char *self = "LAPACKE_cunmqr_work";
+  if (!layout_ok(matrix_layout)) return report(self, 1);
+  const bool row = matrix_layout == LAPACK_ROW_MAJOR;
+  const bool query = lwork == -1;
+  if (row && lda < std::max<lapack_int>(1, k)) return report(self, 8);
+  if (row && ldc < std::max<lapack_int>(1, n)) return report(self, 11);
+  try {
+    ColMajor<const lapack_complex_float> a_(row, row && !query, (left(side)?m:n), k, a, lda, false);
+    ColMajor<lapack_complex_float> c_(row, row && !query, m, n, c, ldc, true);
+    lapack_int info = 0;
+    ::cunmqr(&side, &trans, &m, &n, &k, reinterpret_cast<const orb_complex8 *>(a_.data()), a_.ld(), reinterpret_cast<const orb_complex8 *>(tau), reinterpret_cast<orb_complex8 *>(c_.data()), c_.ld(), reinterpret_cast<orb_complex8 *>(work), &lwork, &info, 1, 1);
+    return info < 0 ? info - 1 : info;
+  } catch (const std::bad_alloc &) {
+    return out_of_memory(self, LAPACK_TRANSPOSE_MEMORY_ERROR);
+  }
+}
+
+lapack_int LAPACKE_cunmqr(int matrix_layout, char side, char trans, lapack_int m, lapack_int n, lapack_int k, const lapack_complex_float *a, lapack_int lda, const lapack_complex_float *tau, lapack_complex_float *c, lapack_int ldc) {
+  if (!layout_ok(matrix_layout)) return report("LAPACKE_cunmqr", 1);
+  lapack_complex_float size{};
+  lapack_int info = LAPACKE_cunmqr_work(matrix_layout, side, trans, m, n, k, a, lda, tau, c, ldc, &size, -1);
+  if (info != 0) return info;
+  std::vector<lapack_complex_float> work;
+  lapack_int lwork = workspace_length(size);
+  try {
+    work.resize(static_cast<std::size_t>(lwork));
+  } catch (const std::bad_alloc &) {
+    return out_of_memory("LAPACKE_cunmqr", LAPACK_WORK_MEMORY_ERROR);
+  }
+  return LAPACKE_cunmqr_work(matrix_layout, side, trans, m, n, k, a, lda, tau, c, ldc, work.data(), lwork);
+}
+
 }  // extern "C"

@@ -19,6 +19,11 @@ inline bool layout_ok(int layout) {
   return layout == LAPACK_ROW_MAJOR || layout == LAPACK_COL_MAJOR;
 }
 
+// Whether a side argument puts the orthogonal factor on the left.
+inline bool left(char side) {
+  return side == 'L' || side == 'l';
+}
+
 // Reports argument `position` of `name` and returns the code the entry gives.
 inline lapack_int report(const char *name, lapack_int position) {
   LAPACKE_xerbla(name, -position);

@@ -236,6 +236,139 @@ TYPED_TEST(Lapacke, QrWithAllocatedAndCallerWorkspace) {
   }
 }
 
+// Band LU: the band array is itself a matrix (2 kl + ku + 1 rows, n columns),
+// row-major when the layout is; factor and solve alike in both layouts.
+TEST(LapackeReal, BandLuInBothLayouts) {
+  std::mt19937 gen(8);
+  const int n = 7, kl = 2, ku = 1, nrhs = 2, rows = 2 * kl + ku + 1;
+  Pair<float> ab(rows, n, gen), b(n, nrhs, gen), x = b;
+  // The diagonal (band row kl + ku) dominates; the top kl rows are workspace.
+  for (int j = 0; j < n; ++j) {
+    ab.set(kl + ku, j, 4 + ab.c(kl + ku, j));
+    for (int i = 0; i < kl; ++i) ab.set(i, j, 0);
+  }
+  Pair<float> ab0 = ab;
+  std::vector<lapack_int> pc(n), pr(n);
+  ASSERT_EQ(LAPACKE_sgbtrf(LAPACK_COL_MAJOR, n, n, kl, ku, ab.col.data(), ab.ldc, pc.data()), 0);
+  ASSERT_EQ(LAPACKE_sgbtrf(LAPACK_ROW_MAJOR, n, n, kl, ku, ab.row.data(), ab.ldr, pr.data()), 0);
+  EXPECT_EQ(pc, pr);
+  ab.expect_same(1e-5f);
+  ASSERT_EQ(LAPACKE_sgbtrs(LAPACK_COL_MAJOR, 'N', n, kl, ku, nrhs, ab.col.data(), ab.ldc, pc.data(),
+                           x.col.data(), x.ldc),
+            0);
+  ASSERT_EQ(LAPACKE_sgbtrs(LAPACK_ROW_MAJOR, 'N', n, kl, ku, nrhs, ab.row.data(), ab.ldr, pr.data(),
+                           x.row.data(), x.ldr),
+            0);
+  x.expect_same(1e-5f);
+  // A(i, j) sits in band row kl + ku + i - j of column j.
+  for (int i = 0; i < n; ++i)
+    for (int k = 0; k < nrhs; ++k) {
+      float s = 0;
+      for (int j = std::max(0, i - kl); j <= std::min(n - 1, i + ku); ++j)
+        s += ab0.c(kl + ku + i - j, j) * x.c(j, k);
+      EXPECT_NEAR(s, b.c(i, k), 1e-4);
+    }
+  // Row-major band arrays need ldab >= n (argument 7).
+  EXPECT_EQ(LAPACKE_sgbtrf(LAPACK_ROW_MAJOR, n, n, kl, ku, ab.row.data(), n - 1, pr.data()), -7);
+}
+
+// Triangular solve and inverse with either triangle and a unit diagonal.
+TYPED_TEST(Lapacke, TriangularSolveAndInverseInBothLayouts) {
+  using T = TypeParam;
+  std::mt19937 gen(21);
+  const int n = 6, nrhs = 3;
+  for (char uplo : {'U', 'L'})
+    for (char diag : {'N', 'U'}) {
+      Pair<T> a(n, n, gen, 4), x(n, nrhs, gen), inv = a;
+      if constexpr (std::is_same_v<T, cf>) {
+        ASSERT_EQ(LAPACKE_ctrtrs(LAPACK_COL_MAJOR, uplo, 'C', diag, n, nrhs, a.col.data(), a.ldc,
+                                 x.col.data(), x.ldc),
+                  0);
+        ASSERT_EQ(LAPACKE_ctrtrs(LAPACK_ROW_MAJOR, uplo, 'C', diag, n, nrhs, a.row.data(), a.ldr,
+                                 x.row.data(), x.ldr),
+                  0);
+        ASSERT_EQ(LAPACKE_ctrtri(LAPACK_COL_MAJOR, uplo, diag, n, inv.col.data(), inv.ldc), 0);
+        ASSERT_EQ(LAPACKE_ctrtri(LAPACK_ROW_MAJOR, uplo, diag, n, inv.row.data(), inv.ldr), 0);
+      } else {
+        ASSERT_EQ(LAPACKE_strtrs(LAPACK_COL_MAJOR, uplo, 'T', diag, n, nrhs, a.col.data(), a.ldc,
+                                 x.col.data(), x.ldc),
+                  0);
+        ASSERT_EQ(LAPACKE_strtrs(LAPACK_ROW_MAJOR, uplo, 'T', diag, n, nrhs, a.row.data(), a.ldr,
+                                 x.row.data(), x.ldr),
+                  0);
+        ASSERT_EQ(LAPACKE_strtri(LAPACK_COL_MAJOR, uplo, diag, n, inv.col.data(), inv.ldc), 0);
+        ASSERT_EQ(LAPACKE_strtri(LAPACK_ROW_MAJOR, uplo, diag, n, inv.row.data(), inv.ldr), 0);
+      }
+      x.expect_same(1e-5f);
+      inv.expect_same(1e-5f);
+    }
+}
+
+// Q from geqrf applied from either side, each transposition, both layouts;
+// forming Q explicitly gives the same product.
+TEST(LapackeReal, OrthogonalFactorAppliedAndFormedInBothLayouts) {
+  std::mt19937 gen(4);
+  const int m = 8, k = 5;
+  Pair<float> a(m, k, gen);
+  std::vector<float> tau(k);
+  ASSERT_EQ(LAPACKE_sgeqrf(LAPACK_COL_MAJOR, m, k, a.col.data(), a.ldc, tau.data()), 0);
+  for (int i = 0; i < m; ++i)
+    for (int j = 0; j < k; ++j) a.set(i, j, a.c(i, j));
+  for (char side : {'L', 'R'})
+    for (char trans : {'N', 'T'}) {
+      Pair<float> c = side == 'L' ? Pair<float>(m, 3, gen) : Pair<float>(3, m, gen);
+      ASSERT_EQ(LAPACKE_sormqr(LAPACK_COL_MAJOR, side, trans, c.rows, c.cols, k, a.col.data(),
+                               a.ldc, tau.data(), c.col.data(), c.ldc),
+                0);
+      ASSERT_EQ(LAPACKE_sormqr(LAPACK_ROW_MAJOR, side, trans, c.rows, c.cols, k, a.row.data(),
+                               a.ldr, tau.data(), c.row.data(), c.ldr),
+                0);
+      c.expect_same(1e-5f);
+    }
+  // Q's first k columns, formed row-major, are orthonormal.
+  Pair<float> q = a;
+  ASSERT_EQ(LAPACKE_sorgqr(LAPACK_ROW_MAJOR, m, k, k, q.row.data(), q.ldr, tau.data()), 0);
+  for (int i = 0; i < k; ++i)
+    for (int j = 0; j < k; ++j) {
+      float s = 0;
+      for (int r = 0; r < m; ++r) s += q.r(r, i) * q.r(r, j);
+      EXPECT_NEAR(s, i == j ? 1.f : 0.f, 1e-5);
+    }
+  // Row-major A of sormqr is r x k: lda below k is argument 8.
+  std::vector<float> c(64);
+  EXPECT_EQ(LAPACKE_sormqr(LAPACK_ROW_MAJOR, 'L', 'N', m, 2, k, a.row.data(), k - 1, tau.data(),
+                           c.data(), 2),
+            -8);
+}
+
+// The inverse from getri (workspace allocated) and potri, in both layouts.
+TYPED_TEST(Lapacke, InversesInBothLayouts) {
+  using T = TypeParam;
+  std::mt19937 gen(9);
+  const int n = 7;
+  Pair<T> a(n, n, gen, 3), p = positive_definite<T>(n, gen);
+  std::vector<lapack_int> pc(n), pr(n);
+  ASSERT_EQ(getrf(LAPACK_COL_MAJOR, a, pc), 0);
+  ASSERT_EQ(getrf(LAPACK_ROW_MAJOR, a, pr), 0);
+  if constexpr (std::is_same_v<T, cf>) {
+    ASSERT_EQ(LAPACKE_cgetri(LAPACK_COL_MAJOR, n, a.col.data(), a.ldc, pc.data()), 0);
+    ASSERT_EQ(LAPACKE_cgetri(LAPACK_ROW_MAJOR, n, a.row.data(), a.ldr, pr.data()), 0);
+    ASSERT_EQ(LAPACKE_cpotrf(LAPACK_COL_MAJOR, 'L', n, p.col.data(), p.ldc), 0);
+    ASSERT_EQ(LAPACKE_cpotrf(LAPACK_ROW_MAJOR, 'L', n, p.row.data(), p.ldr), 0);
+    ASSERT_EQ(LAPACKE_cpotri(LAPACK_COL_MAJOR, 'L', n, p.col.data(), p.ldc), 0);
+    ASSERT_EQ(LAPACKE_cpotri(LAPACK_ROW_MAJOR, 'L', n, p.row.data(), p.ldr), 0);
+  } else {
+    ASSERT_EQ(LAPACKE_sgetri(LAPACK_COL_MAJOR, n, a.col.data(), a.ldc, pc.data()), 0);
+    ASSERT_EQ(LAPACKE_sgetri(LAPACK_ROW_MAJOR, n, a.row.data(), a.ldr, pr.data()), 0);
+    ASSERT_EQ(LAPACKE_spotrf(LAPACK_COL_MAJOR, 'L', n, p.col.data(), p.ldc), 0);
+    ASSERT_EQ(LAPACKE_spotrf(LAPACK_ROW_MAJOR, 'L', n, p.row.data(), p.ldr), 0);
+    ASSERT_EQ(LAPACKE_spotri(LAPACK_COL_MAJOR, 'L', n, p.col.data(), p.ldc), 0);
+    ASSERT_EQ(LAPACKE_spotri(LAPACK_ROW_MAJOR, 'L', n, p.row.data(), p.ldr), 0);
+  }
+  a.expect_same(1e-4f);
+  p.expect_same(1e-4f);
+}
+
 // The message printed by a call, and its result.
 template <class F>
 std::pair<lapack_int, std::string> outcome(F call) {
