@@ -40,6 +40,20 @@ def read_table():
     return rows
 
 
+def split_top(shape):
+    """Splits "rows,cols" at the comma outside parentheses."""
+    depth = 0
+    for i, ch in enumerate(shape):
+        depth += ch == "("
+        depth -= ch == ")"
+        if ch == "," and depth == 0:
+            return shape[:i], shape[i + 1:]
+    sys.exit(f"shape {shape} is not rows,cols")
+
+
+AUX = {"iwork": "lapack_int", "rwork": "float"}
+
+
 def cxx_expr(shape):
     return re.sub(r"\bmin\(", "std::min<lapack_int>(", shape)
 
@@ -60,6 +74,12 @@ def c_params(p, args, with_work):
             out.append(f"const {t} *{a.name}")
         elif a.kind == "iout":
             out.append(f"lapack_int *{a.name}")
+        elif a.kind == "rout":
+            out.append(f"float *{a.name}")
+        elif a.kind in AUX:
+            if not with_work:
+                continue
+            out.append(f"{AUX[a.kind]} *{a.name}")
         elif a.kind == "iin":
             out.append(f"const lapack_int *{a.name}")
         elif a.kind == "work":
@@ -101,7 +121,7 @@ def work_body(p, routine, args):
     for i, a in enumerate(args):
         if a.kind in ("ge", "gein"):
             ld = args[i + 1]
-            rows, cols = (cxx_expr(s) for s in a.shape.split(","))
+            rows, cols = (cxx_expr(s) for s in split_top(a.shape))
             lines.append(f"  if (row && {ld.name} < std::max<lapack_int>(1, {cols})) "
                          f"return report(self, {pos[ld.name]});")
             mats.append((a, ld, rows, cols))
@@ -126,7 +146,7 @@ def work_body(p, routine, args):
         elif a.kind == "gein":
             call.append(f"reinterpret_cast<const {f} *>({a.name}_.data())")
             call.append(f"{a.name}_.ld()")
-        elif a.kind in ("iout", "iin"):
+        elif a.kind in ("iout", "iin", "rout") or a.kind in AUX:
             call.append(a.name)
         elif a.kind == "vout":
             call.append(f"reinterpret_cast<{f} *>({a.name})")
@@ -150,6 +170,7 @@ def high_body(p, routine, args):
     name = f"LAPACKE_{p}{routine}"
     hi, _ = c_params(p, args, False)
     names = [a.name for a in args if a.kind != "work"]
+    aux = [a for a in args if a.kind in AUX]
     lines = [f"  if (!layout_ok(matrix_layout)) return report(\"{name}\", 1);"]
     if not any(a.kind == "work" for a in args):
         lines.append(f"  return {name}_work(matrix_layout, {', '.join(names)});")
@@ -159,8 +180,20 @@ def high_body(p, routine, args):
         if a.kind == "work":
             before.append("&size")
             before.append("-1")
+        elif a.kind in AUX:
+            before.append(f"{a.name}.data()")
         else:
             before.append(a.name)
+    for a in aux:
+        lines.append(f"  std::vector<{AUX[a.kind]}> {a.name};")
+    if aux:
+        lines.append("  try {")
+        for a in aux:
+            lines.append(f"    {a.name}.resize(static_cast<std::size_t>("
+                         f"std::max<lapack_int>(1, {cxx_expr(a.shape)})));")
+        lines.append("  } catch (const std::bad_alloc &) {")
+        lines.append(f"    return out_of_memory(\"{name}\", LAPACK_WORK_MEMORY_ERROR);")
+        lines.append("  }")
     lines.append(f"  {C_TYPE[p]} size{{}};")
     lines.append(f"  lapack_int info = {name}_work(matrix_layout, {', '.join(before)});")
     lines.append("  if (info != 0) return info;")

@@ -640,4 +640,88 @@ lapack_int LAPACKE_cunmqr(int matrix_layout, char side, char trans, lapack_int m
   return LAPACKE_cunmqr_work(matrix_layout, side, trans, m, n, k, a, lda, tau, c, ldc, work.data(), lwork);
 }
 
+lapack_int LAPACKE_sgesdd_work(int matrix_layout, char jobz, lapack_int m, lapack_int n, float *a, lapack_int lda, float *s, float *u, lapack_int ldu, float *vt, lapack_int ldvt, float *work, lapack_int lwork, lapack_int *iwork) {
+  const char *self = "LAPACKE_sgesdd_work";
+  if (!layout_ok(matrix_layout)) return report(self, 1);
+  const bool row = matrix_layout == LAPACK_ROW_MAJOR;
+  const bool query = lwork == -1;
+  if (row && lda < std::max<lapack_int>(1, n)) return report(self, 6);
+  if (row && ldu < std::max<lapack_int>(1, svd_u_cols(jobz,m,n))) return report(self, 9);
+  if (row && ldvt < std::max<lapack_int>(1, n)) return report(self, 11);
+  try {
+    ColMajor<float> a_(row, row && !query, m, n, a, lda, true);
+    ColMajor<float> u_(row, row && !query, m, svd_u_cols(jobz,m,n), u, ldu, true);
+    ColMajor<float> vt_(row, row && !query, svd_vt_rows(jobz,m,n), n, vt, ldvt, true);
+    lapack_int info = 0;
+    ::sgesdd(&jobz, &m, &n, reinterpret_cast<float *>(a_.data()), a_.ld(), s, reinterpret_cast<float *>(u_.data()), u_.ld(), reinterpret_cast<float *>(vt_.data()), vt_.ld(), reinterpret_cast<float *>(work), &lwork, iwork, &info, 1);
+    return info < 0 ? info - 1 : info;
+  } catch (const std::bad_alloc &) {
+    return out_of_memory(self, LAPACK_TRANSPOSE_MEMORY_ERROR);
+  }
+}
+
+lapack_int LAPACKE_sgesdd(int matrix_layout, char jobz, lapack_int m, lapack_int n, float *a, lapack_int lda, float *s, float *u, lapack_int ldu, float *vt, lapack_int ldvt) {
+  if (!layout_ok(matrix_layout)) return report("LAPACKE_sgesdd", 1);
+  std::vector<lapack_int> iwork;
+  try {
+    iwork.resize(static_cast<std::size_t>(std::max<lapack_int>(1, 8*std::min<lapack_int>(m,n))));
+  } catch (const std::bad_alloc &) {
+    return out_of_memory("LAPACKE_sgesdd", LAPACK_WORK_MEMORY_ERROR);
+  }
+  float size{};
+  lapack_int info = LAPACKE_sgesdd_work(matrix_layout, jobz, m, n, a, lda, s, u, ldu, vt, ldvt, &size, -1, iwork.data());
+  if (info != 0) return info;
+  std::vector<float> work;
+  lapack_int lwork = workspace_length(size);
+  try {
+    work.resize(static_cast<std::size_t>(lwork));
+  } catch (const std::bad_alloc &) {
+    return out_of_memory("LAPACKE_sgesdd", LAPACK_WORK_MEMORY_ERROR);
+  }
+  return LAPACKE_sgesdd_work(matrix_layout, jobz, m, n, a, lda, s, u, ldu, vt, ldvt, work.data(), lwork, iwork.data());
+}
+
+lapack_int LAPACKE_cgesdd_work(int matrix_layout, char jobz, lapack_int m, lapack_int n, lapack_complex_float *a, lapack_int lda, float *s, lapack_complex_float *u, lapack_int ldu, lapack_complex_float *vt, lapack_int ldvt, lapack_complex_float *work, lapack_int lwork, float *rwork, lapack_int *iwork) {
+  const char *self = "LAPACKE_cgesdd_work";
+  if (!layout_ok(matrix_layout)) return report(self, 1);
+  const bool row = matrix_layout == LAPACK_ROW_MAJOR;
+  const bool query = lwork == -1;
+  if (row && lda < std::max<lapack_int>(1, n)) return report(self, 6);
+  if (row && ldu < std::max<lapack_int>(1, svd_u_cols(jobz,m,n))) return report(self, 9);
+  if (row && ldvt < std::max<lapack_int>(1, n)) return report(self, 11);
+  try {
+    ColMajor<lapack_complex_float> a_(row, row && !query, m, n, a, lda, true);
+    ColMajor<lapack_complex_float> u_(row, row && !query, m, svd_u_cols(jobz,m,n), u, ldu, true);
+    ColMajor<lapack_complex_float> vt_(row, row && !query, svd_vt_rows(jobz,m,n), n, vt, ldvt, true);
+    lapack_int info = 0;
+    ::cgesdd(&jobz, &m, &n, reinterpret_cast<orb_complex8 *>(a_.data()), a_.ld(), s, reinterpret_cast<orb_complex8 *>(u_.data()), u_.ld(), reinterpret_cast<orb_complex8 *>(vt_.data()), vt_.ld(), reinterpret_cast<orb_complex8 *>(work), &lwork, rwork, iwork, &info, 1);
+    return info < 0 ? info - 1 : info;
+  } catch (const std::bad_alloc &) {
+    return out_of_memory(self, LAPACK_TRANSPOSE_MEMORY_ERROR);
+  }
+}
+
+lapack_int LAPACKE_cgesdd(int matrix_layout, char jobz, lapack_int m, lapack_int n, lapack_complex_float *a, lapack_int lda, float *s, lapack_complex_float *u, lapack_int ldu, lapack_complex_float *vt, lapack_int ldvt) {
+  if (!layout_ok(matrix_layout)) return report("LAPACKE_cgesdd", 1);
+  std::vector<float> rwork;
+  std::vector<lapack_int> iwork;
+  try {
+    rwork.resize(static_cast<std::size_t>(std::max<lapack_int>(1, svd_rwork(jobz,m,n))));
+    iwork.resize(static_cast<std::size_t>(std::max<lapack_int>(1, 8*std::min<lapack_int>(m,n))));
+  } catch (const std::bad_alloc &) {
+    return out_of_memory("LAPACKE_cgesdd", LAPACK_WORK_MEMORY_ERROR);
+  }
+  lapack_complex_float size{};
+  lapack_int info = LAPACKE_cgesdd_work(matrix_layout, jobz, m, n, a, lda, s, u, ldu, vt, ldvt, &size, -1, rwork.data(), iwork.data());
+  if (info != 0) return info;
+  std::vector<lapack_complex_float> work;
+  lapack_int lwork = workspace_length(size);
+  try {
+    work.resize(static_cast<std::size_t>(lwork));
+  } catch (const std::bad_alloc &) {
+    return out_of_memory("LAPACKE_cgesdd", LAPACK_WORK_MEMORY_ERROR);
+  }
+  return LAPACKE_cgesdd_work(matrix_layout, jobz, m, n, a, lda, s, u, ldu, vt, ldvt, work.data(), lwork, rwork.data(), iwork.data());
+}
+
 }  // extern "C"

@@ -24,6 +24,27 @@ inline bool left(char side) {
   return side == 'L' || side == 'l';
 }
 
+// The shapes of gesdd's singular vectors: U is m x svd_u_cols, V^T is
+// svd_vt_rows x n; a factor that is not computed has no columns (rows).
+inline lapack_int svd_u_cols(char jobz, lapack_int m, lapack_int n) {
+  const char j = static_cast<char>(jobz | 0x20);
+  if (j == 'a') return m;
+  if (j == 's' || (j == 'o' && m < n)) return std::min(m, n);
+  return 0;
+}
+inline lapack_int svd_vt_rows(char jobz, lapack_int m, lapack_int n) {
+  const char j = static_cast<char>(jobz | 0x20);
+  if (j == 'a' || (j == 'o' && m >= n)) return n;
+  if (j == 's') return std::min(m, n);
+  return 0;
+}
+// The real workspace of cgesdd.
+inline lapack_int svd_rwork(char jobz, lapack_int m, lapack_int n) {
+  const lapack_int k = std::min(m, n), l = std::max(m, n);
+  if ((jobz | 0x20) == 'n') return 7 * k;
+  return k * std::max(5 * k + 7, 2 * l + 2 * k + 1);
+}
+
 // Reports argument `position` of `name` and returns the code the entry gives.
 inline lapack_int report(const char *name, lapack_int position) {
   LAPACKE_xerbla(name, -position);
