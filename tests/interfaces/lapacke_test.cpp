@@ -369,6 +369,59 @@ TYPED_TEST(Lapacke, InversesInBothLayouts) {
   p.expect_same(1e-4f);
 }
 
+// The singular values and vectors alike in both layouts, for thin, wide and
+// values-only decompositions; U S V^T gives A back.
+TYPED_TEST(Lapacke, SingularValueDecompositionInBothLayouts) {
+  using T = TypeParam;
+  std::mt19937 gen(14);
+  for (auto [m, n] : {std::pair{7, 4}, {4, 6}})
+    for (char jobz : {'S', 'A', 'N'}) {
+      const int k = std::min(m, n);
+      const int ucols = jobz == 'A' ? m : jobz == 'S' ? k : 0;
+      const int vrows = jobz == 'A' ? n : jobz == 'S' ? k : 0;
+      Pair<T> a(m, n, gen), a0 = a, u(m, std::max(ucols, 1), gen), vt(std::max(vrows, 1), n, gen);
+      std::vector<float> sc(k), sr(k);
+      T *uc = jobz == 'N' ? nullptr : u.col.data(), *ur = jobz == 'N' ? nullptr : u.row.data();
+      T *vc = jobz == 'N' ? nullptr : vt.col.data(), *vr = jobz == 'N' ? nullptr : vt.row.data();
+      if constexpr (std::is_same_v<T, cf>) {
+        ASSERT_EQ(LAPACKE_cgesdd(LAPACK_COL_MAJOR, jobz, m, n, a.col.data(), a.ldc, sc.data(), uc,
+                                 u.ldc, vc, vt.ldc),
+                  0);
+        ASSERT_EQ(LAPACKE_cgesdd(LAPACK_ROW_MAJOR, jobz, m, n, a.row.data(), a.ldr, sr.data(), ur,
+                                 u.ldr, vr, vt.ldr),
+                  0);
+      } else {
+        ASSERT_EQ(LAPACKE_sgesdd(LAPACK_COL_MAJOR, jobz, m, n, a.col.data(), a.ldc, sc.data(), uc,
+                                 u.ldc, vc, vt.ldc),
+                  0);
+        ASSERT_EQ(LAPACKE_sgesdd(LAPACK_ROW_MAJOR, jobz, m, n, a.row.data(), a.ldr, sr.data(), ur,
+                                 u.ldr, vr, vt.ldr),
+                  0);
+      }
+      for (int i = 0; i < k; ++i) EXPECT_NEAR(sc[i], sr[i], 1e-5 * sc[0]);
+      if (jobz == 'N') continue;
+      u.expect_same(1e-4f);
+      vt.expect_same(1e-4f);
+      for (int i = 0; i < m; ++i)
+        for (int j = 0; j < n; ++j) {
+          T r = 0;
+          for (int p = 0; p < k; ++p) r += u.r(i, p) * sr[p] * vt.r(p, j);
+          EXPECT_NEAR(std::abs(r - a0.c(i, j)), 0, 1e-5 * sr[0] * m);
+        }
+    }
+  // Row-major U of jobz 'A' is m x m: ldu below m is argument 9.
+  std::vector<T> w(64);
+  std::vector<float> s(8);
+  if constexpr (std::is_same_v<T, cf>)
+    EXPECT_EQ(LAPACKE_cgesdd(LAPACK_ROW_MAJOR, 'A', 5, 3, w.data(), 3, s.data(), w.data(), 4,
+                             w.data(), 3),
+              -9);
+  else
+    EXPECT_EQ(LAPACKE_sgesdd(LAPACK_ROW_MAJOR, 'A', 5, 3, w.data(), 3, s.data(), w.data(), 4,
+                             w.data(), 3),
+              -9);
+}
+
 // The message printed by a call, and its result.
 template <class F>
 std::pair<lapack_int, std::string> outcome(F call) {
