@@ -52,6 +52,12 @@ def split_top(shape):
 
 
 AUX = {"iwork": "lapack_int", "rwork": "float"}
+# Workspaces sized by the query: the element type (None: the scalar type).
+QUERIED = {"work": None, "rworkq": "float", "iworkq": "lapack_int"}
+
+
+def elem(p, a):
+    return QUERIED[a.kind] or C_TYPE[p]
 
 
 def cxx_expr(shape):
@@ -82,16 +88,20 @@ def c_params(p, args, with_work):
             out.append(f"{AUX[a.kind]} *{a.name}")
         elif a.kind == "iin":
             out.append(f"const lapack_int *{a.name}")
-        elif a.kind == "work":
+        elif a.kind in QUERIED:
             if not with_work:
                 continue
-            out.append(f"{t} *work")
-            pos["work"] = n
+            out.append(f"{elem(p, a)} *{a.name}")
+            pos[a.name] = n
             n += 1
-            out.append("lapack_int lwork")
-            pos["lwork"] = n
+            out.append(f"lapack_int l{a.name}")
+            pos["l" + a.name] = n
             n += 1
             continue
+        elif a.kind == "real":
+            out.append(f"float {a.name}")
+        elif a.kind == "intout":
+            out.append(f"lapack_int *{a.name}")
         else:
             sys.exit(f"unknown argument kind {a.kind}")
         pos[a.name] = n
@@ -110,12 +120,14 @@ def prototypes(p, routine, args):
 def work_body(p, routine, args):
     name = f"LAPACKE_{p}{routine}_work"
     _, pos = c_params(p, args, True)
-    has_work = any(a.kind == "work" for a in args)
+    queried = [a for a in args if a.kind in QUERIED]
+    has_work = bool(queried)
     lines = [f"  const char *self = \"{name}\";",
              "  if (!layout_ok(matrix_layout)) return report(self, 1);",
              "  const bool row = matrix_layout == LAPACK_ROW_MAJOR;"]
     if has_work:
-        lines.append("  const bool query = lwork == -1;")
+        test = " || ".join(f"l{a.name} == -1" for a in queried)
+        lines.append(f"  const bool query = {test};")
     copy = "row && !query" if has_work else "row"
     mats = []
     for i, a in enumerate(args):
@@ -135,8 +147,10 @@ def work_body(p, routine, args):
     lengths = 0
     f = F_TYPE[p]
     for a in args:
-        if a.kind in ("int",):
+        if a.kind in ("int", "real"):
             call.append(f"&{a.name}")
+        elif a.kind == "intout":
+            call.append(a.name)
         elif a.kind == "char":
             call.append(f"&{a.name}")
             lengths += 1
@@ -155,6 +169,9 @@ def work_body(p, routine, args):
         elif a.kind == "work":
             call.append(f"reinterpret_cast<{f} *>(work)")
             call.append("&lwork")
+        elif a.kind in QUERIED:
+            call.append(a.name)
+            call.append(f"&l{a.name}")
     call.append("&info")
     call += ["1"] * lengths
     lines.append("    lapack_int info = 0;")
@@ -172,13 +189,14 @@ def high_body(p, routine, args):
     names = [a.name for a in args if a.kind != "work"]
     aux = [a for a in args if a.kind in AUX]
     lines = [f"  if (!layout_ok(matrix_layout)) return report(\"{name}\", 1);"]
-    if not any(a.kind == "work" for a in args):
+    queried = [a for a in args if a.kind in QUERIED]
+    if not queried:
         lines.append(f"  return {name}_work(matrix_layout, {', '.join(names)});")
         return lines
     before = []
     for a in args:
-        if a.kind == "work":
-            before.append("&size")
+        if a.kind in QUERIED:
+            before.append(f"&{a.name}_size")
             before.append("-1")
         elif a.kind in AUX:
             before.append(f"{a.name}.data()")
@@ -194,17 +212,27 @@ def high_body(p, routine, args):
         lines.append("  } catch (const std::bad_alloc &) {")
         lines.append(f"    return out_of_memory(\"{name}\", LAPACK_WORK_MEMORY_ERROR);")
         lines.append("  }")
-    lines.append(f"  {C_TYPE[p]} size{{}};")
+    for a in queried:
+        lines.append(f"  {elem(p, a)} {a.name}_size{{}};")
     lines.append(f"  lapack_int info = {name}_work(matrix_layout, {', '.join(before)});")
     lines.append("  if (info != 0) return info;")
-    lines.append(f"  std::vector<{C_TYPE[p]}> work;")
-    lines.append("  lapack_int lwork = workspace_length(size);")
+    for a in queried:
+        lines.append(f"  std::vector<{elem(p, a)}> {a.name};")
+        lines.append(f"  lapack_int l{a.name} = workspace_length({a.name}_size);")
     lines.append("  try {")
-    lines.append("    work.resize(static_cast<std::size_t>(lwork));")
+    for a in queried:
+        lines.append(f"    {a.name}.resize(static_cast<std::size_t>(l{a.name}));")
     lines.append("  } catch (const std::bad_alloc &) {")
     lines.append(f"    return out_of_memory(\"{name}\", LAPACK_WORK_MEMORY_ERROR);")
     lines.append("  }")
-    final = ["work.data()" if b == "&size" else "lwork" if b == "-1" else b for b in before]
+    final = []
+    for a in args:
+        if a.kind in QUERIED:
+            final += [f"{a.name}.data()", f"l{a.name}"]
+        elif a.kind in AUX:
+            final.append(f"{a.name}.data()")
+        else:
+            final.append(a.name)
     lines.append(f"  return {name}_work(matrix_layout, {', '.join(final)});")
     return lines
 

@@ -198,11 +198,11 @@ lapack_int LAPACKE_sgeqrf_work(int matrix_layout, lapack_int m, lapack_int n, fl
 
 lapack_int LAPACKE_sgeqrf(int matrix_layout, lapack_int m, lapack_int n, float *a, lapack_int lda, float *tau) {
   if (!layout_ok(matrix_layout)) return report("LAPACKE_sgeqrf", 1);
-  float size{};
-  lapack_int info = LAPACKE_sgeqrf_work(matrix_layout, m, n, a, lda, tau, &size, -1);
+  float work_size{};
+  lapack_int info = LAPACKE_sgeqrf_work(matrix_layout, m, n, a, lda, tau, &work_size, -1);
   if (info != 0) return info;
   std::vector<float> work;
-  lapack_int lwork = workspace_length(size);
+  lapack_int lwork = workspace_length(work_size);
   try {
     work.resize(static_cast<std::size_t>(lwork));
   } catch (const std::bad_alloc &) {
@@ -229,11 +229,11 @@ lapack_int LAPACKE_cgeqrf_work(int matrix_layout, lapack_int m, lapack_int n, la
 
 lapack_int LAPACKE_cgeqrf(int matrix_layout, lapack_int m, lapack_int n, lapack_complex_float *a, lapack_int lda, lapack_complex_float *tau) {
   if (!layout_ok(matrix_layout)) return report("LAPACKE_cgeqrf", 1);
-  lapack_complex_float size{};
-  lapack_int info = LAPACKE_cgeqrf_work(matrix_layout, m, n, a, lda, tau, &size, -1);
+  lapack_complex_float work_size{};
+  lapack_int info = LAPACKE_cgeqrf_work(matrix_layout, m, n, a, lda, tau, &work_size, -1);
   if (info != 0) return info;
   std::vector<lapack_complex_float> work;
-  lapack_int lwork = workspace_length(size);
+  lapack_int lwork = workspace_length(work_size);
   try {
     work.resize(static_cast<std::size_t>(lwork));
   } catch (const std::bad_alloc &) {
@@ -260,11 +260,11 @@ lapack_int LAPACKE_sgetri_work(int matrix_layout, lapack_int n, float *a, lapack
 
 lapack_int LAPACKE_sgetri(int matrix_layout, lapack_int n, float *a, lapack_int lda, const lapack_int *ipiv) {
   if (!layout_ok(matrix_layout)) return report("LAPACKE_sgetri", 1);
-  float size{};
-  lapack_int info = LAPACKE_sgetri_work(matrix_layout, n, a, lda, ipiv, &size, -1);
+  float work_size{};
+  lapack_int info = LAPACKE_sgetri_work(matrix_layout, n, a, lda, ipiv, &work_size, -1);
   if (info != 0) return info;
   std::vector<float> work;
-  lapack_int lwork = workspace_length(size);
+  lapack_int lwork = workspace_length(work_size);
   try {
     work.resize(static_cast<std::size_t>(lwork));
   } catch (const std::bad_alloc &) {
@@ -291,11 +291,11 @@ lapack_int LAPACKE_cgetri_work(int matrix_layout, lapack_int n, lapack_complex_f
 
 lapack_int LAPACKE_cgetri(int matrix_layout, lapack_int n, lapack_complex_float *a, lapack_int lda, const lapack_int *ipiv) {
   if (!layout_ok(matrix_layout)) return report("LAPACKE_cgetri", 1);
-  lapack_complex_float size{};
-  lapack_int info = LAPACKE_cgetri_work(matrix_layout, n, a, lda, ipiv, &size, -1);
+  lapack_complex_float work_size{};
+  lapack_int info = LAPACKE_cgetri_work(matrix_layout, n, a, lda, ipiv, &work_size, -1);
   if (info != 0) return info;
   std::vector<lapack_complex_float> work;
-  lapack_int lwork = workspace_length(size);
+  lapack_int lwork = workspace_length(work_size);
   try {
     work.resize(static_cast<std::size_t>(lwork));
   } catch (const std::bad_alloc &) {
@@ -530,11 +530,11 @@ lapack_int LAPACKE_sorgqr_work(int matrix_layout, lapack_int m, lapack_int n, la
 
 lapack_int LAPACKE_sorgqr(int matrix_layout, lapack_int m, lapack_int n, lapack_int k, float *a, lapack_int lda, const float *tau) {
   if (!layout_ok(matrix_layout)) return report("LAPACKE_sorgqr", 1);
-  float size{};
-  lapack_int info = LAPACKE_sorgqr_work(matrix_layout, m, n, k, a, lda, tau, &size, -1);
+  float work_size{};
+  lapack_int info = LAPACKE_sorgqr_work(matrix_layout, m, n, k, a, lda, tau, &work_size, -1);
   if (info != 0) return info;
   std::vector<float> work;
-  lapack_int lwork = workspace_length(size);
+  lapack_int lwork = workspace_length(work_size);
   try {
     work.resize(static_cast<std::size_t>(lwork));
   } catch (const std::bad_alloc &) {
@@ -561,11 +561,11 @@ lapack_int LAPACKE_cungqr_work(int matrix_layout, lapack_int m, lapack_int n, la
 
 lapack_int LAPACKE_cungqr(int matrix_layout, lapack_int m, lapack_int n, lapack_int k, lapack_complex_float *a, lapack_int lda, const lapack_complex_float *tau) {
   if (!layout_ok(matrix_layout)) return report("LAPACKE_cungqr", 1);
-  lapack_complex_float size{};
-  lapack_int info = LAPACKE_cungqr_work(matrix_layout, m, n, k, a, lda, tau, &size, -1);
+  lapack_complex_float work_size{};
+  lapack_int info = LAPACKE_cungqr_work(matrix_layout, m, n, k, a, lda, tau, &work_size, -1);
   if (info != 0) return info;
   std::vector<lapack_complex_float> work;
-  lapack_int lwork = workspace_length(size);
+  lapack_int lwork = workspace_length(work_size);
   try {
     work.resize(static_cast<std::size_t>(lwork));
   } catch (const std::bad_alloc &) {
@@ -594,11 +594,11 @@ lapack_int LAPACKE_sormqr_work(int matrix_layout, char side, char trans, lapack_
 
 lapack_int LAPACKE_sormqr(int matrix_layout, char side, char trans, lapack_int m, lapack_int n, lapack_int k, const float *a, lapack_int lda, const float *tau, float *c, lapack_int ldc) {
   if (!layout_ok(matrix_layout)) return report("LAPACKE_sormqr", 1);
-  float size{};
-  lapack_int info = LAPACKE_sormqr_work(matrix_layout, side, trans, m, n, k, a, lda, tau, c, ldc, &size, -1);
+  float work_size{};
+  lapack_int info = LAPACKE_sormqr_work(matrix_layout, side, trans, m, n, k, a, lda, tau, c, ldc, &work_size, -1);
   if (info != 0) return info;
   std::vector<float> work;
-  lapack_int lwork = workspace_length(size);
+  lapack_int lwork = workspace_length(work_size);
   try {
     work.resize(static_cast<std::size_t>(lwork));
   } catch (const std::bad_alloc &) {
@@ -627,11 +627,11 @@ lapack_int LAPACKE_cunmqr_work(int matrix_layout, char side, char trans, lapack_
 
 lapack_int LAPACKE_cunmqr(int matrix_layout, char side, char trans, lapack_int m, lapack_int n, lapack_int k, const lapack_complex_float *a, lapack_int lda, const lapack_complex_float *tau, lapack_complex_float *c, lapack_int ldc) {
   if (!layout_ok(matrix_layout)) return report("LAPACKE_cunmqr", 1);
-  lapack_complex_float size{};
-  lapack_int info = LAPACKE_cunmqr_work(matrix_layout, side, trans, m, n, k, a, lda, tau, c, ldc, &size, -1);
+  lapack_complex_float work_size{};
+  lapack_int info = LAPACKE_cunmqr_work(matrix_layout, side, trans, m, n, k, a, lda, tau, c, ldc, &work_size, -1);
   if (info != 0) return info;
   std::vector<lapack_complex_float> work;
-  lapack_int lwork = workspace_length(size);
+  lapack_int lwork = workspace_length(work_size);
   try {
     work.resize(static_cast<std::size_t>(lwork));
   } catch (const std::bad_alloc &) {
@@ -668,11 +668,11 @@ lapack_int LAPACKE_sgesdd(int matrix_layout, char jobz, lapack_int m, lapack_int
   } catch (const std::bad_alloc &) {
     return out_of_memory("LAPACKE_sgesdd", LAPACK_WORK_MEMORY_ERROR);
   }
-  float size{};
-  lapack_int info = LAPACKE_sgesdd_work(matrix_layout, jobz, m, n, a, lda, s, u, ldu, vt, ldvt, &size, -1, iwork.data());
+  float work_size{};
+  lapack_int info = LAPACKE_sgesdd_work(matrix_layout, jobz, m, n, a, lda, s, u, ldu, vt, ldvt, &work_size, -1, iwork.data());
   if (info != 0) return info;
   std::vector<float> work;
-  lapack_int lwork = workspace_length(size);
+  lapack_int lwork = workspace_length(work_size);
   try {
     work.resize(static_cast<std::size_t>(lwork));
   } catch (const std::bad_alloc &) {
@@ -711,17 +711,95 @@ lapack_int LAPACKE_cgesdd(int matrix_layout, char jobz, lapack_int m, lapack_int
   } catch (const std::bad_alloc &) {
     return out_of_memory("LAPACKE_cgesdd", LAPACK_WORK_MEMORY_ERROR);
   }
-  lapack_complex_float size{};
-  lapack_int info = LAPACKE_cgesdd_work(matrix_layout, jobz, m, n, a, lda, s, u, ldu, vt, ldvt, &size, -1, rwork.data(), iwork.data());
+  lapack_complex_float work_size{};
+  lapack_int info = LAPACKE_cgesdd_work(matrix_layout, jobz, m, n, a, lda, s, u, ldu, vt, ldvt, &work_size, -1, rwork.data(), iwork.data());
   if (info != 0) return info;
   std::vector<lapack_complex_float> work;
-  lapack_int lwork = workspace_length(size);
+  lapack_int lwork = workspace_length(work_size);
   try {
     work.resize(static_cast<std::size_t>(lwork));
   } catch (const std::bad_alloc &) {
     return out_of_memory("LAPACKE_cgesdd", LAPACK_WORK_MEMORY_ERROR);
   }
   return LAPACKE_cgesdd_work(matrix_layout, jobz, m, n, a, lda, s, u, ldu, vt, ldvt, work.data(), lwork, rwork.data(), iwork.data());
+}
+
+lapack_int LAPACKE_ssyevr_work(int matrix_layout, char jobz, char range, char uplo, lapack_int n, float *a, lapack_int lda, float vl, float vu, lapack_int il, lapack_int iu, float abstol, lapack_int *m, float *w, float *z, lapack_int ldz, lapack_int *isuppz, float *work, lapack_int lwork, lapack_int *iwork, lapack_int liwork) {
+  const char *self = "LAPACKE_ssyevr_work";
+  if (!layout_ok(matrix_layout)) return report(self, 1);
+  const bool row = matrix_layout == LAPACK_ROW_MAJOR;
+  const bool query = lwork == -1 || liwork == -1;
+  if (row && lda < std::max<lapack_int>(1, n)) return report(self, 7);
+  if (row && ldz < std::max<lapack_int>(1, eig_z_cols(jobz,range,n,il,iu))) return report(self, 16);
+  try {
+    ColMajor<float> a_(row, row && !query, n, n, a, lda, true);
+    ColMajor<float> z_(row, row && !query, n, eig_z_cols(jobz,range,n,il,iu), z, ldz, true);
+    lapack_int info = 0;
+    ::ssyevr(&jobz, &range, &uplo, &n, reinterpret_cast<float *>(a_.data()), a_.ld(), &vl, &vu, &il, &iu, &abstol, m, w, reinterpret_cast<float *>(z_.data()), z_.ld(), isuppz, reinterpret_cast<float *>(work), &lwork, iwork, &liwork, &info, 1, 1, 1);
+    return info < 0 ? info - 1 : info;
+  } catch (const std::bad_alloc &) {
+    return out_of_memory(self, LAPACK_TRANSPOSE_MEMORY_ERROR);
+  }
+}
+
+lapack_int LAPACKE_ssyevr(int matrix_layout, char jobz, char range, char uplo, lapack_int n, float *a, lapack_int lda, float vl, float vu, lapack_int il, lapack_int iu, float abstol, lapack_int *m, float *w, float *z, lapack_int ldz, lapack_int *isuppz) {
+  if (!layout_ok(matrix_layout)) return report("LAPACKE_ssyevr", 1);
+  float work_size{};
+  lapack_int iwork_size{};
+  lapack_int info = LAPACKE_ssyevr_work(matrix_layout, jobz, range, uplo, n, a, lda, vl, vu, il, iu, abstol, m, w, z, ldz, isuppz, &work_size, -1, &iwork_size, -1);
+  if (info != 0) return info;
+  std::vector<float> work;
+  lapack_int lwork = workspace_length(work_size);
+  std::vector<lapack_int> iwork;
+  lapack_int liwork = workspace_length(iwork_size);
+  try {
+    work.resize(static_cast<std::size_t>(lwork));
+    iwork.resize(static_cast<std::size_t>(liwork));
+  } catch (const std::bad_alloc &) {
+    return out_of_memory("LAPACKE_ssyevr", LAPACK_WORK_MEMORY_ERROR);
+  }
+  return LAPACKE_ssyevr_work(matrix_layout, jobz, range, uplo, n, a, lda, vl, vu, il, iu, abstol, m, w, z, ldz, isuppz, work.data(), lwork, iwork.data(), liwork);
+}
+
+lapack_int LAPACKE_cheevr_work(int matrix_layout, char jobz, char range, char uplo, lapack_int n, lapack_complex_float *a, lapack_int lda, float vl, float vu, lapack_int il, lapack_int iu, float abstol, lapack_int *m, float *w, lapack_complex_float *z, lapack_int ldz, lapack_int *isuppz, lapack_complex_float *work, lapack_int lwork, float *rwork, lapack_int lrwork, lapack_int *iwork, lapack_int liwork) {
+  const char *self = "LAPACKE_cheevr_work";
+  if (!layout_ok(matrix_layout)) return report(self, 1);
+  const bool row = matrix_layout == LAPACK_ROW_MAJOR;
+  const bool query = lwork == -1 || lrwork == -1 || liwork == -1;
+  if (row && lda < std::max<lapack_int>(1, n)) return report(self, 7);
+  if (row && ldz < std::max<lapack_int>(1, eig_z_cols(jobz,range,n,il,iu))) return report(self, 16);
+  try {
+    ColMajor<lapack_complex_float> a_(row, row && !query, n, n, a, lda, true);
+    ColMajor<lapack_complex_float> z_(row, row && !query, n, eig_z_cols(jobz,range,n,il,iu), z, ldz, true);
+    lapack_int info = 0;
+    ::cheevr(&jobz, &range, &uplo, &n, reinterpret_cast<orb_complex8 *>(a_.data()), a_.ld(), &vl, &vu, &il, &iu, &abstol, m, w, reinterpret_cast<orb_complex8 *>(z_.data()), z_.ld(), isuppz, reinterpret_cast<orb_complex8 *>(work), &lwork, rwork, &lrwork, iwork, &liwork, &info, 1, 1, 1);
+    return info < 0 ? info - 1 : info;
+  } catch (const std::bad_alloc &) {
+    return out_of_memory(self, LAPACK_TRANSPOSE_MEMORY_ERROR);
+  }
+}
+
+lapack_int LAPACKE_cheevr(int matrix_layout, char jobz, char range, char uplo, lapack_int n, lapack_complex_float *a, lapack_int lda, float vl, float vu, lapack_int il, lapack_int iu, float abstol, lapack_int *m, float *w, lapack_complex_float *z, lapack_int ldz, lapack_int *isuppz) {
+  if (!layout_ok(matrix_layout)) return report("LAPACKE_cheevr", 1);
+  lapack_complex_float work_size{};
+  float rwork_size{};
+  lapack_int iwork_size{};
+  lapack_int info = LAPACKE_cheevr_work(matrix_layout, jobz, range, uplo, n, a, lda, vl, vu, il, iu, abstol, m, w, z, ldz, isuppz, &work_size, -1, &rwork_size, -1, &iwork_size, -1);
+  if (info != 0) return info;
+  std::vector<lapack_complex_float> work;
+  lapack_int lwork = workspace_length(work_size);
+  std::vector<float> rwork;
+  lapack_int lrwork = workspace_length(rwork_size);
+  std::vector<lapack_int> iwork;
+  lapack_int liwork = workspace_length(iwork_size);
+  try {
+    work.resize(static_cast<std::size_t>(lwork));
+    rwork.resize(static_cast<std::size_t>(lrwork));
+    iwork.resize(static_cast<std::size_t>(liwork));
+  } catch (const std::bad_alloc &) {
+    return out_of_memory("LAPACKE_cheevr", LAPACK_WORK_MEMORY_ERROR);
+  }
+  return LAPACKE_cheevr_work(matrix_layout, jobz, range, uplo, n, a, lda, vl, vu, il, iu, abstol, m, w, z, ldz, isuppz, work.data(), lwork, rwork.data(), lrwork, iwork.data(), liwork);
 }
 
 }  // extern "C"

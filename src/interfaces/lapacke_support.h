@@ -45,6 +45,15 @@ inline lapack_int svd_rwork(char jobz, lapack_int m, lapack_int n) {
   return k * std::max(5 * k + 7, 2 * l + 2 * k + 1);
 }
 
+// The columns of the eigenvector matrix of a ranged eigensolver: all n for
+// the whole spectrum or an interval, iu - il + 1 for an index range, none
+// without vectors.
+inline lapack_int eig_z_cols(char jobz, char range, lapack_int n, lapack_int il, lapack_int iu) {
+  if ((jobz | 0x20) != 'v') return 0;
+  if ((range | 0x20) == 'i') return std::max<lapack_int>(0, iu - il + 1);
+  return n;
+}
+
 // Reports argument `position` of `name` and returns the code the entry gives.
 inline lapack_int report(const char *name, lapack_int position) {
   LAPACKE_xerbla(name, -position);
@@ -58,6 +67,9 @@ inline lapack_int out_of_memory(const char *name, lapack_int code) {
 // The optimal length a workspace query returned in its first element.
 inline lapack_int workspace_length(float size) {
   return std::max<lapack_int>(1, static_cast<lapack_int>(size));
+}
+inline lapack_int workspace_length(lapack_int size) {
+  return std::max<lapack_int>(1, size);
 }
 inline lapack_int workspace_length(std::complex<float> size) {
   return workspace_length(size.real());

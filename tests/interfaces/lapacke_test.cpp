@@ -422,6 +422,47 @@ TYPED_TEST(Lapacke, SingularValueDecompositionInBothLayouts) {
               -9);
 }
 
+// Eigenvalues and vectors of a symmetric/Hermitian matrix, all of them and an
+// index range, in both layouts; the workspaces come from the joint query.
+TYPED_TEST(Lapacke, RangedEigenproblemInBothLayouts) {
+  using T = TypeParam;
+  std::mt19937 gen(2);
+  const int n = 9;
+  for (char range : {'A', 'I'}) {
+    const int il = 3, iu = 6, cols = range == 'A' ? n : iu - il + 1;
+    Pair<T> a = positive_definite<T>(n, gen), a0 = a, z(n, cols, gen);
+    std::vector<float> wc(n), wr(n);
+    std::vector<lapack_int> sc(2 * n), sr(2 * n);
+    lapack_int mc = -1, mr = -1;
+    if constexpr (std::is_same_v<T, cf>) {
+      ASSERT_EQ(LAPACKE_cheevr(LAPACK_COL_MAJOR, 'V', range, 'L', n, a.col.data(), a.ldc, 0, 0, il,
+                               iu, 0, &mc, wc.data(), z.col.data(), z.ldc, sc.data()),
+                0);
+      ASSERT_EQ(LAPACKE_cheevr(LAPACK_ROW_MAJOR, 'V', range, 'L', n, a.row.data(), a.ldr, 0, 0, il,
+                               iu, 0, &mr, wr.data(), z.row.data(), z.ldr, sr.data()),
+                0);
+    } else {
+      ASSERT_EQ(LAPACKE_ssyevr(LAPACK_COL_MAJOR, 'V', range, 'L', n, a.col.data(), a.ldc, 0, 0, il,
+                               iu, 0, &mc, wc.data(), z.col.data(), z.ldc, sc.data()),
+                0);
+      ASSERT_EQ(LAPACKE_ssyevr(LAPACK_ROW_MAJOR, 'V', range, 'L', n, a.row.data(), a.ldr, 0, 0, il,
+                               iu, 0, &mr, wr.data(), z.row.data(), z.ldr, sr.data()),
+                0);
+    }
+    ASSERT_EQ(mc, cols);
+    ASSERT_EQ(mr, cols);
+    for (int k = 0; k < cols; ++k) EXPECT_NEAR(wc[k], wr[k], 1e-5 * wc[cols - 1]);
+    z.expect_same(1e-4f);
+    // A z_k = w_k z_k for the row-major vectors.
+    for (int k = 0; k < cols; ++k)
+      for (int i = 0; i < n; ++i) {
+        T s = 0;
+        for (int j = 0; j < n; ++j) s += a0.c(i, j) * z.r(j, k);
+        EXPECT_NEAR(std::abs(s - wr[k] * z.r(i, k)), 0, 1e-4 * wr[n > cols ? cols - 1 : n - 1]);
+      }
+  }
+}
+
 // The message printed by a call, and its result.
 template <class F>
 std::pair<lapack_int, std::string> outcome(F call) {
