@@ -149,6 +149,86 @@ ORB_API lapack_int LAPACKE_ssyevr_work(int matrix_layout, char jobz, char range,
 ORB_API lapack_int LAPACKE_cheevr(int matrix_layout, char jobz, char range, char uplo, lapack_int n, lapack_complex_float *a, lapack_int lda, float vl, float vu, lapack_int il, lapack_int iu, float abstol, lapack_int *m, float *w, lapack_complex_float *z, lapack_int ldz, lapack_int *isuppz);
 ORB_API lapack_int LAPACKE_cheevr_work(int matrix_layout, char jobz, char range, char uplo, lapack_int n, lapack_complex_float *a, lapack_int lda, float vl, float vu, lapack_int il, lapack_int iu, float abstol, lapack_int *m, float *w, lapack_complex_float *z, lapack_int ldz, lapack_int *isuppz, lapack_complex_float *work, lapack_int lwork, float *rwork, lapack_int lrwork, lapack_int *iwork, lapack_int liwork);
 
+/* pbtrf */
+ORB_API lapack_int LAPACKE_spbtrf(int matrix_layout, char uplo, lapack_int n, lapack_int kd, float *ab, lapack_int ldab);
+ORB_API lapack_int LAPACKE_spbtrf_work(int matrix_layout, char uplo, lapack_int n, lapack_int kd, float *ab, lapack_int ldab);
+ORB_API lapack_int LAPACKE_cpbtrf(int matrix_layout, char uplo, lapack_int n, lapack_int kd, lapack_complex_float *ab, lapack_int ldab);
+ORB_API lapack_int LAPACKE_cpbtrf_work(int matrix_layout, char uplo, lapack_int n, lapack_int kd, lapack_complex_float *ab, lapack_int ldab);
+
+/* pbtrs */
+ORB_API lapack_int LAPACKE_spbtrs(int matrix_layout, char uplo, lapack_int n, lapack_int kd, lapack_int nrhs, const float *ab, lapack_int ldab, float *b, lapack_int ldb);
+ORB_API lapack_int LAPACKE_spbtrs_work(int matrix_layout, char uplo, lapack_int n, lapack_int kd, lapack_int nrhs, const float *ab, lapack_int ldab, float *b, lapack_int ldb);
+ORB_API lapack_int LAPACKE_cpbtrs(int matrix_layout, char uplo, lapack_int n, lapack_int kd, lapack_int nrhs, const lapack_complex_float *ab, lapack_int ldab, lapack_complex_float *b, lapack_int ldb);
+ORB_API lapack_int LAPACKE_cpbtrs_work(int matrix_layout, char uplo, lapack_int n, lapack_int kd, lapack_int nrhs, const lapack_complex_float *ab, lapack_int ldab, lapack_complex_float *b, lapack_int ldb);
+
+/* sytrf */
+ORB_API lapack_int LAPACKE_ssytrf(int matrix_layout, char uplo, lapack_int n, float *a, lapack_int lda, lapack_int *ipiv);
+ORB_API lapack_int LAPACKE_ssytrf_work(int matrix_layout, char uplo, lapack_int n, float *a, lapack_int lda, lapack_int *ipiv, float *work, lapack_int lwork);
+ORB_API lapack_int LAPACKE_csytrf(int matrix_layout, char uplo, lapack_int n, lapack_complex_float *a, lapack_int lda, lapack_int *ipiv);
+ORB_API lapack_int LAPACKE_csytrf_work(int matrix_layout, char uplo, lapack_int n, lapack_complex_float *a, lapack_int lda, lapack_int *ipiv, lapack_complex_float *work, lapack_int lwork);
+
+/* hetrf */
+ORB_API lapack_int LAPACKE_chetrf(int matrix_layout, char uplo, lapack_int n, lapack_complex_float *a, lapack_int lda, lapack_int *ipiv);
+ORB_API lapack_int LAPACKE_chetrf_work(int matrix_layout, char uplo, lapack_int n, lapack_complex_float *a, lapack_int lda, lapack_int *ipiv, lapack_complex_float *work, lapack_int lwork);
+
+/* sytrs */
+ORB_API lapack_int LAPACKE_ssytrs(int matrix_layout, char uplo, lapack_int n, lapack_int nrhs, const float *a, lapack_int lda, const lapack_int *ipiv, float *b, lapack_int ldb);
+ORB_API lapack_int LAPACKE_ssytrs_work(int matrix_layout, char uplo, lapack_int n, lapack_int nrhs, const float *a, lapack_int lda, const lapack_int *ipiv, float *b, lapack_int ldb);
+ORB_API lapack_int LAPACKE_csytrs(int matrix_layout, char uplo, lapack_int n, lapack_int nrhs, const lapack_complex_float *a, lapack_int lda, const lapack_int *ipiv, lapack_complex_float *b, lapack_int ldb);
+ORB_API lapack_int LAPACKE_csytrs_work(int matrix_layout, char uplo, lapack_int n, lapack_int nrhs, const lapack_complex_float *a, lapack_int lda, const lapack_int *ipiv, lapack_complex_float *b, lapack_int ldb);
+
+/* hetrs */
+ORB_API lapack_int LAPACKE_chetrs(int matrix_layout, char uplo, lapack_int n, lapack_int nrhs, const lapack_complex_float *a, lapack_int lda, const lapack_int *ipiv, lapack_complex_float *b, lapack_int ldb);
+ORB_API lapack_int LAPACKE_chetrs_work(int matrix_layout, char uplo, lapack_int n, lapack_int nrhs, const lapack_complex_float *a, lapack_int lda, const lapack_int *ipiv, lapack_complex_float *b, lapack_int ldb);
+
+/* geqp3 */
+ORB_API lapack_int LAPACKE_sgeqp3(int matrix_layout, lapack_int m, lapack_int n, float *a, lapack_int lda, lapack_int *jpvt, float *tau);
+ORB_API lapack_int LAPACKE_sgeqp3_work(int matrix_layout, lapack_int m, lapack_int n, float *a, lapack_int lda, lapack_int *jpvt, float *tau, float *work, lapack_int lwork);
+
+/* gelqf */
+ORB_API lapack_int LAPACKE_sgelqf(int matrix_layout, lapack_int m, lapack_int n, float *a, lapack_int lda, float *tau);
+ORB_API lapack_int LAPACKE_sgelqf_work(int matrix_layout, lapack_int m, lapack_int n, float *a, lapack_int lda, float *tau, float *work, lapack_int lwork);
+ORB_API lapack_int LAPACKE_cgelqf(int matrix_layout, lapack_int m, lapack_int n, lapack_complex_float *a, lapack_int lda, lapack_complex_float *tau);
+ORB_API lapack_int LAPACKE_cgelqf_work(int matrix_layout, lapack_int m, lapack_int n, lapack_complex_float *a, lapack_int lda, lapack_complex_float *tau, lapack_complex_float *work, lapack_int lwork);
+
+/* orglq */
+ORB_API lapack_int LAPACKE_sorglq(int matrix_layout, lapack_int m, lapack_int n, lapack_int k, float *a, lapack_int lda, const float *tau);
+ORB_API lapack_int LAPACKE_sorglq_work(int matrix_layout, lapack_int m, lapack_int n, lapack_int k, float *a, lapack_int lda, const float *tau, float *work, lapack_int lwork);
+
+/* unglq */
+ORB_API lapack_int LAPACKE_cunglq(int matrix_layout, lapack_int m, lapack_int n, lapack_int k, lapack_complex_float *a, lapack_int lda, const lapack_complex_float *tau);
+ORB_API lapack_int LAPACKE_cunglq_work(int matrix_layout, lapack_int m, lapack_int n, lapack_int k, lapack_complex_float *a, lapack_int lda, const lapack_complex_float *tau, lapack_complex_float *work, lapack_int lwork);
+
+/* ormlq */
+ORB_API lapack_int LAPACKE_sormlq(int matrix_layout, char side, char trans, lapack_int m, lapack_int n, lapack_int k, const float *a, lapack_int lda, const float *tau, float *c, lapack_int ldc);
+ORB_API lapack_int LAPACKE_sormlq_work(int matrix_layout, char side, char trans, lapack_int m, lapack_int n, lapack_int k, const float *a, lapack_int lda, const float *tau, float *c, lapack_int ldc, float *work, lapack_int lwork);
+
+/* unmlq */
+ORB_API lapack_int LAPACKE_cunmlq(int matrix_layout, char side, char trans, lapack_int m, lapack_int n, lapack_int k, const lapack_complex_float *a, lapack_int lda, const lapack_complex_float *tau, lapack_complex_float *c, lapack_int ldc);
+ORB_API lapack_int LAPACKE_cunmlq_work(int matrix_layout, char side, char trans, lapack_int m, lapack_int n, lapack_int k, const lapack_complex_float *a, lapack_int lda, const lapack_complex_float *tau, lapack_complex_float *c, lapack_int ldc, lapack_complex_float *work, lapack_int lwork);
+
+/* gels */
+ORB_API lapack_int LAPACKE_sgels(int matrix_layout, char trans, lapack_int m, lapack_int n, lapack_int nrhs, float *a, lapack_int lda, float *b, lapack_int ldb);
+ORB_API lapack_int LAPACKE_sgels_work(int matrix_layout, char trans, lapack_int m, lapack_int n, lapack_int nrhs, float *a, lapack_int lda, float *b, lapack_int ldb, float *work, lapack_int lwork);
+ORB_API lapack_int LAPACKE_cgels(int matrix_layout, char trans, lapack_int m, lapack_int n, lapack_int nrhs, lapack_complex_float *a, lapack_int lda, lapack_complex_float *b, lapack_int ldb);
+ORB_API lapack_int LAPACKE_cgels_work(int matrix_layout, char trans, lapack_int m, lapack_int n, lapack_int nrhs, lapack_complex_float *a, lapack_int lda, lapack_complex_float *b, lapack_int ldb, lapack_complex_float *work, lapack_int lwork);
+
+/* sytrd */
+ORB_API lapack_int LAPACKE_ssytrd(int matrix_layout, char uplo, lapack_int n, float *a, lapack_int lda, float *d, float *e, float *tau);
+ORB_API lapack_int LAPACKE_ssytrd_work(int matrix_layout, char uplo, lapack_int n, float *a, lapack_int lda, float *d, float *e, float *tau, float *work, lapack_int lwork);
+
+/* hetrd */
+ORB_API lapack_int LAPACKE_chetrd(int matrix_layout, char uplo, lapack_int n, lapack_complex_float *a, lapack_int lda, float *d, float *e, lapack_complex_float *tau);
+ORB_API lapack_int LAPACKE_chetrd_work(int matrix_layout, char uplo, lapack_int n, lapack_complex_float *a, lapack_int lda, float *d, float *e, lapack_complex_float *tau, lapack_complex_float *work, lapack_int lwork);
+
+/* orgtr */
+ORB_API lapack_int LAPACKE_sorgtr(int matrix_layout, char uplo, lapack_int n, float *a, lapack_int lda, const float *tau);
+ORB_API lapack_int LAPACKE_sorgtr_work(int matrix_layout, char uplo, lapack_int n, float *a, lapack_int lda, const float *tau, float *work, lapack_int lwork);
+
+/* ungtr */
+ORB_API lapack_int LAPACKE_cungtr(int matrix_layout, char uplo, lapack_int n, lapack_complex_float *a, lapack_int lda, const lapack_complex_float *tau);
+ORB_API lapack_int LAPACKE_cungtr_work(int matrix_layout, char uplo, lapack_int n, lapack_complex_float *a, lapack_int lda, const lapack_complex_float *tau, lapack_complex_float *work, lapack_int lwork);
+
 #ifdef __cplusplus
 }
 #endif

@@ -61,7 +61,8 @@ def elem(p, a):
 
 
 def cxx_expr(shape):
-    return re.sub(r"\bmin\(", "std::min<lapack_int>(", shape)
+    shape = re.sub(r"\bmin\(", "std::min<lapack_int>(", shape)
+    return re.sub(r"\bmax\(", "std::max<lapack_int>(", shape)
 
 
 def c_params(p, args, with_work):

@@ -802,4 +802,658 @@ lapack_int LAPACKE_cheevr(int matrix_layout, char jobz, char range, char uplo, l
   return LAPACKE_cheevr_work(matrix_layout, jobz, range, uplo, n, a, lda, vl, vu, il, iu, abstol, m, w, z, ldz, isuppz, work.data(), lwork, rwork.data(), lrwork, iwork.data(), liwork);
 }
 
+lapack_int LAPACKE_spbtrf_work(int matrix_layout, char uplo, lapack_int n, lapack_int kd, float *ab, lapack_int ldab) {
+  const char *self = "LAPACKE_spbtrf_work";
+  if (!layout_ok(matrix_layout)) return report(self, 1);
+  const bool row = matrix_layout == LAPACK_ROW_MAJOR;
+  if (row && ldab < std::max<lapack_int>(1, n)) return report(self, 6);
+  try {
+    ColMajor<float> ab_(row, row, kd+1, n, ab, ldab, true);
+    lapack_int info = 0;
+    ::spbtrf(&uplo, &n, &kd, reinterpret_cast<float *>(ab_.data()), ab_.ld(), &info, 1);
+    return info < 0 ? info - 1 : info;
+  } catch (const std::bad_alloc &) {
+    return out_of_memory(self, LAPACK_TRANSPOSE_MEMORY_ERROR);
+  }
+}
+
+lapack_int LAPACKE_spbtrf(int matrix_layout, char uplo, lapack_int n, lapack_int kd, float *ab, lapack_int ldab) {
+  if (!layout_ok(matrix_layout)) return report("LAPACKE_spbtrf", 1);
+  return LAPACKE_spbtrf_work(matrix_layout, uplo, n, kd, ab, ldab);
+}
+
+lapack_int LAPACKE_cpbtrf_work(int matrix_layout, char uplo, lapack_int n, lapack_int kd, lapack_complex_float *ab, lapack_int ldab) {
+  const char *self = "LAPACKE_cpbtrf_work";
+  if (!layout_ok(matrix_layout)) return report(self, 1);
+  const bool row = matrix_layout == LAPACK_ROW_MAJOR;
+  if (row && ldab < std::max<lapack_int>(1, n)) return report(self, 6);
+  try {
+    ColMajor<lapack_complex_float> ab_(row, row, kd+1, n, ab, ldab, true);
+    lapack_int info = 0;
+    ::cpbtrf(&uplo, &n, &kd, reinterpret_cast<orb_complex8 *>(ab_.data()), ab_.ld(), &info, 1);
+    return info < 0 ? info - 1 : info;
+  } catch (const std::bad_alloc &) {
+    return out_of_memory(self, LAPACK_TRANSPOSE_MEMORY_ERROR);
+  }
+}
+
+lapack_int LAPACKE_cpbtrf(int matrix_layout, char uplo, lapack_int n, lapack_int kd, lapack_complex_float *ab, lapack_int ldab) {
+  if (!layout_ok(matrix_layout)) return report("LAPACKE_cpbtrf", 1);
+  return LAPACKE_cpbtrf_work(matrix_layout, uplo, n, kd, ab, ldab);
+}
+
+lapack_int LAPACKE_spbtrs_work(int matrix_layout, char uplo, lapack_int n, lapack_int kd, lapack_int nrhs, const float *ab, lapack_int ldab, float *b, lapack_int ldb) {
+  const char *self = "LAPACKE_spbtrs_work";
+  if (!layout_ok(matrix_layout)) return report(self, 1);
+  const bool row = matrix_layout == LAPACK_ROW_MAJOR;
+  if (row && ldab < std::max<lapack_int>(1, n)) return report(self, 7);
+  if (row && ldb < std::max<lapack_int>(1, nrhs)) return report(self, 9);
+  try {
+    ColMajor<const float> ab_(row, row, kd+1, n, ab, ldab, false);
+    ColMajor<float> b_(row, row, n, nrhs, b, ldb, true);
+    lapack_int info = 0;
+    ::spbtrs(&uplo, &n, &kd, &nrhs, reinterpret_cast<const float *>(ab_.data()), ab_.ld(), reinterpret_cast<float *>(b_.data()), b_.ld(), &info, 1);
+    return info < 0 ? info - 1 : info;
+  } catch (const std::bad_alloc &) {
+    return out_of_memory(self, LAPACK_TRANSPOSE_MEMORY_ERROR);
+  }
+}
+
+lapack_int LAPACKE_spbtrs(int matrix_layout, char uplo, lapack_int n, lapack_int kd, lapack_int nrhs, const float *ab, lapack_int ldab, float *b, lapack_int ldb) {
+  if (!layout_ok(matrix_layout)) return report("LAPACKE_spbtrs", 1);
+  return LAPACKE_spbtrs_work(matrix_layout, uplo, n, kd, nrhs, ab, ldab, b, ldb);
+}
+
+lapack_int LAPACKE_cpbtrs_work(int matrix_layout, char uplo, lapack_int n, lapack_int kd, lapack_int nrhs, const lapack_complex_float *ab, lapack_int ldab, lapack_complex_float *b, lapack_int ldb) {
+  const char *self = "LAPACKE_cpbtrs_work";
+  if (!layout_ok(matrix_layout)) return report(self, 1);
+  const bool row = matrix_layout == LAPACK_ROW_MAJOR;
+  if (row && ldab < std::max<lapack_int>(1, n)) return report(self, 7);
+  if (row && ldb < std::max<lapack_int>(1, nrhs)) return report(self, 9);
+  try {
+    ColMajor<const lapack_complex_float> ab_(row, row, kd+1, n, ab, ldab, false);
+    ColMajor<lapack_complex_float> b_(row, row, n, nrhs, b, ldb, true);
+    lapack_int info = 0;
+    ::cpbtrs(&uplo, &n, &kd, &nrhs, reinterpret_cast<const orb_complex8 *>(ab_.data()), ab_.ld(), reinterpret_cast<orb_complex8 *>(b_.data()), b_.ld(), &info, 1);
+    return info < 0 ? info - 1 : info;
+  } catch (const std::bad_alloc &) {
+    return out_of_memory(self, LAPACK_TRANSPOSE_MEMORY_ERROR);
+  }
+}
+
+lapack_int LAPACKE_cpbtrs(int matrix_layout, char uplo, lapack_int n, lapack_int kd, lapack_int nrhs, const lapack_complex_float *ab, lapack_int ldab, lapack_complex_float *b, lapack_int ldb) {
+  if (!layout_ok(matrix_layout)) return report("LAPACKE_cpbtrs", 1);
+  return LAPACKE_cpbtrs_work(matrix_layout, uplo, n, kd, nrhs, ab, ldab, b, ldb);
+}
+
+lapack_int LAPACKE_ssytrf_work(int matrix_layout, char uplo, lapack_int n, float *a, lapack_int lda, lapack_int *ipiv, float *work, lapack_int lwork) {
+  const char *self = "LAPACKE_ssytrf_work";
+  if (!layout_ok(matrix_layout)) return report(self, 1);
+  const bool row = matrix_layout == LAPACK_ROW_MAJOR;
+  const bool query = lwork == -1;
+  if (row && lda < std::max<lapack_int>(1, n)) return report(self, 5);
+  try {
+    ColMajor<float> a_(row, row && !query, n, n, a, lda, true);
+    lapack_int info = 0;
+    ::ssytrf(&uplo, &n, reinterpret_cast<float *>(a_.data()), a_.ld(), ipiv, reinterpret_cast<float *>(work), &lwork, &info, 1);
+    return info < 0 ? info - 1 : info;
+  } catch (const std::bad_alloc &) {
+    return out_of_memory(self, LAPACK_TRANSPOSE_MEMORY_ERROR);
+  }
+}
+
+lapack_int LAPACKE_ssytrf(int matrix_layout, char uplo, lapack_int n, float *a, lapack_int lda, lapack_int *ipiv) {
+  if (!layout_ok(matrix_layout)) return report("LAPACKE_ssytrf", 1);
+  float work_size{};
+  lapack_int info = LAPACKE_ssytrf_work(matrix_layout, uplo, n, a, lda, ipiv, &work_size, -1);
+  if (info != 0) return info;
+  std::vector<float> work;
+  lapack_int lwork = workspace_length(work_size);
+  try {
+    work.resize(static_cast<std::size_t>(lwork));
+  } catch (const std::bad_alloc &) {
+    return out_of_memory("LAPACKE_ssytrf", LAPACK_WORK_MEMORY_ERROR);
+  }
+  return LAPACKE_ssytrf_work(matrix_layout, uplo, n, a, lda, ipiv, work.data(), lwork);
+}
+
+lapack_int LAPACKE_csytrf_work(int matrix_layout, char uplo, lapack_int n, lapack_complex_float *a, lapack_int lda, lapack_int *ipiv, lapack_complex_float *work, lapack_int lwork) {
+  const char *self = "LAPACKE_csytrf_work";
+  if (!layout_ok(matrix_layout)) return report(self, 1);
+  const bool row = matrix_layout == LAPACK_ROW_MAJOR;
+  const bool query = lwork == -1;
+  if (row && lda < std::max<lapack_int>(1, n)) return report(self, 5);
+  try {
+    ColMajor<lapack_complex_float> a_(row, row && !query, n, n, a, lda, true);
+    lapack_int info = 0;
+    ::csytrf(&uplo, &n, reinterpret_cast<orb_complex8 *>(a_.data()), a_.ld(), ipiv, reinterpret_cast<orb_complex8 *>(work), &lwork, &info, 1);
+    return info < 0 ? info - 1 : info;
+  } catch (const std::bad_alloc &) {
+    return out_of_memory(self, LAPACK_TRANSPOSE_MEMORY_ERROR);
+  }
+}
+
+lapack_int LAPACKE_csytrf(int matrix_layout, char uplo, lapack_int n, lapack_complex_float *a, lapack_int lda, lapack_int *ipiv) {
+  if (!layout_ok(matrix_layout)) return report("LAPACKE_csytrf", 1);
+  lapack_complex_float work_size{};
+  lapack_int info = LAPACKE_csytrf_work(matrix_layout, uplo, n, a, lda, ipiv, &work_size, -1);
+  if (info != 0) return info;
+  std::vector<lapack_complex_float> work;
+  lapack_int lwork = workspace_length(work_size);
+  try {
+    work.resize(static_cast<std::size_t>(lwork));
+  } catch (const std::bad_alloc &) {
+    return out_of_memory("LAPACKE_csytrf", LAPACK_WORK_MEMORY_ERROR);
+  }
+  return LAPACKE_csytrf_work(matrix_layout, uplo, n, a, lda, ipiv, work.data(), lwork);
+}
+
+lapack_int LAPACKE_chetrf_work(int matrix_layout, char uplo, lapack_int n, lapack_complex_float *a, lapack_int lda, lapack_int *ipiv, lapack_complex_float *work, lapack_int lwork) {
+  const char *self = "LAPACKE_chetrf_work";
+  if (!layout_ok(matrix_layout)) return report(self, 1);
+  const bool row = matrix_layout == LAPACK_ROW_MAJOR;
+  const bool query = lwork == -1;
+  if (row && lda < std::max<lapack_int>(1, n)) return report(self, 5);
+  try {
+    ColMajor<lapack_complex_float> a_(row, row && !query, n, n, a, lda, true);
+    lapack_int info = 0;
+    ::chetrf(&uplo, &n, reinterpret_cast<orb_complex8 *>(a_.data()), a_.ld(), ipiv, reinterpret_cast<orb_complex8 *>(work), &lwork, &info, 1);
+    return info < 0 ? info - 1 : info;
+  } catch (const std::bad_alloc &) {
+    return out_of_memory(self, LAPACK_TRANSPOSE_MEMORY_ERROR);
+  }
+}
+
+lapack_int LAPACKE_chetrf(int matrix_layout, char uplo, lapack_int n, lapack_complex_float *a, lapack_int lda, lapack_int *ipiv) {
+  if (!layout_ok(matrix_layout)) return report("LAPACKE_chetrf", 1);
+  lapack_complex_float work_size{};
+  lapack_int info = LAPACKE_chetrf_work(matrix_layout, uplo, n, a, lda, ipiv, &work_size, -1);
+  if (info != 0) return info;
+  std::vector<lapack_complex_float> work;
+  lapack_int lwork = workspace_length(work_size);
+  try {
+    work.resize(static_cast<std::size_t>(lwork));
+  } catch (const std::bad_alloc &) {
+    return out_of_memory("LAPACKE_chetrf", LAPACK_WORK_MEMORY_ERROR);
+  }
+  return LAPACKE_chetrf_work(matrix_layout, uplo, n, a, lda, ipiv, work.data(), lwork);
+}
+
+lapack_int LAPACKE_ssytrs_work(int matrix_layout, char uplo, lapack_int n, lapack_int nrhs, const float *a, lapack_int lda, const lapack_int *ipiv, float *b, lapack_int ldb) {
+  const char *self = "LAPACKE_ssytrs_work";
+  if (!layout_ok(matrix_layout)) return report(self, 1);
+  const bool row = matrix_layout == LAPACK_ROW_MAJOR;
+  if (row && lda < std::max<lapack_int>(1, n)) return report(self, 6);
+  if (row && ldb < std::max<lapack_int>(1, nrhs)) return report(self, 9);
+  try {
+    ColMajor<const float> a_(row, row, n, n, a, lda, false);
+    ColMajor<float> b_(row, row, n, nrhs, b, ldb, true);
+    lapack_int info = 0;
+    ::ssytrs(&uplo, &n, &nrhs, reinterpret_cast<const float *>(a_.data()), a_.ld(), ipiv, reinterpret_cast<float *>(b_.data()), b_.ld(), &info, 1);
+    return info < 0 ? info - 1 : info;
+  } catch (const std::bad_alloc &) {
+    return out_of_memory(self, LAPACK_TRANSPOSE_MEMORY_ERROR);
+  }
+}
+
+lapack_int LAPACKE_ssytrs(int matrix_layout, char uplo, lapack_int n, lapack_int nrhs, const float *a, lapack_int lda, const lapack_int *ipiv, float *b, lapack_int ldb) {
+  if (!layout_ok(matrix_layout)) return report("LAPACKE_ssytrs", 1);
+  return LAPACKE_ssytrs_work(matrix_layout, uplo, n, nrhs, a, lda, ipiv, b, ldb);
+}
+
+lapack_int LAPACKE_csytrs_work(int matrix_layout, char uplo, lapack_int n, lapack_int nrhs, const lapack_complex_float *a, lapack_int lda, const lapack_int *ipiv, lapack_complex_float *b, lapack_int ldb) {
+  const char *self = "LAPACKE_csytrs_work";
+  if (!layout_ok(matrix_layout)) return report(self, 1);
+  const bool row = matrix_layout == LAPACK_ROW_MAJOR;
+  if (row && lda < std::max<lapack_int>(1, n)) return report(self, 6);
+  if (row && ldb < std::max<lapack_int>(1, nrhs)) return report(self, 9);
+  try {
+    ColMajor<const lapack_complex_float> a_(row, row, n, n, a, lda, false);
+    ColMajor<lapack_complex_float> b_(row, row, n, nrhs, b, ldb, true);
+    lapack_int info = 0;
+    ::csytrs(&uplo, &n, &nrhs, reinterpret_cast<const orb_complex8 *>(a_.data()), a_.ld(), ipiv, reinterpret_cast<orb_complex8 *>(b_.data()), b_.ld(), &info, 1);
+    return info < 0 ? info - 1 : info;
+  } catch (const std::bad_alloc &) {
+    return out_of_memory(self, LAPACK_TRANSPOSE_MEMORY_ERROR);
+  }
+}
+
+lapack_int LAPACKE_csytrs(int matrix_layout, char uplo, lapack_int n, lapack_int nrhs, const lapack_complex_float *a, lapack_int lda, const lapack_int *ipiv, lapack_complex_float *b, lapack_int ldb) {
+  if (!layout_ok(matrix_layout)) return report("LAPACKE_csytrs", 1);
+  return LAPACKE_csytrs_work(matrix_layout, uplo, n, nrhs, a, lda, ipiv, b, ldb);
+}
+
+lapack_int LAPACKE_chetrs_work(int matrix_layout, char uplo, lapack_int n, lapack_int nrhs, const lapack_complex_float *a, lapack_int lda, const lapack_int *ipiv, lapack_complex_float *b, lapack_int ldb) {
+  const char *self = "LAPACKE_chetrs_work";
+  if (!layout_ok(matrix_layout)) return report(self, 1);
+  const bool row = matrix_layout == LAPACK_ROW_MAJOR;
+  if (row && lda < std::max<lapack_int>(1, n)) return report(self, 6);
+  if (row && ldb < std::max<lapack_int>(1, nrhs)) return report(self, 9);
+  try {
+    ColMajor<const lapack_complex_float> a_(row, row, n, n, a, lda, false);
+    ColMajor<lapack_complex_float> b_(row, row, n, nrhs, b, ldb, true);
+    lapack_int info = 0;
+    ::chetrs(&uplo, &n, &nrhs, reinterpret_cast<const orb_complex8 *>(a_.data()), a_.ld(), ipiv, reinterpret_cast<orb_complex8 *>(b_.data()), b_.ld(), &info, 1);
+    return info < 0 ? info - 1 : info;
+  } catch (const std::bad_alloc &) {
+    return out_of_memory(self, LAPACK_TRANSPOSE_MEMORY_ERROR);
+  }
+}
+
+lapack_int LAPACKE_chetrs(int matrix_layout, char uplo, lapack_int n, lapack_int nrhs, const lapack_complex_float *a, lapack_int lda, const lapack_int *ipiv, lapack_complex_float *b, lapack_int ldb) {
+  if (!layout_ok(matrix_layout)) return report("LAPACKE_chetrs", 1);
+  return LAPACKE_chetrs_work(matrix_layout, uplo, n, nrhs, a, lda, ipiv, b, ldb);
+}
+
+lapack_int LAPACKE_sgeqp3_work(int matrix_layout, lapack_int m, lapack_int n, float *a, lapack_int lda, lapack_int *jpvt, float *tau, float *work, lapack_int lwork) {
+  const char *self = "LAPACKE_sgeqp3_work";
+  if (!layout_ok(matrix_layout)) return report(self, 1);
+  const bool row = matrix_layout == LAPACK_ROW_MAJOR;
+  const bool query = lwork == -1;
+  if (row && lda < std::max<lapack_int>(1, n)) return report(self, 5);
+  try {
+    ColMajor<float> a_(row, row && !query, m, n, a, lda, true);
+    lapack_int info = 0;
+    ::sgeqp3(&m, &n, reinterpret_cast<float *>(a_.data()), a_.ld(), jpvt, reinterpret_cast<float *>(tau), reinterpret_cast<float *>(work), &lwork, &info);
+    return info < 0 ? info - 1 : info;
+  } catch (const std::bad_alloc &) {
+    return out_of_memory(self, LAPACK_TRANSPOSE_MEMORY_ERROR);
+  }
+}
+
+lapack_int LAPACKE_sgeqp3(int matrix_layout, lapack_int m, lapack_int n, float *a, lapack_int lda, lapack_int *jpvt, float *tau) {
+  if (!layout_ok(matrix_layout)) return report("LAPACKE_sgeqp3", 1);
+  float work_size{};
+  lapack_int info = LAPACKE_sgeqp3_work(matrix_layout, m, n, a, lda, jpvt, tau, &work_size, -1);
+  if (info != 0) return info;
+  std::vector<float> work;
+  lapack_int lwork = workspace_length(work_size);
+  try {
+    work.resize(static_cast<std::size_t>(lwork));
+  } catch (const std::bad_alloc &) {
+    return out_of_memory("LAPACKE_sgeqp3", LAPACK_WORK_MEMORY_ERROR);
+  }
+  return LAPACKE_sgeqp3_work(matrix_layout, m, n, a, lda, jpvt, tau, work.data(), lwork);
+}
+
+lapack_int LAPACKE_sgelqf_work(int matrix_layout, lapack_int m, lapack_int n, float *a, lapack_int lda, float *tau, float *work, lapack_int lwork) {
+  const char *self = "LAPACKE_sgelqf_work";
+  if (!layout_ok(matrix_layout)) return report(self, 1);
+  const bool row = matrix_layout == LAPACK_ROW_MAJOR;
+  const bool query = lwork == -1;
+  if (row && lda < std::max<lapack_int>(1, n)) return report(self, 5);
+  try {
+    ColMajor<float> a_(row, row && !query, m, n, a, lda, true);
+    lapack_int info = 0;
+    ::sgelqf(&m, &n, reinterpret_cast<float *>(a_.data()), a_.ld(), reinterpret_cast<float *>(tau), reinterpret_cast<float *>(work), &lwork, &info);
+    return info < 0 ? info - 1 : info;
+  } catch (const std::bad_alloc &) {
+    return out_of_memory(self, LAPACK_TRANSPOSE_MEMORY_ERROR);
+  }
+}
+
+lapack_int LAPACKE_sgelqf(int matrix_layout, lapack_int m, lapack_int n, float *a, lapack_int lda, float *tau) {
+  if (!layout_ok(matrix_layout)) return report("LAPACKE_sgelqf", 1);
+  float work_size{};
+  lapack_int info = LAPACKE_sgelqf_work(matrix_layout, m, n, a, lda, tau, &work_size, -1);
+  if (info != 0) return info;
+  std::vector<float> work;
+  lapack_int lwork = workspace_length(work_size);
+  try {
+    work.resize(static_cast<std::size_t>(lwork));
+  } catch (const std::bad_alloc &) {
+    return out_of_memory("LAPACKE_sgelqf", LAPACK_WORK_MEMORY_ERROR);
+  }
+  return LAPACKE_sgelqf_work(matrix_layout, m, n, a, lda, tau, work.data(), lwork);
+}
+
+lapack_int LAPACKE_cgelqf_work(int matrix_layout, lapack_int m, lapack_int n, lapack_complex_float *a, lapack_int lda, lapack_complex_float *tau, lapack_complex_float *work, lapack_int lwork) {
+  const char *self = "LAPACKE_cgelqf_work";
+  if (!layout_ok(matrix_layout)) return report(self, 1);
+  const bool row = matrix_layout == LAPACK_ROW_MAJOR;
+  const bool query = lwork == -1;
+  if (row && lda < std::max<lapack_int>(1, n)) return report(self, 5);
+  try {
+    ColMajor<lapack_complex_float> a_(row, row && !query, m, n, a, lda, true);
+    lapack_int info = 0;
+    ::cgelqf(&m, &n, reinterpret_cast<orb_complex8 *>(a_.data()), a_.ld(), reinterpret_cast<orb_complex8 *>(tau), reinterpret_cast<orb_complex8 *>(work), &lwork, &info);
+    return info < 0 ? info - 1 : info;
+  } catch (const std::bad_alloc &) {
+    return out_of_memory(self, LAPACK_TRANSPOSE_MEMORY_ERROR);
+  }
+}
+
+lapack_int LAPACKE_cgelqf(int matrix_layout, lapack_int m, lapack_int n, lapack_complex_float *a, lapack_int lda, lapack_complex_float *tau) {
+  if (!layout_ok(matrix_layout)) return report("LAPACKE_cgelqf", 1);
+  lapack_complex_float work_size{};
+  lapack_int info = LAPACKE_cgelqf_work(matrix_layout, m, n, a, lda, tau, &work_size, -1);
+  if (info != 0) return info;
+  std::vector<lapack_complex_float> work;
+  lapack_int lwork = workspace_length(work_size);
+  try {
+    work.resize(static_cast<std::size_t>(lwork));
+  } catch (const std::bad_alloc &) {
+    return out_of_memory("LAPACKE_cgelqf", LAPACK_WORK_MEMORY_ERROR);
+  }
+  return LAPACKE_cgelqf_work(matrix_layout, m, n, a, lda, tau, work.data(), lwork);
+}
+
+lapack_int LAPACKE_sorglq_work(int matrix_layout, lapack_int m, lapack_int n, lapack_int k, float *a, lapack_int lda, const float *tau, float *work, lapack_int lwork) {
+  const char *self = "LAPACKE_sorglq_work";
+  if (!layout_ok(matrix_layout)) return report(self, 1);
+  const bool row = matrix_layout == LAPACK_ROW_MAJOR;
+  const bool query = lwork == -1;
+  if (row && lda < std::max<lapack_int>(1, n)) return report(self, 6);
+  try {
+    ColMajor<float> a_(row, row && !query, m, n, a, lda, true);
+    lapack_int info = 0;
+    ::sorglq(&m, &n, &k, reinterpret_cast<float *>(a_.data()), a_.ld(), reinterpret_cast<const float *>(tau), reinterpret_cast<float *>(work), &lwork, &info);
+    return info < 0 ? info - 1 : info;
+  } catch (const std::bad_alloc &) {
+    return out_of_memory(self, LAPACK_TRANSPOSE_MEMORY_ERROR);
+  }
+}
+
+lapack_int LAPACKE_sorglq(int matrix_layout, lapack_int m, lapack_int n, lapack_int k, float *a, lapack_int lda, const float *tau) {
+  if (!layout_ok(matrix_layout)) return report("LAPACKE_sorglq", 1);
+  float work_size{};
+  lapack_int info = LAPACKE_sorglq_work(matrix_layout, m, n, k, a, lda, tau, &work_size, -1);
+  if (info != 0) return info;
+  std::vector<float> work;
+  lapack_int lwork = workspace_length(work_size);
+  try {
+    work.resize(static_cast<std::size_t>(lwork));
+  } catch (const std::bad_alloc &) {
+    return out_of_memory("LAPACKE_sorglq", LAPACK_WORK_MEMORY_ERROR);
+  }
+  return LAPACKE_sorglq_work(matrix_layout, m, n, k, a, lda, tau, work.data(), lwork);
+}
+
+lapack_int LAPACKE_cunglq_work(int matrix_layout, lapack_int m, lapack_int n, lapack_int k, lapack_complex_float *a, lapack_int lda, const lapack_complex_float *tau, lapack_complex_float *work, lapack_int lwork) {
+  const char *self = "LAPACKE_cunglq_work";
+  if (!layout_ok(matrix_layout)) return report(self, 1);
+  const bool row = matrix_layout == LAPACK_ROW_MAJOR;
+  const bool query = lwork == -1;
+  if (row && lda < std::max<lapack_int>(1, n)) return report(self, 6);
+  try {
+    ColMajor<lapack_complex_float> a_(row, row && !query, m, n, a, lda, true);
+    lapack_int info = 0;
+    ::cunglq(&m, &n, &k, reinterpret_cast<orb_complex8 *>(a_.data()), a_.ld(), reinterpret_cast<const orb_complex8 *>(tau), reinterpret_cast<orb_complex8 *>(work), &lwork, &info);
+    return info < 0 ? info - 1 : info;
+  } catch (const std::bad_alloc &) {
+    return out_of_memory(self, LAPACK_TRANSPOSE_MEMORY_ERROR);
+  }
+}
+
+lapack_int LAPACKE_cunglq(int matrix_layout, lapack_int m, lapack_int n, lapack_int k, lapack_complex_float *a, lapack_int lda, const lapack_complex_float *tau) {
+  if (!layout_ok(matrix_layout)) return report("LAPACKE_cunglq", 1);
+  lapack_complex_float work_size{};
+  lapack_int info = LAPACKE_cunglq_work(matrix_layout, m, n, k, a, lda, tau, &work_size, -1);
+  if (info != 0) return info;
+  std::vector<lapack_complex_float> work;
+  lapack_int lwork = workspace_length(work_size);
+  try {
+    work.resize(static_cast<std::size_t>(lwork));
+  } catch (const std::bad_alloc &) {
+    return out_of_memory("LAPACKE_cunglq", LAPACK_WORK_MEMORY_ERROR);
+  }
+  return LAPACKE_cunglq_work(matrix_layout, m, n, k, a, lda, tau, work.data(), lwork);
+}
+
+lapack_int LAPACKE_sormlq_work(int matrix_layout, char side, char trans, lapack_int m, lapack_int n, lapack_int k, const float *a, lapack_int lda, const float *tau, float *c, lapack_int ldc, float *work, lapack_int lwork) {
+  const char *self = "LAPACKE_sormlq_work";
+  if (!layout_ok(matrix_layout)) return report(self, 1);
+  const bool row = matrix_layout == LAPACK_ROW_MAJOR;
+  const bool query = lwork == -1;
+  if (row && lda < std::max<lapack_int>(1, (left(side)?m:n))) return report(self, 8);
+  if (row && ldc < std::max<lapack_int>(1, n)) return report(self, 11);
+  try {
+    ColMajor<const float> a_(row, row && !query, k, (left(side)?m:n), a, lda, false);
+    ColMajor<float> c_(row, row && !query, m, n, c, ldc, true);
+    lapack_int info = 0;
+    ::sormlq(&side, &trans, &m, &n, &k, reinterpret_cast<const float *>(a_.data()), a_.ld(), reinterpret_cast<const float *>(tau), reinterpret_cast<float *>(c_.data()), c_.ld(), reinterpret_cast<float *>(work), &lwork, &info, 1, 1);
+    return info < 0 ? info - 1 : info;
+  } catch (const std::bad_alloc &) {
+    return out_of_memory(self, LAPACK_TRANSPOSE_MEMORY_ERROR);
+  }
+}
+
+lapack_int LAPACKE_sormlq(int matrix_layout, char side, char trans, lapack_int m, lapack_int n, lapack_int k, const float *a, lapack_int lda, const float *tau, float *c, lapack_int ldc) {
+  if (!layout_ok(matrix_layout)) return report("LAPACKE_sormlq", 1);
+  float work_size{};
+  lapack_int info = LAPACKE_sormlq_work(matrix_layout, side, trans, m, n, k, a, lda, tau, c, ldc, &work_size, -1);
+  if (info != 0) return info;
+  std::vector<float> work;
+  lapack_int lwork = workspace_length(work_size);
+  try {
+    work.resize(static_cast<std::size_t>(lwork));
+  } catch (const std::bad_alloc &) {
+    return out_of_memory("LAPACKE_sormlq", LAPACK_WORK_MEMORY_ERROR);
+  }
+  return LAPACKE_sormlq_work(matrix_layout, side, trans, m, n, k, a, lda, tau, c, ldc, work.data(), lwork);
+}
+
+lapack_int LAPACKE_cunmlq_work(int matrix_layout, char side, char trans, lapack_int m, lapack_int n, lapack_int k, const lapack_complex_float *a, lapack_int lda, const lapack_complex_float *tau, lapack_complex_float *c, lapack_int ldc, lapack_complex_float *work, lapack_int lwork) {
+  const char *self = "LAPACKE_cunmlq_work";
+  if (!layout_ok(matrix_layout)) return report(self, 1);
+  const bool row = matrix_layout == LAPACK_ROW_MAJOR;
+  const bool query = lwork == -1;
+  if (row && lda < std::max<lapack_int>(1, (left(side)?m:n))) return report(self, 8);
+  if (row && ldc < std::max<lapack_int>(1, n)) return report(self, 11);
+  try {
+    ColMajor<const lapack_complex_float> a_(row, row && !query, k, (left(side)?m:n), a, lda, false);
+    ColMajor<lapack_complex_float> c_(row, row && !query, m, n, c, ldc, true);
+    lapack_int info = 0;
+    ::cunmlq(&side, &trans, &m, &n, &k, reinterpret_cast<const orb_complex8 *>(a_.data()), a_.ld(), reinterpret_cast<const orb_complex8 *>(tau), reinterpret_cast<orb_complex8 *>(c_.data()), c_.ld(), reinterpret_cast<orb_complex8 *>(work), &lwork, &info, 1, 1);
+    return info < 0 ? info - 1 : info;
+  } catch (const std::bad_alloc &) {
+    return out_of_memory(self, LAPACK_TRANSPOSE_MEMORY_ERROR);
+  }
+}
+
+lapack_int LAPACKE_cunmlq(int matrix_layout, char side, char trans, lapack_int m, lapack_int n, lapack_int k, const lapack_complex_float *a, lapack_int lda, const lapack_complex_float *tau, lapack_complex_float *c, lapack_int ldc) {
+  if (!layout_ok(matrix_layout)) return report("LAPACKE_cunmlq", 1);
+  lapack_complex_float work_size{};
+  lapack_int info = LAPACKE_cunmlq_work(matrix_layout, side, trans, m, n, k, a, lda, tau, c, ldc, &work_size, -1);
+  if (info != 0) return info;
+  std::vector<lapack_complex_float> work;
+  lapack_int lwork = workspace_length(work_size);
+  try {
+    work.resize(static_cast<std::size_t>(lwork));
+  } catch (const std::bad_alloc &) {
+    return out_of_memory("LAPACKE_cunmlq", LAPACK_WORK_MEMORY_ERROR);
+  }
+  return LAPACKE_cunmlq_work(matrix_layout, side, trans, m, n, k, a, lda, tau, c, ldc, work.data(), lwork);
+}
+
+lapack_int LAPACKE_sgels_work(int matrix_layout, char trans, lapack_int m, lapack_int n, lapack_int nrhs, float *a, lapack_int lda, float *b, lapack_int ldb, float *work, lapack_int lwork) {
+  const char *self = "LAPACKE_sgels_work";
+  if (!layout_ok(matrix_layout)) return report(self, 1);
+  const bool row = matrix_layout == LAPACK_ROW_MAJOR;
+  const bool query = lwork == -1;
+  if (row && lda < std::max<lapack_int>(1, n)) return report(self, 7);
+  if (row && ldb < std::max<lapack_int>(1, nrhs)) return report(self, 9);
+  try {
+    ColMajor<float> a_(row, row && !query, m, n, a, lda, true);
+    ColMajor<float> b_(row, row && !query, std::max<lapack_int>(m,n), nrhs, b, ldb, true);
+    lapack_int info = 0;
+    ::sgels(&trans, &m, &n, &nrhs, reinterpret_cast<float *>(a_.data()), a_.ld(), reinterpret_cast<float *>(b_.data()), b_.ld(), reinterpret_cast<float *>(work), &lwork, &info, 1);
+    return info < 0 ? info - 1 : info;
+  } catch (const std::bad_alloc &) {
+    return out_of_memory(self, LAPACK_TRANSPOSE_MEMORY_ERROR);
+  }
+}
+
+lapack_int LAPACKE_sgels(int matrix_layout, char trans, lapack_int m, lapack_int n, lapack_int nrhs, float *a, lapack_int lda, float *b, lapack_int ldb) {
+  if (!layout_ok(matrix_layout)) return report("LAPACKE_sgels", 1);
+  float work_size{};
+  lapack_int info = LAPACKE_sgels_work(matrix_layout, trans, m, n, nrhs, a, lda, b, ldb, &work_size, -1);
+  if (info != 0) return info;
+  std::vector<float> work;
+  lapack_int lwork = workspace_length(work_size);
+  try {
+    work.resize(static_cast<std::size_t>(lwork));
+  } catch (const std::bad_alloc &) {
+    return out_of_memory("LAPACKE_sgels", LAPACK_WORK_MEMORY_ERROR);
+  }
+  return LAPACKE_sgels_work(matrix_layout, trans, m, n, nrhs, a, lda, b, ldb, work.data(), lwork);
+}
+
+lapack_int LAPACKE_cgels_work(int matrix_layout, char trans, lapack_int m, lapack_int n, lapack_int nrhs, lapack_complex_float *a, lapack_int lda, lapack_complex_float *b, lapack_int ldb, lapack_complex_float *work, lapack_int lwork) {
+  const char *self = "LAPACKE_cgels_work";
+  if (!layout_ok(matrix_layout)) return report(self, 1);
+  const bool row = matrix_layout == LAPACK_ROW_MAJOR;
+  const bool query = lwork == -1;
+  if (row && lda < std::max<lapack_int>(1, n)) return report(self, 7);
+  if (row && ldb < std::max<lapack_int>(1, nrhs)) return report(self, 9);
+  try {
+    ColMajor<lapack_complex_float> a_(row, row && !query, m, n, a, lda, true);
+    ColMajor<lapack_complex_float> b_(row, row && !query, std::max<lapack_int>(m,n), nrhs, b, ldb, true);
+    lapack_int info = 0;
+    ::cgels(&trans, &m, &n, &nrhs, reinterpret_cast<orb_complex8 *>(a_.data()), a_.ld(), reinterpret_cast<orb_complex8 *>(b_.data()), b_.ld(), reinterpret_cast<orb_complex8 *>(work), &lwork, &info, 1);
+    return info < 0 ? info - 1 : info;
+  } catch (const std::bad_alloc &) {
+    return out_of_memory(self, LAPACK_TRANSPOSE_MEMORY_ERROR);
+  }
+}
+
+lapack_int LAPACKE_cgels(int matrix_layout, char trans, lapack_int m, lapack_int n, lapack_int nrhs, lapack_complex_float *a, lapack_int lda, lapack_complex_float *b, lapack_int ldb) {
+  if (!layout_ok(matrix_layout)) return report("LAPACKE_cgels", 1);
+  lapack_complex_float work_size{};
+  lapack_int info = LAPACKE_cgels_work(matrix_layout, trans, m, n, nrhs, a, lda, b, ldb, &work_size, -1);
+  if (info != 0) return info;
+  std::vector<lapack_complex_float> work;
+  lapack_int lwork = workspace_length(work_size);
+  try {
+    work.resize(static_cast<std::size_t>(lwork));
+  } catch (const std::bad_alloc &) {
+    return out_of_memory("LAPACKE_cgels", LAPACK_WORK_MEMORY_ERROR);
+  }
+  return LAPACKE_cgels_work(matrix_layout, trans, m, n, nrhs, a, lda, b, ldb, work.data(), lwork);
+}
+
+lapack_int LAPACKE_ssytrd_work(int matrix_layout, char uplo, lapack_int n, float *a, lapack_int lda, float *d, float *e, float *tau, float *work, lapack_int lwork) {
+  const char *self = "LAPACKE_ssytrd_work";
+  if (!layout_ok(matrix_layout)) return report(self, 1);
+  const bool row = matrix_layout == LAPACK_ROW_MAJOR;
+  const bool query = lwork == -1;
+  if (row && lda < std::max<lapack_int>(1, n)) return report(self, 5);
+  try {
+    ColMajor<float> a_(row, row && !query, n, n, a, lda, true);
+    lapack_int info = 0;
+    ::ssytrd(&uplo, &n, reinterpret_cast<float *>(a_.data()), a_.ld(), d, e, reinterpret_cast<float *>(tau), reinterpret_cast<float *>(work), &lwork, &info, 1);
+    return info < 0 ? info - 1 : info;
+  } catch (const std::bad_alloc &) {
+    return out_of_memory(self, LAPACK_TRANSPOSE_MEMORY_ERROR);
+  }
+}
+
+lapack_int LAPACKE_ssytrd(int matrix_layout, char uplo, lapack_int n, float *a, lapack_int lda, float *d, float *e, float *tau) {
+  if (!layout_ok(matrix_layout)) return report("LAPACKE_ssytrd", 1);
+  float work_size{};
+  lapack_int info = LAPACKE_ssytrd_work(matrix_layout, uplo, n, a, lda, d, e, tau, &work_size, -1);
+  if (info != 0) return info;
+  std::vector<float> work;
+  lapack_int lwork = workspace_length(work_size);
+  try {
+    work.resize(static_cast<std::size_t>(lwork));
+  } catch (const std::bad_alloc &) {
+    return out_of_memory("LAPACKE_ssytrd", LAPACK_WORK_MEMORY_ERROR);
+  }
+  return LAPACKE_ssytrd_work(matrix_layout, uplo, n, a, lda, d, e, tau, work.data(), lwork);
+}
+
+lapack_int LAPACKE_chetrd_work(int matrix_layout, char uplo, lapack_int n, lapack_complex_float *a, lapack_int lda, float *d, float *e, lapack_complex_float *tau, lapack_complex_float *work, lapack_int lwork) {
+  const char *self = "LAPACKE_chetrd_work";
+  if (!layout_ok(matrix_layout)) return report(self, 1);
+  const bool row = matrix_layout == LAPACK_ROW_MAJOR;
+  const bool query = lwork == -1;
+  if (row && lda < std::max<lapack_int>(1, n)) return report(self, 5);
+  try {
+    ColMajor<lapack_complex_float> a_(row, row && !query, n, n, a, lda, true);
+    lapack_int info = 0;
+    ::chetrd(&uplo, &n, reinterpret_cast<orb_complex8 *>(a_.data()), a_.ld(), d, e, reinterpret_cast<orb_complex8 *>(tau), reinterpret_cast<orb_complex8 *>(work), &lwork, &info, 1);
+    return info < 0 ? info - 1 : info;
+  } catch (const std::bad_alloc &) {
+    return out_of_memory(self, LAPACK_TRANSPOSE_MEMORY_ERROR);
+  }
+}
+
+lapack_int LAPACKE_chetrd(int matrix_layout, char uplo, lapack_int n, lapack_complex_float *a, lapack_int lda, float *d, float *e, lapack_complex_float *tau) {
+  if (!layout_ok(matrix_layout)) return report("LAPACKE_chetrd", 1);
+  lapack_complex_float work_size{};
+  lapack_int info = LAPACKE_chetrd_work(matrix_layout, uplo, n, a, lda, d, e, tau, &work_size, -1);
+  if (info != 0) return info;
+  std::vector<lapack_complex_float> work;
+  lapack_int lwork = workspace_length(work_size);
+  try {
+    work.resize(static_cast<std::size_t>(lwork));
+  } catch (const std::bad_alloc &) {
+    return out_of_memory("LAPACKE_chetrd", LAPACK_WORK_MEMORY_ERROR);
+  }
+  return LAPACKE_chetrd_work(matrix_layout, uplo, n, a, lda, d, e, tau, work.data(), lwork);
+}
+
+lapack_int LAPACKE_sorgtr_work(int matrix_layout, char uplo, lapack_int n, float *a, lapack_int lda, const float *tau, float *work, lapack_int lwork) {
+  const char *self = "LAPACKE_sorgtr_work";
+  if (!layout_ok(matrix_layout)) return report(self, 1);
+  const bool row = matrix_layout == LAPACK_ROW_MAJOR;
+  const bool query = lwork == -1;
+  if (row && lda < std::max<lapack_int>(1, n)) return report(self, 5);
+  try {
+    ColMajor<float> a_(row, row && !query, n, n, a, lda, true);
+    lapack_int info = 0;
+    ::sorgtr(&uplo, &n, reinterpret_cast<float *>(a_.data()), a_.ld(), reinterpret_cast<const float *>(tau), reinterpret_cast<float *>(work), &lwork, &info, 1);
+    return info < 0 ? info - 1 : info;
+  } catch (const std::bad_alloc &) {
+    return out_of_memory(self, LAPACK_TRANSPOSE_MEMORY_ERROR);
+  }
+}
+
+lapack_int LAPACKE_sorgtr(int matrix_layout, char uplo, lapack_int n, float *a, lapack_int lda, const float *tau) {
+  if (!layout_ok(matrix_layout)) return report("LAPACKE_sorgtr", 1);
+  float work_size{};
+  lapack_int info = LAPACKE_sorgtr_work(matrix_layout, uplo, n, a, lda, tau, &work_size, -1);
+  if (info != 0) return info;
+  std::vector<float> work;
+  lapack_int lwork = workspace_length(work_size);
+  try {
+    work.resize(static_cast<std::size_t>(lwork));
+  } catch (const std::bad_alloc &) {
+    return out_of_memory("LAPACKE_sorgtr", LAPACK_WORK_MEMORY_ERROR);
+  }
+  return LAPACKE_sorgtr_work(matrix_layout, uplo, n, a, lda, tau, work.data(), lwork);
+}
+
+lapack_int LAPACKE_cungtr_work(int matrix_layout, char uplo, lapack_int n, lapack_complex_float *a, lapack_int lda, const lapack_complex_float *tau, lapack_complex_float *work, lapack_int lwork) {
+  const char *self = "LAPACKE_cungtr_work";
+  if (!layout_ok(matrix_layout)) return report(self, 1);
+  const bool row = matrix_layout == LAPACK_ROW_MAJOR;
+  const bool query = lwork == -1;
+  if (row && lda < std::max<lapack_int>(1, n)) return report(self, 5);
+  try {
+    ColMajor<lapack_complex_float> a_(row, row && !query, n, n, a, lda, true);
+    lapack_int info = 0;
+    ::cungtr(&uplo, &n, reinterpret_cast<orb_complex8 *>(a_.data()), a_.ld(), reinterpret_cast<const orb_complex8 *>(tau), reinterpret_cast<orb_complex8 *>(work), &lwork, &info, 1);
+    return info < 0 ? info - 1 : info;
+  } catch (const std::bad_alloc &) {
+    return out_of_memory(self, LAPACK_TRANSPOSE_MEMORY_ERROR);
+  }
+}
+
+lapack_int LAPACKE_cungtr(int matrix_layout, char uplo, lapack_int n, lapack_complex_float *a, lapack_int lda, const lapack_complex_float *tau) {
+  if (!layout_ok(matrix_layout)) return report("LAPACKE_cungtr", 1);
+  lapack_complex_float work_size{};
+  lapack_int info = LAPACKE_cungtr_work(matrix_layout, uplo, n, a, lda, tau, &work_size, -1);
+  if (info != 0) return info;
+  std::vector<lapack_complex_float> work;
+  lapack_int lwork = workspace_length(work_size);
+  try {
+    work.resize(static_cast<std::size_t>(lwork));
+  } catch (const std::bad_alloc &) {
+    return out_of_memory("LAPACKE_cungtr", LAPACK_WORK_MEMORY_ERROR);
+  }
+  return LAPACKE_cungtr_work(matrix_layout, uplo, n, a, lda, tau, work.data(), lwork);
+}
+
 }  // extern "C"

@@ -463,6 +463,56 @@ TYPED_TEST(Lapacke, RangedEigenproblemInBothLayouts) {
   }
 }
 
+// Symmetric indefinite factor and solve (pivots are integer outputs), band
+// Cholesky, and least squares, row-major against column-major.
+TEST(LapackeReal, IndefiniteBandAndLeastSquaresInBothLayouts) {
+  std::mt19937 gen(31);
+  const int n = 8, nrhs = 2;
+  for (char uplo : {'U', 'L'}) {
+    Pair<float> a(n, n, gen), b(n, nrhs, gen), x = b;
+    for (int i = 0; i < n; ++i)
+      for (int j = 0; j < i; ++j) a.set(i, j, a.c(j, i));  // symmetric, indefinite
+    std::vector<lapack_int> pc(n), pr(n);
+    ASSERT_EQ(LAPACKE_ssytrf(LAPACK_COL_MAJOR, uplo, n, a.col.data(), a.ldc, pc.data()), 0);
+    ASSERT_EQ(LAPACKE_ssytrf(LAPACK_ROW_MAJOR, uplo, n, a.row.data(), a.ldr, pr.data()), 0);
+    EXPECT_EQ(pc, pr);
+    ASSERT_EQ(LAPACKE_ssytrs(LAPACK_COL_MAJOR, uplo, n, nrhs, a.col.data(), a.ldc, pc.data(),
+                             x.col.data(), x.ldc),
+              0);
+    ASSERT_EQ(LAPACKE_ssytrs(LAPACK_ROW_MAJOR, uplo, n, nrhs, a.row.data(), a.ldr, pr.data(),
+                             x.row.data(), x.ldr),
+              0);
+    x.expect_same(1e-4f);
+  }
+  // Band Cholesky of a diagonally dominant matrix with kd = 2.
+  const int kd = 2;
+  Pair<float> ab(kd + 1, n, gen);
+  for (int j = 0; j < n; ++j) ab.set(kd, j, 6 + ab.c(kd, j));  // the diagonal, upper storage
+  Pair<float> y(n, nrhs, gen);
+  ASSERT_EQ(LAPACKE_spbtrf(LAPACK_COL_MAJOR, 'U', n, kd, ab.col.data(), ab.ldc), 0);
+  ASSERT_EQ(LAPACKE_spbtrf(LAPACK_ROW_MAJOR, 'U', n, kd, ab.row.data(), ab.ldr), 0);
+  ab.expect_same(1e-5f);
+  ASSERT_EQ(LAPACKE_spbtrs(LAPACK_COL_MAJOR, 'U', n, kd, nrhs, ab.col.data(), ab.ldc, y.col.data(),
+                           y.ldc),
+            0);
+  ASSERT_EQ(LAPACKE_spbtrs(LAPACK_ROW_MAJOR, 'U', n, kd, nrhs, ab.row.data(), ab.ldr, y.row.data(),
+                           y.ldr),
+            0);
+  y.expect_same(1e-5f);
+  // Overdetermined least squares: B holds max(m, n) rows.
+  for (auto [m, k] : {std::pair{9, 5}, {5, 9}}) {
+    Pair<float> ls(m, k, gen), rhs(std::max(m, k), nrhs, gen);
+    ASSERT_EQ(LAPACKE_sgels(LAPACK_COL_MAJOR, 'N', m, k, nrhs, ls.col.data(), ls.ldc,
+                            rhs.col.data(), rhs.ldc),
+              0);
+    ASSERT_EQ(LAPACKE_sgels(LAPACK_ROW_MAJOR, 'N', m, k, nrhs, ls.row.data(), ls.ldr,
+                            rhs.row.data(), rhs.ldr),
+              0);
+    ls.expect_same(1e-4f);
+    rhs.expect_same(1e-4f);
+  }
+}
+
 // The message printed by a call, and its result.
 template <class F>
 std::pair<lapack_int, std::string> outcome(F call) {
