@@ -1,0 +1,236 @@
+/*
+ * orb_lapacke.h: the C interface to ORB's single-precision LAPACK routines
+ * (real s and complex c) with the conventional LAPACKE names. Written by
+ * tools/gen_lapacke.py from src/interfaces/lapack_signatures.tsv.
+ *
+ * LAPACKE_xxx(matrix_layout, ...) sizes and allocates the workspace itself;
+ * LAPACKE_xxx_work(matrix_layout, ...) takes the caller's. Matrices are
+ * row-major (LAPACK_ROW_MAJOR) or column-major (LAPACK_COL_MAJOR); row-major
+ * matrices are transposed into column-major copies and back. The result is
+ * the routine's info; a bad argument gives minus its position in the C
+ * argument list (the layout is argument 1) after a message through
+ * LAPACKE_xerbla, and a failed allocation LAPACK_WORK_MEMORY_ERROR or
+ * LAPACK_TRANSPOSE_MEMORY_ERROR. Complex values are lapack_complex_float,
+ * C99 float _Complex (std::complex<float> in C++) unless the includer defines
+ * lapack_complex_float to another type of the same layout.
+ */
+#ifndef ORB_LAPACKE_H
+#define ORB_LAPACKE_H
+
+#ifndef ORB_API
+#if defined(ORB_BUILDING) && !defined(_WIN32)
+#define ORB_API __attribute__((visibility("default")))
+#else
+#define ORB_API
+#endif
+#endif
+
+#ifndef lapack_int
+#define lapack_int int
+#endif
+
+#ifndef lapack_complex_float
+#ifdef __cplusplus
+#include <complex>
+#define lapack_complex_float std::complex<float>
+#else
+#include <complex.h>
+#define lapack_complex_float float _Complex
+#endif
+#endif
+
+#define LAPACK_ROW_MAJOR 101
+#define LAPACK_COL_MAJOR 102
+#define LAPACK_WORK_MEMORY_ERROR -1010
+#define LAPACK_TRANSPOSE_MEMORY_ERROR -1011
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+/* Reports argument -info of routine name (info < 0) or a failed allocation. */
+ORB_API void LAPACKE_xerbla(const char *name, lapack_int info);
+
+/* getrf */
+ORB_API lapack_int LAPACKE_sgetrf(int matrix_layout, lapack_int m, lapack_int n, float *a, lapack_int lda, lapack_int *ipiv);
+ORB_API lapack_int LAPACKE_sgetrf_work(int matrix_layout, lapack_int m, lapack_int n, float *a, lapack_int lda, lapack_int *ipiv);
+ORB_API lapack_int LAPACKE_cgetrf(int matrix_layout, lapack_int m, lapack_int n, lapack_complex_float *a, lapack_int lda, lapack_int *ipiv);
+ORB_API lapack_int LAPACKE_cgetrf_work(int matrix_layout, lapack_int m, lapack_int n, lapack_complex_float *a, lapack_int lda, lapack_int *ipiv);
+
+/* getrs */
+ORB_API lapack_int LAPACKE_sgetrs(int matrix_layout, char trans, lapack_int n, lapack_int nrhs, const float *a, lapack_int lda, const lapack_int *ipiv, float *b, lapack_int ldb);
+ORB_API lapack_int LAPACKE_sgetrs_work(int matrix_layout, char trans, lapack_int n, lapack_int nrhs, const float *a, lapack_int lda, const lapack_int *ipiv, float *b, lapack_int ldb);
+ORB_API lapack_int LAPACKE_cgetrs(int matrix_layout, char trans, lapack_int n, lapack_int nrhs, const lapack_complex_float *a, lapack_int lda, const lapack_int *ipiv, lapack_complex_float *b, lapack_int ldb);
+ORB_API lapack_int LAPACKE_cgetrs_work(int matrix_layout, char trans, lapack_int n, lapack_int nrhs, const lapack_complex_float *a, lapack_int lda, const lapack_int *ipiv, lapack_complex_float *b, lapack_int ldb);
+
+/* potrf */
+ORB_API lapack_int LAPACKE_spotrf(int matrix_layout, char uplo, lapack_int n, float *a, lapack_int lda);
+ORB_API lapack_int LAPACKE_spotrf_work(int matrix_layout, char uplo, lapack_int n, float *a, lapack_int lda);
+ORB_API lapack_int LAPACKE_cpotrf(int matrix_layout, char uplo, lapack_int n, lapack_complex_float *a, lapack_int lda);
+ORB_API lapack_int LAPACKE_cpotrf_work(int matrix_layout, char uplo, lapack_int n, lapack_complex_float *a, lapack_int lda);
+
+/* potrs */
+ORB_API lapack_int LAPACKE_spotrs(int matrix_layout, char uplo, lapack_int n, lapack_int nrhs, const float *a, lapack_int lda, float *b, lapack_int ldb);
+ORB_API lapack_int LAPACKE_spotrs_work(int matrix_layout, char uplo, lapack_int n, lapack_int nrhs, const float *a, lapack_int lda, float *b, lapack_int ldb);
+ORB_API lapack_int LAPACKE_cpotrs(int matrix_layout, char uplo, lapack_int n, lapack_int nrhs, const lapack_complex_float *a, lapack_int lda, lapack_complex_float *b, lapack_int ldb);
+ORB_API lapack_int LAPACKE_cpotrs_work(int matrix_layout, char uplo, lapack_int n, lapack_int nrhs, const lapack_complex_float *a, lapack_int lda, lapack_complex_float *b, lapack_int ldb);
+
+/* geqrf */
+ORB_API lapack_int LAPACKE_sgeqrf(int matrix_layout, lapack_int m, lapack_int n, float *a, lapack_int lda, float *tau);
+ORB_API lapack_int LAPACKE_sgeqrf_work(int matrix_layout, lapack_int m, lapack_int n, float *a, lapack_int lda, float *tau, float *work, lapack_int lwork);
+ORB_API lapack_int LAPACKE_cgeqrf(int matrix_layout, lapack_int m, lapack_int n, lapack_complex_float *a, lapack_int lda, lapack_complex_float *tau);
+ORB_API lapack_int LAPACKE_cgeqrf_work(int matrix_layout, lapack_int m, lapack_int n, lapack_complex_float *a, lapack_int lda, lapack_complex_float *tau, lapack_complex_float *work, lapack_int lwork);
+
+/* getri */
+ORB_API lapack_int LAPACKE_sgetri(int matrix_layout, lapack_int n, float *a, lapack_int lda, const lapack_int *ipiv);
+ORB_API lapack_int LAPACKE_sgetri_work(int matrix_layout, lapack_int n, float *a, lapack_int lda, const lapack_int *ipiv, float *work, lapack_int lwork);
+ORB_API lapack_int LAPACKE_cgetri(int matrix_layout, lapack_int n, lapack_complex_float *a, lapack_int lda, const lapack_int *ipiv);
+ORB_API lapack_int LAPACKE_cgetri_work(int matrix_layout, lapack_int n, lapack_complex_float *a, lapack_int lda, const lapack_int *ipiv, lapack_complex_float *work, lapack_int lwork);
+
+/* gbtrf */
+ORB_API lapack_int LAPACKE_sgbtrf(int matrix_layout, lapack_int m, lapack_int n, lapack_int kl, lapack_int ku, float *ab, lapack_int ldab, lapack_int *ipiv);
+ORB_API lapack_int LAPACKE_sgbtrf_work(int matrix_layout, lapack_int m, lapack_int n, lapack_int kl, lapack_int ku, float *ab, lapack_int ldab, lapack_int *ipiv);
+ORB_API lapack_int LAPACKE_cgbtrf(int matrix_layout, lapack_int m, lapack_int n, lapack_int kl, lapack_int ku, lapack_complex_float *ab, lapack_int ldab, lapack_int *ipiv);
+ORB_API lapack_int LAPACKE_cgbtrf_work(int matrix_layout, lapack_int m, lapack_int n, lapack_int kl, lapack_int ku, lapack_complex_float *ab, lapack_int ldab, lapack_int *ipiv);
+
+/* gbtrs */
+ORB_API lapack_int LAPACKE_sgbtrs(int matrix_layout, char trans, lapack_int n, lapack_int kl, lapack_int ku, lapack_int nrhs, const float *ab, lapack_int ldab, const lapack_int *ipiv, float *b, lapack_int ldb);
+ORB_API lapack_int LAPACKE_sgbtrs_work(int matrix_layout, char trans, lapack_int n, lapack_int kl, lapack_int ku, lapack_int nrhs, const float *ab, lapack_int ldab, const lapack_int *ipiv, float *b, lapack_int ldb);
+ORB_API lapack_int LAPACKE_cgbtrs(int matrix_layout, char trans, lapack_int n, lapack_int kl, lapack_int ku, lapack_int nrhs, const lapack_complex_float *ab, lapack_int ldab, const lapack_int *ipiv, lapack_complex_float *b, lapack_int ldb);
+ORB_API lapack_int LAPACKE_cgbtrs_work(int matrix_layout, char trans, lapack_int n, lapack_int kl, lapack_int ku, lapack_int nrhs, const lapack_complex_float *ab, lapack_int ldab, const lapack_int *ipiv, lapack_complex_float *b, lapack_int ldb);
+
+/* potri */
+ORB_API lapack_int LAPACKE_spotri(int matrix_layout, char uplo, lapack_int n, float *a, lapack_int lda);
+ORB_API lapack_int LAPACKE_spotri_work(int matrix_layout, char uplo, lapack_int n, float *a, lapack_int lda);
+ORB_API lapack_int LAPACKE_cpotri(int matrix_layout, char uplo, lapack_int n, lapack_complex_float *a, lapack_int lda);
+ORB_API lapack_int LAPACKE_cpotri_work(int matrix_layout, char uplo, lapack_int n, lapack_complex_float *a, lapack_int lda);
+
+/* trtri */
+ORB_API lapack_int LAPACKE_strtri(int matrix_layout, char uplo, char diag, lapack_int n, float *a, lapack_int lda);
+ORB_API lapack_int LAPACKE_strtri_work(int matrix_layout, char uplo, char diag, lapack_int n, float *a, lapack_int lda);
+ORB_API lapack_int LAPACKE_ctrtri(int matrix_layout, char uplo, char diag, lapack_int n, lapack_complex_float *a, lapack_int lda);
+ORB_API lapack_int LAPACKE_ctrtri_work(int matrix_layout, char uplo, char diag, lapack_int n, lapack_complex_float *a, lapack_int lda);
+
+/* trtrs */
+ORB_API lapack_int LAPACKE_strtrs(int matrix_layout, char uplo, char trans, char diag, lapack_int n, lapack_int nrhs, const float *a, lapack_int lda, float *b, lapack_int ldb);
+ORB_API lapack_int LAPACKE_strtrs_work(int matrix_layout, char uplo, char trans, char diag, lapack_int n, lapack_int nrhs, const float *a, lapack_int lda, float *b, lapack_int ldb);
+ORB_API lapack_int LAPACKE_ctrtrs(int matrix_layout, char uplo, char trans, char diag, lapack_int n, lapack_int nrhs, const lapack_complex_float *a, lapack_int lda, lapack_complex_float *b, lapack_int ldb);
+ORB_API lapack_int LAPACKE_ctrtrs_work(int matrix_layout, char uplo, char trans, char diag, lapack_int n, lapack_int nrhs, const lapack_complex_float *a, lapack_int lda, lapack_complex_float *b, lapack_int ldb);
+
+/* orgqr */
+ORB_API lapack_int LAPACKE_sorgqr(int matrix_layout, lapack_int m, lapack_int n, lapack_int k, float *a, lapack_int lda, const float *tau);
+ORB_API lapack_int LAPACKE_sorgqr_work(int matrix_layout, lapack_int m, lapack_int n, lapack_int k, float *a, lapack_int lda, const float *tau, float *work, lapack_int lwork);
+
+/* ungqr */
+ORB_API lapack_int LAPACKE_cungqr(int matrix_layout, lapack_int m, lapack_int n, lapack_int k, lapack_complex_float *a, lapack_int lda, const lapack_complex_float *tau);
+ORB_API lapack_int LAPACKE_cungqr_work(int matrix_layout, lapack_int m, lapack_int n, lapack_int k, lapack_complex_float *a, lapack_int lda, const lapack_complex_float *tau, lapack_complex_float *work, lapack_int lwork);
+
+/* ormqr */
+ORB_API lapack_int LAPACKE_sormqr(int matrix_layout, char side, char trans, lapack_int m, lapack_int n, lapack_int k, const float *a, lapack_int lda, const float *tau, float *c, lapack_int ldc);
+ORB_API lapack_int LAPACKE_sormqr_work(int matrix_layout, char side, char trans, lapack_int m, lapack_int n, lapack_int k, const float *a, lapack_int lda, const float *tau, float *c, lapack_int ldc, float *work, lapack_int lwork);
+
+/* unmqr */
+ORB_API lapack_int LAPACKE_cunmqr(int matrix_layout, char side, char trans, lapack_int m, lapack_int n, lapack_int k, const lapack_complex_float *a, lapack_int lda, const lapack_complex_float *tau, lapack_complex_float *c, lapack_int ldc);
+ORB_API lapack_int LAPACKE_cunmqr_work(int matrix_layout, char side, char trans, lapack_int m, lapack_int n, lapack_int k, const lapack_complex_float *a, lapack_int lda, const lapack_complex_float *tau, lapack_complex_float *c, lapack_int ldc, lapack_complex_float *work, lapack_int lwork);
+
+/* gesdd */
+ORB_API lapack_int LAPACKE_sgesdd(int matrix_layout, char jobz, lapack_int m, lapack_int n, float *a, lapack_int lda, float *s, float *u, lapack_int ldu, float *vt, lapack_int ldvt);
+ORB_API lapack_int LAPACKE_sgesdd_work(int matrix_layout, char jobz, lapack_int m, lapack_int n, float *a, lapack_int lda, float *s, float *u, lapack_int ldu, float *vt, lapack_int ldvt, float *work, lapack_int lwork, lapack_int *iwork);
+
+/* gesdd */
+ORB_API lapack_int LAPACKE_cgesdd(int matrix_layout, char jobz, lapack_int m, lapack_int n, lapack_complex_float *a, lapack_int lda, float *s, lapack_complex_float *u, lapack_int ldu, lapack_complex_float *vt, lapack_int ldvt);
+ORB_API lapack_int LAPACKE_cgesdd_work(int matrix_layout, char jobz, lapack_int m, lapack_int n, lapack_complex_float *a, lapack_int lda, float *s, lapack_complex_float *u, lapack_int ldu, lapack_complex_float *vt, lapack_int ldvt, lapack_complex_float *work, lapack_int lwork, float *rwork, lapack_int *iwork);
+
+/* syevr */
+ORB_API lapack_int LAPACKE_ssyevr(int matrix_layout, char jobz, char range, char uplo, lapack_int n, float *a, lapack_int lda, float vl, float vu, lapack_int il, lapack_int iu, float abstol, lapack_int *m, float *w, float *z, lapack_int ldz, lapack_int *isuppz);
+ORB_API lapack_int LAPACKE_ssyevr_work(int matrix_layout, char jobz, char range, char uplo, lapack_int n, float *a, lapack_int lda, float vl, float vu, lapack_int il, lapack_int iu, float abstol, lapack_int *m, float *w, float *z, lapack_int ldz, lapack_int *isuppz, float *work, lapack_int lwork, lapack_int *iwork, lapack_int liwork);
+
+/* heevr */
+ORB_API lapack_int LAPACKE_cheevr(int matrix_layout, char jobz, char range, char uplo, lapack_int n, lapack_complex_float *a, lapack_int lda, float vl, float vu, lapack_int il, lapack_int iu, float abstol, lapack_int *m, float *w, lapack_complex_float *z, lapack_int ldz, lapack_int *isuppz);
+ORB_API lapack_int LAPACKE_cheevr_work(int matrix_layout, char jobz, char range, char uplo, lapack_int n, lapack_complex_float *a, lapack_int lda, float vl, float vu, lapack_int il, lapack_int iu, float abstol, lapack_int *m, float *w, lapack_complex_float *z, lapack_int ldz, lapack_int *isuppz, lapack_complex_float *work, lapack_int lwork, float *rwork, lapack_int lrwork, lapack_int *iwork, lapack_int liwork);
+
+/* pbtrf */
+ORB_API lapack_int LAPACKE_spbtrf(int matrix_layout, char uplo, lapack_int n, lapack_int kd, float *ab, lapack_int ldab);
+ORB_API lapack_int LAPACKE_spbtrf_work(int matrix_layout, char uplo, lapack_int n, lapack_int kd, float *ab, lapack_int ldab);
+ORB_API lapack_int LAPACKE_cpbtrf(int matrix_layout, char uplo, lapack_int n, lapack_int kd, lapack_complex_float *ab, lapack_int ldab);
+ORB_API lapack_int LAPACKE_cpbtrf_work(int matrix_layout, char uplo, lapack_int n, lapack_int kd, lapack_complex_float *ab, lapack_int ldab);
+
+/* pbtrs */
+ORB_API lapack_int LAPACKE_spbtrs(int matrix_layout, char uplo, lapack_int n, lapack_int kd, lapack_int nrhs, const float *ab, lapack_int ldab, float *b, lapack_int ldb);
+ORB_API lapack_int LAPACKE_spbtrs_work(int matrix_layout, char uplo, lapack_int n, lapack_int kd, lapack_int nrhs, const float *ab, lapack_int ldab, float *b, lapack_int ldb);
+ORB_API lapack_int LAPACKE_cpbtrs(int matrix_layout, char uplo, lapack_int n, lapack_int kd, lapack_int nrhs, const lapack_complex_float *ab, lapack_int ldab, lapack_complex_float *b, lapack_int ldb);
+ORB_API lapack_int LAPACKE_cpbtrs_work(int matrix_layout, char uplo, lapack_int n, lapack_int kd, lapack_int nrhs, const lapack_complex_float *ab, lapack_int ldab, lapack_complex_float *b, lapack_int ldb);
+
+/* sytrf */
+ORB_API lapack_int LAPACKE_ssytrf(int matrix_layout, char uplo, lapack_int n, float *a, lapack_int lda, lapack_int *ipiv);
+ORB_API lapack_int LAPACKE_ssytrf_work(int matrix_layout, char uplo, lapack_int n, float *a, lapack_int lda, lapack_int *ipiv, float *work, lapack_int lwork);
+ORB_API lapack_int LAPACKE_csytrf(int matrix_layout, char uplo, lapack_int n, lapack_complex_float *a, lapack_int lda, lapack_int *ipiv);
+ORB_API lapack_int LAPACKE_csytrf_work(int matrix_layout, char uplo, lapack_int n, lapack_complex_float *a, lapack_int lda, lapack_int *ipiv, lapack_complex_float *work, lapack_int lwork);
+
+/* hetrf */
+ORB_API lapack_int LAPACKE_chetrf(int matrix_layout, char uplo, lapack_int n, lapack_complex_float *a, lapack_int lda, lapack_int *ipiv);
+ORB_API lapack_int LAPACKE_chetrf_work(int matrix_layout, char uplo, lapack_int n, lapack_complex_float *a, lapack_int lda, lapack_int *ipiv, lapack_complex_float *work, lapack_int lwork);
+
+/* sytrs */
+ORB_API lapack_int LAPACKE_ssytrs(int matrix_layout, char uplo, lapack_int n, lapack_int nrhs, const float *a, lapack_int lda, const lapack_int *ipiv, float *b, lapack_int ldb);
+ORB_API lapack_int LAPACKE_ssytrs_work(int matrix_layout, char uplo, lapack_int n, lapack_int nrhs, const float *a, lapack_int lda, const lapack_int *ipiv, float *b, lapack_int ldb);
+ORB_API lapack_int LAPACKE_csytrs(int matrix_layout, char uplo, lapack_int n, lapack_int nrhs, const lapack_complex_float *a, lapack_int lda, const lapack_int *ipiv, lapack_complex_float *b, lapack_int ldb);
+ORB_API lapack_int LAPACKE_csytrs_work(int matrix_layout, char uplo, lapack_int n, lapack_int nrhs, const lapack_complex_float *a, lapack_int lda, const lapack_int *ipiv, lapack_complex_float *b, lapack_int ldb);
+
+/* hetrs */
+ORB_API lapack_int LAPACKE_chetrs(int matrix_layout, char uplo, lapack_int n, lapack_int nrhs, const lapack_complex_float *a, lapack_int lda, const lapack_int *ipiv, lapack_complex_float *b, lapack_int ldb);
+ORB_API lapack_int LAPACKE_chetrs_work(int matrix_layout, char uplo, lapack_int n, lapack_int nrhs, const lapack_complex_float *a, lapack_int lda, const lapack_int *ipiv, lapack_complex_float *b, lapack_int ldb);
+
+/* geqp3 */
+ORB_API lapack_int LAPACKE_sgeqp3(int matrix_layout, lapack_int m, lapack_int n, float *a, lapack_int lda, lapack_int *jpvt, float *tau);
+ORB_API lapack_int LAPACKE_sgeqp3_work(int matrix_layout, lapack_int m, lapack_int n, float *a, lapack_int lda, lapack_int *jpvt, float *tau, float *work, lapack_int lwork);
+
+/* gelqf */
+ORB_API lapack_int LAPACKE_sgelqf(int matrix_layout, lapack_int m, lapack_int n, float *a, lapack_int lda, float *tau);
+ORB_API lapack_int LAPACKE_sgelqf_work(int matrix_layout, lapack_int m, lapack_int n, float *a, lapack_int lda, float *tau, float *work, lapack_int lwork);
+ORB_API lapack_int LAPACKE_cgelqf(int matrix_layout, lapack_int m, lapack_int n, lapack_complex_float *a, lapack_int lda, lapack_complex_float *tau);
+ORB_API lapack_int LAPACKE_cgelqf_work(int matrix_layout, lapack_int m, lapack_int n, lapack_complex_float *a, lapack_int lda, lapack_complex_float *tau, lapack_complex_float *work, lapack_int lwork);
+
+/* orglq */
+ORB_API lapack_int LAPACKE_sorglq(int matrix_layout, lapack_int m, lapack_int n, lapack_int k, float *a, lapack_int lda, const float *tau);
+ORB_API lapack_int LAPACKE_sorglq_work(int matrix_layout, lapack_int m, lapack_int n, lapack_int k, float *a, lapack_int lda, const float *tau, float *work, lapack_int lwork);
+
+/* unglq */
+ORB_API lapack_int LAPACKE_cunglq(int matrix_layout, lapack_int m, lapack_int n, lapack_int k, lapack_complex_float *a, lapack_int lda, const lapack_complex_float *tau);
+ORB_API lapack_int LAPACKE_cunglq_work(int matrix_layout, lapack_int m, lapack_int n, lapack_int k, lapack_complex_float *a, lapack_int lda, const lapack_complex_float *tau, lapack_complex_float *work, lapack_int lwork);
+
+/* ormlq */
+ORB_API lapack_int LAPACKE_sormlq(int matrix_layout, char side, char trans, lapack_int m, lapack_int n, lapack_int k, const float *a, lapack_int lda, const float *tau, float *c, lapack_int ldc);
+ORB_API lapack_int LAPACKE_sormlq_work(int matrix_layout, char side, char trans, lapack_int m, lapack_int n, lapack_int k, const float *a, lapack_int lda, const float *tau, float *c, lapack_int ldc, float *work, lapack_int lwork);
+
+/* unmlq */
+ORB_API lapack_int LAPACKE_cunmlq(int matrix_layout, char side, char trans, lapack_int m, lapack_int n, lapack_int k, const lapack_complex_float *a, lapack_int lda, const lapack_complex_float *tau, lapack_complex_float *c, lapack_int ldc);
+ORB_API lapack_int LAPACKE_cunmlq_work(int matrix_layout, char side, char trans, lapack_int m, lapack_int n, lapack_int k, const lapack_complex_float *a, lapack_int lda, const lapack_complex_float *tau, lapack_complex_float *c, lapack_int ldc, lapack_complex_float *work, lapack_int lwork);
+
+/* gels */
+ORB_API lapack_int LAPACKE_sgels(int matrix_layout, char trans, lapack_int m, lapack_int n, lapack_int nrhs, float *a, lapack_int lda, float *b, lapack_int ldb);
+ORB_API lapack_int LAPACKE_sgels_work(int matrix_layout, char trans, lapack_int m, lapack_int n, lapack_int nrhs, float *a, lapack_int lda, float *b, lapack_int ldb, float *work, lapack_int lwork);
+ORB_API lapack_int LAPACKE_cgels(int matrix_layout, char trans, lapack_int m, lapack_int n, lapack_int nrhs, lapack_complex_float *a, lapack_int lda, lapack_complex_float *b, lapack_int ldb);
+ORB_API lapack_int LAPACKE_cgels_work(int matrix_layout, char trans, lapack_int m, lapack_int n, lapack_int nrhs, lapack_complex_float *a, lapack_int lda, lapack_complex_float *b, lapack_int ldb, lapack_complex_float *work, lapack_int lwork);
+
+/* sytrd */
+ORB_API lapack_int LAPACKE_ssytrd(int matrix_layout, char uplo, lapack_int n, float *a, lapack_int lda, float *d, float *e, float *tau);
+ORB_API lapack_int LAPACKE_ssytrd_work(int matrix_layout, char uplo, lapack_int n, float *a, lapack_int lda, float *d, float *e, float *tau, float *work, lapack_int lwork);
+
+/* hetrd */
+ORB_API lapack_int LAPACKE_chetrd(int matrix_layout, char uplo, lapack_int n, lapack_complex_float *a, lapack_int lda, float *d, float *e, lapack_complex_float *tau);
+ORB_API lapack_int LAPACKE_chetrd_work(int matrix_layout, char uplo, lapack_int n, lapack_complex_float *a, lapack_int lda, float *d, float *e, lapack_complex_float *tau, lapack_complex_float *work, lapack_int lwork);
+
+/* orgtr */
+ORB_API lapack_int LAPACKE_sorgtr(int matrix_layout, char uplo, lapack_int n, float *a, lapack_int lda, const float *tau);
+ORB_API lapack_int LAPACKE_sorgtr_work(int matrix_layout, char uplo, lapack_int n, float *a, lapack_int lda, const float *tau, float *work, lapack_int lwork);
+
+/* ungtr */
+ORB_API lapack_int LAPACKE_cungtr(int matrix_layout, char uplo, lapack_int n, lapack_complex_float *a, lapack_int lda, const lapack_complex_float *tau);
+ORB_API lapack_int LAPACKE_cungtr_work(int matrix_layout, char uplo, lapack_int n, lapack_complex_float *a, lapack_int lda, const lapack_complex_float *tau, lapack_complex_float *work, lapack_int lwork);
+
+#ifdef __cplusplus
+}
+#endif
+
+#endif

@@ -1,0 +1,1459 @@
+// The LAPACKE entries, written by tools/gen_lapacke.py from
+// src/interfaces/lapack_signatures.tsv; edit those, not this file.
+// clang-format off
+#include <algorithm>
+#include <cstddef>
+#include <new>
+#include <vector>
+
+#include "lapacke_support.h"
+
+using namespace orb::lapacke;
+
+extern "C" {
+
+lapack_int LAPACKE_sgetrf_work(int matrix_layout, lapack_int m, lapack_int n, float *a, lapack_int lda, lapack_int *ipiv) {
+  const char *self = "LAPACKE_sgetrf_work";
+  if (!layout_ok(matrix_layout)) return report(self, 1);
+  const bool row = matrix_layout == LAPACK_ROW_MAJOR;
+  if (row && lda < std::max<lapack_int>(1, n)) return report(self, 5);
+  try {
+    ColMajor<float> a_(row, row, m, n, a, lda, true);
+    lapack_int info = 0;
+    ::sgetrf(&m, &n, reinterpret_cast<float *>(a_.data()), a_.ld(), ipiv, &info);
+    return info < 0 ? info - 1 : info;
+  } catch (const std::bad_alloc &) {
+    return out_of_memory(self, LAPACK_TRANSPOSE_MEMORY_ERROR);
+  }
+}
+
+lapack_int LAPACKE_sgetrf(int matrix_layout, lapack_int m, lapack_int n, float *a, lapack_int lda, lapack_int *ipiv) {
+  if (!layout_ok(matrix_layout)) return report("LAPACKE_sgetrf", 1);
+  return LAPACKE_sgetrf_work(matrix_layout, m, n, a, lda, ipiv);
+}
+
+lapack_int LAPACKE_cgetrf_work(int matrix_layout, lapack_int m, lapack_int n, lapack_complex_float *a, lapack_int lda, lapack_int *ipiv) {
+  const char *self = "LAPACKE_cgetrf_work";
+  if (!layout_ok(matrix_layout)) return report(self, 1);
+  const bool row = matrix_layout == LAPACK_ROW_MAJOR;
+  if (row && lda < std::max<lapack_int>(1, n)) return report(self, 5);
+  try {
+    ColMajor<lapack_complex_float> a_(row, row, m, n, a, lda, true);
+    lapack_int info = 0;
+    ::cgetrf(&m, &n, reinterpret_cast<orb_complex8 *>(a_.data()), a_.ld(), ipiv, &info);
+    return info < 0 ? info - 1 : info;
+  } catch (const std::bad_alloc &) {
+    return out_of_memory(self, LAPACK_TRANSPOSE_MEMORY_ERROR);
+  }
+}
+
+lapack_int LAPACKE_cgetrf(int matrix_layout, lapack_int m, lapack_int n, lapack_complex_float *a, lapack_int lda, lapack_int *ipiv) {
+  if (!layout_ok(matrix_layout)) return report("LAPACKE_cgetrf", 1);
+  return LAPACKE_cgetrf_work(matrix_layout, m, n, a, lda, ipiv);
+}
+
+lapack_int LAPACKE_sgetrs_work(int matrix_layout, char trans, lapack_int n, lapack_int nrhs, const float *a, lapack_int lda, const lapack_int *ipiv, float *b, lapack_int ldb) {
+  const char *self = "LAPACKE_sgetrs_work";
+  if (!layout_ok(matrix_layout)) return report(self, 1);
+  const bool row = matrix_layout == LAPACK_ROW_MAJOR;
+  if (row && lda < std::max<lapack_int>(1, n)) return report(self, 6);
+  if (row && ldb < std::max<lapack_int>(1, nrhs)) return report(self, 9);
+  try {
+    ColMajor<const float> a_(row, row, n, n, a, lda, false);
+    ColMajor<float> b_(row, row, n, nrhs, b, ldb, true);
+    lapack_int info = 0;
+    ::sgetrs(&trans, &n, &nrhs, reinterpret_cast<const float *>(a_.data()), a_.ld(), ipiv, reinterpret_cast<float *>(b_.data()), b_.ld(), &info, 1);
+    return info < 0 ? info - 1 : info;
+  } catch (const std::bad_alloc &) {
+    return out_of_memory(self, LAPACK_TRANSPOSE_MEMORY_ERROR);
+  }
+}
+
+lapack_int LAPACKE_sgetrs(int matrix_layout, char trans, lapack_int n, lapack_int nrhs, const float *a, lapack_int lda, const lapack_int *ipiv, float *b, lapack_int ldb) {
+  if (!layout_ok(matrix_layout)) return report("LAPACKE_sgetrs", 1);
+  return LAPACKE_sgetrs_work(matrix_layout, trans, n, nrhs, a, lda, ipiv, b, ldb);
+}
+
+lapack_int LAPACKE_cgetrs_work(int matrix_layout, char trans, lapack_int n, lapack_int nrhs, const lapack_complex_float *a, lapack_int lda, const lapack_int *ipiv, lapack_complex_float *b, lapack_int ldb) {
+  const char *self = "LAPACKE_cgetrs_work";
+  if (!layout_ok(matrix_layout)) return report(self, 1);
+  const bool row = matrix_layout == LAPACK_ROW_MAJOR;
+  if (row && lda < std::max<lapack_int>(1, n)) return report(self, 6);
+  if (row && ldb < std::max<lapack_int>(1, nrhs)) return report(self, 9);
+  try {
+    ColMajor<const lapack_complex_float> a_(row, row, n, n, a, lda, false);
+    ColMajor<lapack_complex_float> b_(row, row, n, nrhs, b, ldb, true);
+    lapack_int info = 0;
+    ::cgetrs(&trans, &n, &nrhs, reinterpret_cast<const orb_complex8 *>(a_.data()), a_.ld(), ipiv, reinterpret_cast<orb_complex8 *>(b_.data()), b_.ld(), &info, 1);
+    return info < 0 ? info - 1 : info;
+  } catch (const std::bad_alloc &) {
+    return out_of_memory(self, LAPACK_TRANSPOSE_MEMORY_ERROR);
+  }
+}
+
+lapack_int LAPACKE_cgetrs(int matrix_layout, char trans, lapack_int n, lapack_int nrhs, const lapack_complex_float *a, lapack_int lda, const lapack_int *ipiv, lapack_complex_float *b, lapack_int ldb) {
+  if (!layout_ok(matrix_layout)) return report("LAPACKE_cgetrs", 1);
+  return LAPACKE_cgetrs_work(matrix_layout, trans, n, nrhs, a, lda, ipiv, b, ldb);
+}
+
+lapack_int LAPACKE_spotrf_work(int matrix_layout, char uplo, lapack_int n, float *a, lapack_int lda) {
+  const char *self = "LAPACKE_spotrf_work";
+  if (!layout_ok(matrix_layout)) return report(self, 1);
+  const bool row = matrix_layout == LAPACK_ROW_MAJOR;
+  if (row && lda < std::max<lapack_int>(1, n)) return report(self, 5);
+  try {
+    ColMajor<float> a_(row, row, n, n, a, lda, true);
+    lapack_int info = 0;
+    ::spotrf(&uplo, &n, reinterpret_cast<float *>(a_.data()), a_.ld(), &info, 1);
+    return info < 0 ? info - 1 : info;
+  } catch (const std::bad_alloc &) {
+    return out_of_memory(self, LAPACK_TRANSPOSE_MEMORY_ERROR);
+  }
+}
+
+lapack_int LAPACKE_spotrf(int matrix_layout, char uplo, lapack_int n, float *a, lapack_int lda) {
+  if (!layout_ok(matrix_layout)) return report("LAPACKE_spotrf", 1);
+  return LAPACKE_spotrf_work(matrix_layout, uplo, n, a, lda);
+}
+
+lapack_int LAPACKE_cpotrf_work(int matrix_layout, char uplo, lapack_int n, lapack_complex_float *a, lapack_int lda) {
+  const char *self = "LAPACKE_cpotrf_work";
+  if (!layout_ok(matrix_layout)) return report(self, 1);
+  const bool row = matrix_layout == LAPACK_ROW_MAJOR;
+  if (row && lda < std::max<lapack_int>(1, n)) return report(self, 5);
+  try {
+    ColMajor<lapack_complex_float> a_(row, row, n, n, a, lda, true);
+    lapack_int info = 0;
+    ::cpotrf(&uplo, &n, reinterpret_cast<orb_complex8 *>(a_.data()), a_.ld(), &info, 1);
+    return info < 0 ? info - 1 : info;
+  } catch (const std::bad_alloc &) {
+    return out_of_memory(self, LAPACK_TRANSPOSE_MEMORY_ERROR);
+  }
+}
+
+lapack_int LAPACKE_cpotrf(int matrix_layout, char uplo, lapack_int n, lapack_complex_float *a, lapack_int lda) {
+  if (!layout_ok(matrix_layout)) return report("LAPACKE_cpotrf", 1);
+  return LAPACKE_cpotrf_work(matrix_layout, uplo, n, a, lda);
+}
+
+lapack_int LAPACKE_spotrs_work(int matrix_layout, char uplo, lapack_int n, lapack_int nrhs, const float *a, lapack_int lda, float *b, lapack_int ldb) {
+  const char *self = "LAPACKE_spotrs_work";
+  if (!layout_ok(matrix_layout)) return report(self, 1);
+  const bool row = matrix_layout == LAPACK_ROW_MAJOR;
+  if (row && lda < std::max<lapack_int>(1, n)) return report(self, 6);
+  if (row && ldb < std::max<lapack_int>(1, nrhs)) return report(self, 8);
+  try {
+    ColMajor<const float> a_(row, row, n, n, a, lda, false);
+    ColMajor<float> b_(row, row, n, nrhs, b, ldb, true);
+    lapack_int info = 0;
+    ::spotrs(&uplo, &n, &nrhs, reinterpret_cast<const float *>(a_.data()), a_.ld(), reinterpret_cast<float *>(b_.data()), b_.ld(), &info, 1);
+    return info < 0 ? info - 1 : info;
+  } catch (const std::bad_alloc &) {
+    return out_of_memory(self, LAPACK_TRANSPOSE_MEMORY_ERROR);
+  }
+}
+
+lapack_int LAPACKE_spotrs(int matrix_layout, char uplo, lapack_int n, lapack_int nrhs, const float *a, lapack_int lda, float *b, lapack_int ldb) {
+  if (!layout_ok(matrix_layout)) return report("LAPACKE_spotrs", 1);
+  return LAPACKE_spotrs_work(matrix_layout, uplo, n, nrhs, a, lda, b, ldb);
+}
+
+lapack_int LAPACKE_cpotrs_work(int matrix_layout, char uplo, lapack_int n, lapack_int nrhs, const lapack_complex_float *a, lapack_int lda, lapack_complex_float *b, lapack_int ldb) {
+  const char *self = "LAPACKE_cpotrs_work";
+  if (!layout_ok(matrix_layout)) return report(self, 1);
+  const bool row = matrix_layout == LAPACK_ROW_MAJOR;
+  if (row && lda < std::max<lapack_int>(1, n)) return report(self, 6);
+  if (row && ldb < std::max<lapack_int>(1, nrhs)) return report(self, 8);
+  try {
+    ColMajor<const lapack_complex_float> a_(row, row, n, n, a, lda, false);
+    ColMajor<lapack_complex_float> b_(row, row, n, nrhs, b, ldb, true);
+    lapack_int info = 0;
+    ::cpotrs(&uplo, &n, &nrhs, reinterpret_cast<const orb_complex8 *>(a_.data()), a_.ld(), reinterpret_cast<orb_complex8 *>(b_.data()), b_.ld(), &info, 1);
+    return info < 0 ? info - 1 : info;
+  } catch (const std::bad_alloc &) {
+    return out_of_memory(self, LAPACK_TRANSPOSE_MEMORY_ERROR);
+  }
+}
+
+lapack_int LAPACKE_cpotrs(int matrix_layout, char uplo, lapack_int n, lapack_int nrhs, const lapack_complex_float *a, lapack_int lda, lapack_complex_float *b, lapack_int ldb) {
+  if (!layout_ok(matrix_layout)) return report("LAPACKE_cpotrs", 1);
+  return LAPACKE_cpotrs_work(matrix_layout, uplo, n, nrhs, a, lda, b, ldb);
+}
+
+lapack_int LAPACKE_sgeqrf_work(int matrix_layout, lapack_int m, lapack_int n, float *a, lapack_int lda, float *tau, float *work, lapack_int lwork) {
+  const char *self = "LAPACKE_sgeqrf_work";
+  if (!layout_ok(matrix_layout)) return report(self, 1);
+  const bool row = matrix_layout == LAPACK_ROW_MAJOR;
+  const bool query = lwork == -1;
+  if (row && lda < std::max<lapack_int>(1, n)) return report(self, 5);
+  try {
+    ColMajor<float> a_(row, row && !query, m, n, a, lda, true);
+    lapack_int info = 0;
+    ::sgeqrf(&m, &n, reinterpret_cast<float *>(a_.data()), a_.ld(), reinterpret_cast<float *>(tau), reinterpret_cast<float *>(work), &lwork, &info);
+    return info < 0 ? info - 1 : info;
+  } catch (const std::bad_alloc &) {
+    return out_of_memory(self, LAPACK_TRANSPOSE_MEMORY_ERROR);
+  }
+}
+
+lapack_int LAPACKE_sgeqrf(int matrix_layout, lapack_int m, lapack_int n, float *a, lapack_int lda, float *tau) {
+  if (!layout_ok(matrix_layout)) return report("LAPACKE_sgeqrf", 1);
+  float work_size{};
+  lapack_int info = LAPACKE_sgeqrf_work(matrix_layout, m, n, a, lda, tau, &work_size, -1);
+  if (info != 0) return info;
+  std::vector<float> work;
+  lapack_int lwork = workspace_length(work_size);
+  try {
+    work.resize(static_cast<std::size_t>(lwork));
+  } catch (const std::bad_alloc &) {
+    return out_of_memory("LAPACKE_sgeqrf", LAPACK_WORK_MEMORY_ERROR);
+  }
+  return LAPACKE_sgeqrf_work(matrix_layout, m, n, a, lda, tau, work.data(), lwork);
+}
+
+lapack_int LAPACKE_cgeqrf_work(int matrix_layout, lapack_int m, lapack_int n, lapack_complex_float *a, lapack_int lda, lapack_complex_float *tau, lapack_complex_float *work, lapack_int lwork) {
+  const char *self = "LAPACKE_cgeqrf_work";
+  if (!layout_ok(matrix_layout)) return report(self, 1);
+  const bool row = matrix_layout == LAPACK_ROW_MAJOR;
+  const bool query = lwork == -1;
+  if (row && lda < std::max<lapack_int>(1, n)) return report(self, 5);
+  try {
+    ColMajor<lapack_complex_float> a_(row, row && !query, m, n, a, lda, true);
+    lapack_int info = 0;
+    ::cgeqrf(&m, &n, reinterpret_cast<orb_complex8 *>(a_.data()), a_.ld(), reinterpret_cast<orb_complex8 *>(tau), reinterpret_cast<orb_complex8 *>(work), &lwork, &info);
+    return info < 0 ? info - 1 : info;
+  } catch (const std::bad_alloc &) {
+    return out_of_memory(self, LAPACK_TRANSPOSE_MEMORY_ERROR);
+  }
+}
+
+lapack_int LAPACKE_cgeqrf(int matrix_layout, lapack_int m, lapack_int n, lapack_complex_float *a, lapack_int lda, lapack_complex_float *tau) {
+  if (!layout_ok(matrix_layout)) return report("LAPACKE_cgeqrf", 1);
+  lapack_complex_float work_size{};
+  lapack_int info = LAPACKE_cgeqrf_work(matrix_layout, m, n, a, lda, tau, &work_size, -1);
+  if (info != 0) return info;
+  std::vector<lapack_complex_float> work;
+  lapack_int lwork = workspace_length(work_size);
+  try {
+    work.resize(static_cast<std::size_t>(lwork));
+  } catch (const std::bad_alloc &) {
+    return out_of_memory("LAPACKE_cgeqrf", LAPACK_WORK_MEMORY_ERROR);
+  }
+  return LAPACKE_cgeqrf_work(matrix_layout, m, n, a, lda, tau, work.data(), lwork);
+}
+
+lapack_int LAPACKE_sgetri_work(int matrix_layout, lapack_int n, float *a, lapack_int lda, const lapack_int *ipiv, float *work, lapack_int lwork) {
+  const char *self = "LAPACKE_sgetri_work";
+  if (!layout_ok(matrix_layout)) return report(self, 1);
+  const bool row = matrix_layout == LAPACK_ROW_MAJOR;
+  const bool query = lwork == -1;
+  if (row && lda < std::max<lapack_int>(1, n)) return report(self, 4);
+  try {
+    ColMajor<float> a_(row, row && !query, n, n, a, lda, true);
+    lapack_int info = 0;
+    ::sgetri(&n, reinterpret_cast<float *>(a_.data()), a_.ld(), ipiv, reinterpret_cast<float *>(work), &lwork, &info);
+    return info < 0 ? info - 1 : info;
+  } catch (const std::bad_alloc &) {
+    return out_of_memory(self, LAPACK_TRANSPOSE_MEMORY_ERROR);
+  }
+}
+
+lapack_int LAPACKE_sgetri(int matrix_layout, lapack_int n, float *a, lapack_int lda, const lapack_int *ipiv) {
+  if (!layout_ok(matrix_layout)) return report("LAPACKE_sgetri", 1);
+  float work_size{};
+  lapack_int info = LAPACKE_sgetri_work(matrix_layout, n, a, lda, ipiv, &work_size, -1);
+  if (info != 0) return info;
+  std::vector<float> work;
+  lapack_int lwork = workspace_length(work_size);
+  try {
+    work.resize(static_cast<std::size_t>(lwork));
+  } catch (const std::bad_alloc &) {
+    return out_of_memory("LAPACKE_sgetri", LAPACK_WORK_MEMORY_ERROR);
+  }
+  return LAPACKE_sgetri_work(matrix_layout, n, a, lda, ipiv, work.data(), lwork);
+}
+
+lapack_int LAPACKE_cgetri_work(int matrix_layout, lapack_int n, lapack_complex_float *a, lapack_int lda, const lapack_int *ipiv, lapack_complex_float *work, lapack_int lwork) {
+  const char *self = "LAPACKE_cgetri_work";
+  if (!layout_ok(matrix_layout)) return report(self, 1);
+  const bool row = matrix_layout == LAPACK_ROW_MAJOR;
+  const bool query = lwork == -1;
+  if (row && lda < std::max<lapack_int>(1, n)) return report(self, 4);
+  try {
+    ColMajor<lapack_complex_float> a_(row, row && !query, n, n, a, lda, true);
+    lapack_int info = 0;
+    ::cgetri(&n, reinterpret_cast<orb_complex8 *>(a_.data()), a_.ld(), ipiv, reinterpret_cast<orb_complex8 *>(work), &lwork, &info);
+    return info < 0 ? info - 1 : info;
+  } catch (const std::bad_alloc &) {
+    return out_of_memory(self, LAPACK_TRANSPOSE_MEMORY_ERROR);
+  }
+}
+
+lapack_int LAPACKE_cgetri(int matrix_layout, lapack_int n, lapack_complex_float *a, lapack_int lda, const lapack_int *ipiv) {
+  if (!layout_ok(matrix_layout)) return report("LAPACKE_cgetri", 1);
+  lapack_complex_float work_size{};
+  lapack_int info = LAPACKE_cgetri_work(matrix_layout, n, a, lda, ipiv, &work_size, -1);
+  if (info != 0) return info;
+  std::vector<lapack_complex_float> work;
+  lapack_int lwork = workspace_length(work_size);
+  try {
+    work.resize(static_cast<std::size_t>(lwork));
+  } catch (const std::bad_alloc &) {
+    return out_of_memory("LAPACKE_cgetri", LAPACK_WORK_MEMORY_ERROR);
+  }
+  return LAPACKE_cgetri_work(matrix_layout, n, a, lda, ipiv, work.data(), lwork);
+}
+
+lapack_int LAPACKE_sgbtrf_work(int matrix_layout, lapack_int m, lapack_int n, lapack_int kl, lapack_int ku, float *ab, lapack_int ldab, lapack_int *ipiv) {
+  const char *self = "LAPACKE_sgbtrf_work";
+  if (!layout_ok(matrix_layout)) return report(self, 1);
+  const bool row = matrix_layout == LAPACK_ROW_MAJOR;
+  if (row && ldab < std::max<lapack_int>(1, n)) return report(self, 7);
+  try {
+    ColMajor<float> ab_(row, row, 2*kl+ku+1, n, ab, ldab, true);
+    lapack_int info = 0;
+    ::sgbtrf(&m, &n, &kl, &ku, reinterpret_cast<float *>(ab_.data()), ab_.ld(), ipiv, &info);
+    return info < 0 ? info - 1 : info;
+  } catch (const std::bad_alloc &) {
+    return out_of_memory(self, LAPACK_TRANSPOSE_MEMORY_ERROR);
+  }
+}
+
+lapack_int LAPACKE_sgbtrf(int matrix_layout, lapack_int m, lapack_int n, lapack_int kl, lapack_int ku, float *ab, lapack_int ldab, lapack_int *ipiv) {
+  if (!layout_ok(matrix_layout)) return report("LAPACKE_sgbtrf", 1);
+  return LAPACKE_sgbtrf_work(matrix_layout, m, n, kl, ku, ab, ldab, ipiv);
+}
+
+lapack_int LAPACKE_cgbtrf_work(int matrix_layout, lapack_int m, lapack_int n, lapack_int kl, lapack_int ku, lapack_complex_float *ab, lapack_int ldab, lapack_int *ipiv) {
+  const char *self = "LAPACKE_cgbtrf_work";
+  if (!layout_ok(matrix_layout)) return report(self, 1);
+  const bool row = matrix_layout == LAPACK_ROW_MAJOR;
+  if (row && ldab < std::max<lapack_int>(1, n)) return report(self, 7);
+  try {
+    ColMajor<lapack_complex_float> ab_(row, row, 2*kl+ku+1, n, ab, ldab, true);
+    lapack_int info = 0;
+    ::cgbtrf(&m, &n, &kl, &ku, reinterpret_cast<orb_complex8 *>(ab_.data()), ab_.ld(), ipiv, &info);
+    return info < 0 ? info - 1 : info;
+  } catch (const std::bad_alloc &) {
+    return out_of_memory(self, LAPACK_TRANSPOSE_MEMORY_ERROR);
+  }
+}
+
+lapack_int LAPACKE_cgbtrf(int matrix_layout, lapack_int m, lapack_int n, lapack_int kl, lapack_int ku, lapack_complex_float *ab, lapack_int ldab, lapack_int *ipiv) {
+  if (!layout_ok(matrix_layout)) return report("LAPACKE_cgbtrf", 1);
+  return LAPACKE_cgbtrf_work(matrix_layout, m, n, kl, ku, ab, ldab, ipiv);
+}
+
+lapack_int LAPACKE_sgbtrs_work(int matrix_layout, char trans, lapack_int n, lapack_int kl, lapack_int ku, lapack_int nrhs, const float *ab, lapack_int ldab, const lapack_int *ipiv, float *b, lapack_int ldb) {
+  const char *self = "LAPACKE_sgbtrs_work";
+  if (!layout_ok(matrix_layout)) return report(self, 1);
+  const bool row = matrix_layout == LAPACK_ROW_MAJOR;
+  if (row && ldab < std::max<lapack_int>(1, n)) return report(self, 8);
+  if (row && ldb < std::max<lapack_int>(1, nrhs)) return report(self, 11);
+  try {
+    ColMajor<const float> ab_(row, row, 2*kl+ku+1, n, ab, ldab, false);
+    ColMajor<float> b_(row, row, n, nrhs, b, ldb, true);
+    lapack_int info = 0;
+    ::sgbtrs(&trans, &n, &kl, &ku, &nrhs, reinterpret_cast<const float *>(ab_.data()), ab_.ld(), ipiv, reinterpret_cast<float *>(b_.data()), b_.ld(), &info, 1);
+    return info < 0 ? info - 1 : info;
+  } catch (const std::bad_alloc &) {
+    return out_of_memory(self, LAPACK_TRANSPOSE_MEMORY_ERROR);
+  }
+}
+
+lapack_int LAPACKE_sgbtrs(int matrix_layout, char trans, lapack_int n, lapack_int kl, lapack_int ku, lapack_int nrhs, const float *ab, lapack_int ldab, const lapack_int *ipiv, float *b, lapack_int ldb) {
+  if (!layout_ok(matrix_layout)) return report("LAPACKE_sgbtrs", 1);
+  return LAPACKE_sgbtrs_work(matrix_layout, trans, n, kl, ku, nrhs, ab, ldab, ipiv, b, ldb);
+}
+
+lapack_int LAPACKE_cgbtrs_work(int matrix_layout, char trans, lapack_int n, lapack_int kl, lapack_int ku, lapack_int nrhs, const lapack_complex_float *ab, lapack_int ldab, const lapack_int *ipiv, lapack_complex_float *b, lapack_int ldb) {
+  const char *self = "LAPACKE_cgbtrs_work";
+  if (!layout_ok(matrix_layout)) return report(self, 1);
+  const bool row = matrix_layout == LAPACK_ROW_MAJOR;
+  if (row && ldab < std::max<lapack_int>(1, n)) return report(self, 8);
+  if (row && ldb < std::max<lapack_int>(1, nrhs)) return report(self, 11);
+  try {
+    ColMajor<const lapack_complex_float> ab_(row, row, 2*kl+ku+1, n, ab, ldab, false);
+    ColMajor<lapack_complex_float> b_(row, row, n, nrhs, b, ldb, true);
+    lapack_int info = 0;
+    ::cgbtrs(&trans, &n, &kl, &ku, &nrhs, reinterpret_cast<const orb_complex8 *>(ab_.data()), ab_.ld(), ipiv, reinterpret_cast<orb_complex8 *>(b_.data()), b_.ld(), &info, 1);
+    return info < 0 ? info - 1 : info;
+  } catch (const std::bad_alloc &) {
+    return out_of_memory(self, LAPACK_TRANSPOSE_MEMORY_ERROR);
+  }
+}
+
+lapack_int LAPACKE_cgbtrs(int matrix_layout, char trans, lapack_int n, lapack_int kl, lapack_int ku, lapack_int nrhs, const lapack_complex_float *ab, lapack_int ldab, const lapack_int *ipiv, lapack_complex_float *b, lapack_int ldb) {
+  if (!layout_ok(matrix_layout)) return report("LAPACKE_cgbtrs", 1);
+  return LAPACKE_cgbtrs_work(matrix_layout, trans, n, kl, ku, nrhs, ab, ldab, ipiv, b, ldb);
+}
+
+lapack_int LAPACKE_spotri_work(int matrix_layout, char uplo, lapack_int n, float *a, lapack_int lda) {
+  const char *self = "LAPACKE_spotri_work";
+  if (!layout_ok(matrix_layout)) return report(self, 1);
+  const bool row = matrix_layout == LAPACK_ROW_MAJOR;
+  if (row && lda < std::max<lapack_int>(1, n)) return report(self, 5);
+  try {
+    ColMajor<float> a_(row, row, n, n, a, lda, true);
+    lapack_int info = 0;
+    ::spotri(&uplo, &n, reinterpret_cast<float *>(a_.data()), a_.ld(), &info, 1);
+    return info < 0 ? info - 1 : info;
+  } catch (const std::bad_alloc &) {
+    return out_of_memory(self, LAPACK_TRANSPOSE_MEMORY_ERROR);
+  }
+}
+
+lapack_int LAPACKE_spotri(int matrix_layout, char uplo, lapack_int n, float *a, lapack_int lda) {
+  if (!layout_ok(matrix_layout)) return report("LAPACKE_spotri", 1);
+  return LAPACKE_spotri_work(matrix_layout, uplo, n, a, lda);
+}
+
+lapack_int LAPACKE_cpotri_work(int matrix_layout, char uplo, lapack_int n, lapack_complex_float *a, lapack_int lda) {
+  const char *self = "LAPACKE_cpotri_work";
+  if (!layout_ok(matrix_layout)) return report(self, 1);
+  const bool row = matrix_layout == LAPACK_ROW_MAJOR;
+  if (row && lda < std::max<lapack_int>(1, n)) return report(self, 5);
+  try {
+    ColMajor<lapack_complex_float> a_(row, row, n, n, a, lda, true);
+    lapack_int info = 0;
+    ::cpotri(&uplo, &n, reinterpret_cast<orb_complex8 *>(a_.data()), a_.ld(), &info, 1);
+    return info < 0 ? info - 1 : info;
+  } catch (const std::bad_alloc &) {
+    return out_of_memory(self, LAPACK_TRANSPOSE_MEMORY_ERROR);
+  }
+}
+
+lapack_int LAPACKE_cpotri(int matrix_layout, char uplo, lapack_int n, lapack_complex_float *a, lapack_int lda) {
+  if (!layout_ok(matrix_layout)) return report("LAPACKE_cpotri", 1);
+  return LAPACKE_cpotri_work(matrix_layout, uplo, n, a, lda);
+}
+
+lapack_int LAPACKE_strtri_work(int matrix_layout, char uplo, char diag, lapack_int n, float *a, lapack_int lda) {
+  const char *self = "LAPACKE_strtri_work";
+  if (!layout_ok(matrix_layout)) return report(self, 1);
+  const bool row = matrix_layout == LAPACK_ROW_MAJOR;
+  if (row && lda < std::max<lapack_int>(1, n)) return report(self, 6);
+  try {
+    ColMajor<float> a_(row, row, n, n, a, lda, true);
+    lapack_int info = 0;
+    ::strtri(&uplo, &diag, &n, reinterpret_cast<float *>(a_.data()), a_.ld(), &info, 1, 1);
+    return info < 0 ? info - 1 : info;
+  } catch (const std::bad_alloc &) {
+    return out_of_memory(self, LAPACK_TRANSPOSE_MEMORY_ERROR);
+  }
+}
+
+lapack_int LAPACKE_strtri(int matrix_layout, char uplo, char diag, lapack_int n, float *a, lapack_int lda) {
+  if (!layout_ok(matrix_layout)) return report("LAPACKE_strtri", 1);
+  return LAPACKE_strtri_work(matrix_layout, uplo, diag, n, a, lda);
+}
+
+lapack_int LAPACKE_ctrtri_work(int matrix_layout, char uplo, char diag, lapack_int n, lapack_complex_float *a, lapack_int lda) {
+  const char *self = "LAPACKE_ctrtri_work";
+  if (!layout_ok(matrix_layout)) return report(self, 1);
+  const bool row = matrix_layout == LAPACK_ROW_MAJOR;
+  if (row && lda < std::max<lapack_int>(1, n)) return report(self, 6);
+  try {
+    ColMajor<lapack_complex_float> a_(row, row, n, n, a, lda, true);
+    lapack_int info = 0;
+    ::ctrtri(&uplo, &diag, &n, reinterpret_cast<orb_complex8 *>(a_.data()), a_.ld(), &info, 1, 1);
+    return info < 0 ? info - 1 : info;
+  } catch (const std::bad_alloc &) {
+    return out_of_memory(self, LAPACK_TRANSPOSE_MEMORY_ERROR);
+  }
+}
+
+lapack_int LAPACKE_ctrtri(int matrix_layout, char uplo, char diag, lapack_int n, lapack_complex_float *a, lapack_int lda) {
+  if (!layout_ok(matrix_layout)) return report("LAPACKE_ctrtri", 1);
+  return LAPACKE_ctrtri_work(matrix_layout, uplo, diag, n, a, lda);
+}
+
+lapack_int LAPACKE_strtrs_work(int matrix_layout, char uplo, char trans, char diag, lapack_int n, lapack_int nrhs, const float *a, lapack_int lda, float *b, lapack_int ldb) {
+  const char *self = "LAPACKE_strtrs_work";
+  if (!layout_ok(matrix_layout)) return report(self, 1);
+  const bool row = matrix_layout == LAPACK_ROW_MAJOR;
+  if (row && lda < std::max<lapack_int>(1, n)) return report(self, 8);
+  if (row && ldb < std::max<lapack_int>(1, nrhs)) return report(self, 10);
+  try {
+    ColMajor<const float> a_(row, row, n, n, a, lda, false);
+    ColMajor<float> b_(row, row, n, nrhs, b, ldb, true);
+    lapack_int info = 0;
+    ::strtrs(&uplo, &trans, &diag, &n, &nrhs, reinterpret_cast<const float *>(a_.data()), a_.ld(), reinterpret_cast<float *>(b_.data()), b_.ld(), &info, 1, 1, 1);
+    return info < 0 ? info - 1 : info;
+  } catch (const std::bad_alloc &) {
+    return out_of_memory(self, LAPACK_TRANSPOSE_MEMORY_ERROR);
+  }
+}
+
+lapack_int LAPACKE_strtrs(int matrix_layout, char uplo, char trans, char diag, lapack_int n, lapack_int nrhs, const float *a, lapack_int lda, float *b, lapack_int ldb) {
+  if (!layout_ok(matrix_layout)) return report("LAPACKE_strtrs", 1);
+  return LAPACKE_strtrs_work(matrix_layout, uplo, trans, diag, n, nrhs, a, lda, b, ldb);
+}
+
+lapack_int LAPACKE_ctrtrs_work(int matrix_layout, char uplo, char trans, char diag, lapack_int n, lapack_int nrhs, const lapack_complex_float *a, lapack_int lda, lapack_complex_float *b, lapack_int ldb) {
+  const char *self = "LAPACKE_ctrtrs_work";
+  if (!layout_ok(matrix_layout)) return report(self, 1);
+  const bool row = matrix_layout == LAPACK_ROW_MAJOR;
+  if (row && lda < std::max<lapack_int>(1, n)) return report(self, 8);
+  if (row && ldb < std::max<lapack_int>(1, nrhs)) return report(self, 10);
+  try {
+    ColMajor<const lapack_complex_float> a_(row, row, n, n, a, lda, false);
+    ColMajor<lapack_complex_float> b_(row, row, n, nrhs, b, ldb, true);
+    lapack_int info = 0;
+    ::ctrtrs(&uplo, &trans, &diag, &n, &nrhs, reinterpret_cast<const orb_complex8 *>(a_.data()), a_.ld(), reinterpret_cast<orb_complex8 *>(b_.data()), b_.ld(), &info, 1, 1, 1);
+    return info < 0 ? info - 1 : info;
+  } catch (const std::bad_alloc &) {
+    return out_of_memory(self, LAPACK_TRANSPOSE_MEMORY_ERROR);
+  }
+}
+
+lapack_int LAPACKE_ctrtrs(int matrix_layout, char uplo, char trans, char diag, lapack_int n, lapack_int nrhs, const lapack_complex_float *a, lapack_int lda, lapack_complex_float *b, lapack_int ldb) {
+  if (!layout_ok(matrix_layout)) return report("LAPACKE_ctrtrs", 1);
+  return LAPACKE_ctrtrs_work(matrix_layout, uplo, trans, diag, n, nrhs, a, lda, b, ldb);
+}
+
+lapack_int LAPACKE_sorgqr_work(int matrix_layout, lapack_int m, lapack_int n, lapack_int k, float *a, lapack_int lda, const float *tau, float *work, lapack_int lwork) {
+  const char *self = "LAPACKE_sorgqr_work";
+  if (!layout_ok(matrix_layout)) return report(self, 1);
+  const bool row = matrix_layout == LAPACK_ROW_MAJOR;
+  const bool query = lwork == -1;
+  if (row && lda < std::max<lapack_int>(1, n)) return report(self, 6);
+  try {
+    ColMajor<float> a_(row, row && !query, m, n, a, lda, true);
+    lapack_int info = 0;
+    ::sorgqr(&m, &n, &k, reinterpret_cast<float *>(a_.data()), a_.ld(), reinterpret_cast<const float *>(tau), reinterpret_cast<float *>(work), &lwork, &info);
+    return info < 0 ? info - 1 : info;
+  } catch (const std::bad_alloc &) {
+    return out_of_memory(self, LAPACK_TRANSPOSE_MEMORY_ERROR);
+  }
+}
+
+lapack_int LAPACKE_sorgqr(int matrix_layout, lapack_int m, lapack_int n, lapack_int k, float *a, lapack_int lda, const float *tau) {
+  if (!layout_ok(matrix_layout)) return report("LAPACKE_sorgqr", 1);
+  float work_size{};
+  lapack_int info = LAPACKE_sorgqr_work(matrix_layout, m, n, k, a, lda, tau, &work_size, -1);
+  if (info != 0) return info;
+  std::vector<float> work;
+  lapack_int lwork = workspace_length(work_size);
+  try {
+    work.resize(static_cast<std::size_t>(lwork));
+  } catch (const std::bad_alloc &) {
+    return out_of_memory("LAPACKE_sorgqr", LAPACK_WORK_MEMORY_ERROR);
+  }
+  return LAPACKE_sorgqr_work(matrix_layout, m, n, k, a, lda, tau, work.data(), lwork);
+}
+
+lapack_int LAPACKE_cungqr_work(int matrix_layout, lapack_int m, lapack_int n, lapack_int k, lapack_complex_float *a, lapack_int lda, const lapack_complex_float *tau, lapack_complex_float *work, lapack_int lwork) {
+  const char *self = "LAPACKE_cungqr_work";
+  if (!layout_ok(matrix_layout)) return report(self, 1);
+  const bool row = matrix_layout == LAPACK_ROW_MAJOR;
+  const bool query = lwork == -1;
+  if (row && lda < std::max<lapack_int>(1, n)) return report(self, 6);
+  try {
+    ColMajor<lapack_complex_float> a_(row, row && !query, m, n, a, lda, true);
+    lapack_int info = 0;
+    ::cungqr(&m, &n, &k, reinterpret_cast<orb_complex8 *>(a_.data()), a_.ld(), reinterpret_cast<const orb_complex8 *>(tau), reinterpret_cast<orb_complex8 *>(work), &lwork, &info);
+    return info < 0 ? info - 1 : info;
+  } catch (const std::bad_alloc &) {
+    return out_of_memory(self, LAPACK_TRANSPOSE_MEMORY_ERROR);
+  }
+}
+
+lapack_int LAPACKE_cungqr(int matrix_layout, lapack_int m, lapack_int n, lapack_int k, lapack_complex_float *a, lapack_int lda, const lapack_complex_float *tau) {
+  if (!layout_ok(matrix_layout)) return report("LAPACKE_cungqr", 1);
+  lapack_complex_float work_size{};
+  lapack_int info = LAPACKE_cungqr_work(matrix_layout, m, n, k, a, lda, tau, &work_size, -1);
+  if (info != 0) return info;
+  std::vector<lapack_complex_float> work;
+  lapack_int lwork = workspace_length(work_size);
+  try {
+    work.resize(static_cast<std::size_t>(lwork));
+  } catch (const std::bad_alloc &) {
+    return out_of_memory("LAPACKE_cungqr", LAPACK_WORK_MEMORY_ERROR);
+  }
+  return LAPACKE_cungqr_work(matrix_layout, m, n, k, a, lda, tau, work.data(), lwork);
+}
+
+lapack_int LAPACKE_sormqr_work(int matrix_layout, char side, char trans, lapack_int m, lapack_int n, lapack_int k, const float *a, lapack_int lda, const float *tau, float *c, lapack_int ldc, float *work, lapack_int lwork) {
+  const char *self = "LAPACKE_sormqr_work";
+  if (!layout_ok(matrix_layout)) return report(self, 1);
+  const bool row = matrix_layout == LAPACK_ROW_MAJOR;
+  const bool query = lwork == -1;
+  if (row && lda < std::max<lapack_int>(1, k)) return report(self, 8);
+  if (row && ldc < std::max<lapack_int>(1, n)) return report(self, 11);
+  try {
+    ColMajor<const float> a_(row, row && !query, (left(side)?m:n), k, a, lda, false);
+    ColMajor<float> c_(row, row && !query, m, n, c, ldc, true);
+    lapack_int info = 0;
+    ::sormqr(&side, &trans, &m, &n, &k, reinterpret_cast<const float *>(a_.data()), a_.ld(), reinterpret_cast<const float *>(tau), reinterpret_cast<float *>(c_.data()), c_.ld(), reinterpret_cast<float *>(work), &lwork, &info, 1, 1);
+    return info < 0 ? info - 1 : info;
+  } catch (const std::bad_alloc &) {
+    return out_of_memory(self, LAPACK_TRANSPOSE_MEMORY_ERROR);
+  }
+}
+
+lapack_int LAPACKE_sormqr(int matrix_layout, char side, char trans, lapack_int m, lapack_int n, lapack_int k, const float *a, lapack_int lda, const float *tau, float *c, lapack_int ldc) {
+  if (!layout_ok(matrix_layout)) return report("LAPACKE_sormqr", 1);
+  float work_size{};
+  lapack_int info = LAPACKE_sormqr_work(matrix_layout, side, trans, m, n, k, a, lda, tau, c, ldc, &work_size, -1);
+  if (info != 0) return info;
+  std::vector<float> work;
+  lapack_int lwork = workspace_length(work_size);
+  try {
+    work.resize(static_cast<std::size_t>(lwork));
+  } catch (const std::bad_alloc &) {
+    return out_of_memory("LAPACKE_sormqr", LAPACK_WORK_MEMORY_ERROR);
+  }
+  return LAPACKE_sormqr_work(matrix_layout, side, trans, m, n, k, a, lda, tau, c, ldc, work.data(), lwork);
+}
+
+lapack_int LAPACKE_cunmqr_work(int matrix_layout, char side, char trans, lapack_int m, lapack_int n, lapack_int k, const lapack_complex_float *a, lapack_int lda, const lapack_complex_float *tau, lapack_complex_float *c, lapack_int ldc, lapack_complex_float *work, lapack_int lwork) {
+  const char *self = "LAPACKE_cunmqr_work";
+  if (!layout_ok(matrix_layout)) return report(self, 1);
+  const bool row = matrix_layout == LAPACK_ROW_MAJOR;
+  const bool query = lwork == -1;
+  if (row && lda < std::max<lapack_int>(1, k)) return report(self, 8);
+  if (row && ldc < std::max<lapack_int>(1, n)) return report(self, 11);
+  try {
+    ColMajor<const lapack_complex_float> a_(row, row && !query, (left(side)?m:n), k, a, lda, false);
+    ColMajor<lapack_complex_float> c_(row, row && !query, m, n, c, ldc, true);
+    lapack_int info = 0;
+    ::cunmqr(&side, &trans, &m, &n, &k, reinterpret_cast<const orb_complex8 *>(a_.data()), a_.ld(), reinterpret_cast<const orb_complex8 *>(tau), reinterpret_cast<orb_complex8 *>(c_.data()), c_.ld(), reinterpret_cast<orb_complex8 *>(work), &lwork, &info, 1, 1);
+    return info < 0 ? info - 1 : info;
+  } catch (const std::bad_alloc &) {
+    return out_of_memory(self, LAPACK_TRANSPOSE_MEMORY_ERROR);
+  }
+}
+
+lapack_int LAPACKE_cunmqr(int matrix_layout, char side, char trans, lapack_int m, lapack_int n, lapack_int k, const lapack_complex_float *a, lapack_int lda, const lapack_complex_float *tau, lapack_complex_float *c, lapack_int ldc) {
+  if (!layout_ok(matrix_layout)) return report("LAPACKE_cunmqr", 1);
+  lapack_complex_float work_size{};
+  lapack_int info = LAPACKE_cunmqr_work(matrix_layout, side, trans, m, n, k, a, lda, tau, c, ldc, &work_size, -1);
+  if (info != 0) return info;
+  std::vector<lapack_complex_float> work;
+  lapack_int lwork = workspace_length(work_size);
+  try {
+    work.resize(static_cast<std::size_t>(lwork));
+  } catch (const std::bad_alloc &) {
+    return out_of_memory("LAPACKE_cunmqr", LAPACK_WORK_MEMORY_ERROR);
+  }
+  return LAPACKE_cunmqr_work(matrix_layout, side, trans, m, n, k, a, lda, tau, c, ldc, work.data(), lwork);
+}
+
+lapack_int LAPACKE_sgesdd_work(int matrix_layout, char jobz, lapack_int m, lapack_int n, float *a, lapack_int lda, float *s, float *u, lapack_int ldu, float *vt, lapack_int ldvt, float *work, lapack_int lwork, lapack_int *iwork) {
+  const char *self = "LAPACKE_sgesdd_work";
+  if (!layout_ok(matrix_layout)) return report(self, 1);
+  const bool row = matrix_layout == LAPACK_ROW_MAJOR;
+  const bool query = lwork == -1;
+  if (row && lda < std::max<lapack_int>(1, n)) return report(self, 6);
+  if (row && ldu < std::max<lapack_int>(1, svd_u_cols(jobz,m,n))) return report(self, 9);
+  if (row && ldvt < std::max<lapack_int>(1, n)) return report(self, 11);
+  try {
+    ColMajor<float> a_(row, row && !query, m, n, a, lda, true);
+    ColMajor<float> u_(row, row && !query, m, svd_u_cols(jobz,m,n), u, ldu, true);
+    ColMajor<float> vt_(row, row && !query, svd_vt_rows(jobz,m,n), n, vt, ldvt, true);
+    lapack_int info = 0;
+    ::sgesdd(&jobz, &m, &n, reinterpret_cast<float *>(a_.data()), a_.ld(), s, reinterpret_cast<float *>(u_.data()), u_.ld(), reinterpret_cast<float *>(vt_.data()), vt_.ld(), reinterpret_cast<float *>(work), &lwork, iwork, &info, 1);
+    return info < 0 ? info - 1 : info;
+  } catch (const std::bad_alloc &) {
+    return out_of_memory(self, LAPACK_TRANSPOSE_MEMORY_ERROR);
+  }
+}
+
+lapack_int LAPACKE_sgesdd(int matrix_layout, char jobz, lapack_int m, lapack_int n, float *a, lapack_int lda, float *s, float *u, lapack_int ldu, float *vt, lapack_int ldvt) {
+  if (!layout_ok(matrix_layout)) return report("LAPACKE_sgesdd", 1);
+  std::vector<lapack_int> iwork;
+  try {
+    iwork.resize(static_cast<std::size_t>(std::max<lapack_int>(1, 8*std::min<lapack_int>(m,n))));
+  } catch (const std::bad_alloc &) {
+    return out_of_memory("LAPACKE_sgesdd", LAPACK_WORK_MEMORY_ERROR);
+  }
+  float work_size{};
+  lapack_int info = LAPACKE_sgesdd_work(matrix_layout, jobz, m, n, a, lda, s, u, ldu, vt, ldvt, &work_size, -1, iwork.data());
+  if (info != 0) return info;
+  std::vector<float> work;
+  lapack_int lwork = workspace_length(work_size);
+  try {
+    work.resize(static_cast<std::size_t>(lwork));
+  } catch (const std::bad_alloc &) {
+    return out_of_memory("LAPACKE_sgesdd", LAPACK_WORK_MEMORY_ERROR);
+  }
+  return LAPACKE_sgesdd_work(matrix_layout, jobz, m, n, a, lda, s, u, ldu, vt, ldvt, work.data(), lwork, iwork.data());
+}
+
+lapack_int LAPACKE_cgesdd_work(int matrix_layout, char jobz, lapack_int m, lapack_int n, lapack_complex_float *a, lapack_int lda, float *s, lapack_complex_float *u, lapack_int ldu, lapack_complex_float *vt, lapack_int ldvt, lapack_complex_float *work, lapack_int lwork, float *rwork, lapack_int *iwork) {
+  const char *self = "LAPACKE_cgesdd_work";
+  if (!layout_ok(matrix_layout)) return report(self, 1);
+  const bool row = matrix_layout == LAPACK_ROW_MAJOR;
+  const bool query = lwork == -1;
+  if (row && lda < std::max<lapack_int>(1, n)) return report(self, 6);
+  if (row && ldu < std::max<lapack_int>(1, svd_u_cols(jobz,m,n))) return report(self, 9);
+  if (row && ldvt < std::max<lapack_int>(1, n)) return report(self, 11);
+  try {
+    ColMajor<lapack_complex_float> a_(row, row && !query, m, n, a, lda, true);
+    ColMajor<lapack_complex_float> u_(row, row && !query, m, svd_u_cols(jobz,m,n), u, ldu, true);
+    ColMajor<lapack_complex_float> vt_(row, row && !query, svd_vt_rows(jobz,m,n), n, vt, ldvt, true);
+    lapack_int info = 0;
+    ::cgesdd(&jobz, &m, &n, reinterpret_cast<orb_complex8 *>(a_.data()), a_.ld(), s, reinterpret_cast<orb_complex8 *>(u_.data()), u_.ld(), reinterpret_cast<orb_complex8 *>(vt_.data()), vt_.ld(), reinterpret_cast<orb_complex8 *>(work), &lwork, rwork, iwork, &info, 1);
+    return info < 0 ? info - 1 : info;
+  } catch (const std::bad_alloc &) {
+    return out_of_memory(self, LAPACK_TRANSPOSE_MEMORY_ERROR);
+  }
+}
+
+lapack_int LAPACKE_cgesdd(int matrix_layout, char jobz, lapack_int m, lapack_int n, lapack_complex_float *a, lapack_int lda, float *s, lapack_complex_float *u, lapack_int ldu, lapack_complex_float *vt, lapack_int ldvt) {
+  if (!layout_ok(matrix_layout)) return report("LAPACKE_cgesdd", 1);
+  std::vector<float> rwork;
+  std::vector<lapack_int> iwork;
+  try {
+    rwork.resize(static_cast<std::size_t>(std::max<lapack_int>(1, svd_rwork(jobz,m,n))));
+    iwork.resize(static_cast<std::size_t>(std::max<lapack_int>(1, 8*std::min<lapack_int>(m,n))));
+  } catch (const std::bad_alloc &) {
+    return out_of_memory("LAPACKE_cgesdd", LAPACK_WORK_MEMORY_ERROR);
+  }
+  lapack_complex_float work_size{};
+  lapack_int info = LAPACKE_cgesdd_work(matrix_layout, jobz, m, n, a, lda, s, u, ldu, vt, ldvt, &work_size, -1, rwork.data(), iwork.data());
+  if (info != 0) return info;
+  std::vector<lapack_complex_float> work;
+  lapack_int lwork = workspace_length(work_size);
+  try {
+    work.resize(static_cast<std::size_t>(lwork));
+  } catch (const std::bad_alloc &) {
+    return out_of_memory("LAPACKE_cgesdd", LAPACK_WORK_MEMORY_ERROR);
+  }
+  return LAPACKE_cgesdd_work(matrix_layout, jobz, m, n, a, lda, s, u, ldu, vt, ldvt, work.data(), lwork, rwork.data(), iwork.data());
+}
+
+lapack_int LAPACKE_ssyevr_work(int matrix_layout, char jobz, char range, char uplo, lapack_int n, float *a, lapack_int lda, float vl, float vu, lapack_int il, lapack_int iu, float abstol, lapack_int *m, float *w, float *z, lapack_int ldz, lapack_int *isuppz, float *work, lapack_int lwork, lapack_int *iwork, lapack_int liwork) {
+  const char *self = "LAPACKE_ssyevr_work";
+  if (!layout_ok(matrix_layout)) return report(self, 1);
+  const bool row = matrix_layout == LAPACK_ROW_MAJOR;
+  const bool query = lwork == -1 || liwork == -1;
+  if (row && lda < std::max<lapack_int>(1, n)) return report(self, 7);
+  if (row && ldz < std::max<lapack_int>(1, eig_z_cols(jobz,range,n,il,iu))) return report(self, 16);
+  try {
+    ColMajor<float> a_(row, row && !query, n, n, a, lda, true);
+    ColMajor<float> z_(row, row && !query, n, eig_z_cols(jobz,range,n,il,iu), z, ldz, true);
+    lapack_int info = 0;
+    ::ssyevr(&jobz, &range, &uplo, &n, reinterpret_cast<float *>(a_.data()), a_.ld(), &vl, &vu, &il, &iu, &abstol, m, w, reinterpret_cast<float *>(z_.data()), z_.ld(), isuppz, reinterpret_cast<float *>(work), &lwork, iwork, &liwork, &info, 1, 1, 1);
+    return info < 0 ? info - 1 : info;
+  } catch (const std::bad_alloc &) {
+    return out_of_memory(self, LAPACK_TRANSPOSE_MEMORY_ERROR);
+  }
+}
+
+lapack_int LAPACKE_ssyevr(int matrix_layout, char jobz, char range, char uplo, lapack_int n, float *a, lapack_int lda, float vl, float vu, lapack_int il, lapack_int iu, float abstol, lapack_int *m, float *w, float *z, lapack_int ldz, lapack_int *isuppz) {
+  if (!layout_ok(matrix_layout)) return report("LAPACKE_ssyevr", 1);
+  float work_size{};
+  lapack_int iwork_size{};
+  lapack_int info = LAPACKE_ssyevr_work(matrix_layout, jobz, range, uplo, n, a, lda, vl, vu, il, iu, abstol, m, w, z, ldz, isuppz, &work_size, -1, &iwork_size, -1);
+  if (info != 0) return info;
+  std::vector<float> work;
+  lapack_int lwork = workspace_length(work_size);
+  std::vector<lapack_int> iwork;
+  lapack_int liwork = workspace_length(iwork_size);
+  try {
+    work.resize(static_cast<std::size_t>(lwork));
+    iwork.resize(static_cast<std::size_t>(liwork));
+  } catch (const std::bad_alloc &) {
+    return out_of_memory("LAPACKE_ssyevr", LAPACK_WORK_MEMORY_ERROR);
+  }
+  return LAPACKE_ssyevr_work(matrix_layout, jobz, range, uplo, n, a, lda, vl, vu, il, iu, abstol, m, w, z, ldz, isuppz, work.data(), lwork, iwork.data(), liwork);
+}
+
+lapack_int LAPACKE_cheevr_work(int matrix_layout, char jobz, char range, char uplo, lapack_int n, lapack_complex_float *a, lapack_int lda, float vl, float vu, lapack_int il, lapack_int iu, float abstol, lapack_int *m, float *w, lapack_complex_float *z, lapack_int ldz, lapack_int *isuppz, lapack_complex_float *work, lapack_int lwork, float *rwork, lapack_int lrwork, lapack_int *iwork, lapack_int liwork) {
+  const char *self = "LAPACKE_cheevr_work";
+  if (!layout_ok(matrix_layout)) return report(self, 1);
+  const bool row = matrix_layout == LAPACK_ROW_MAJOR;
+  const bool query = lwork == -1 || lrwork == -1 || liwork == -1;
+  if (row && lda < std::max<lapack_int>(1, n)) return report(self, 7);
+  if (row && ldz < std::max<lapack_int>(1, eig_z_cols(jobz,range,n,il,iu))) return report(self, 16);
+  try {
+    ColMajor<lapack_complex_float> a_(row, row && !query, n, n, a, lda, true);
+    ColMajor<lapack_complex_float> z_(row, row && !query, n, eig_z_cols(jobz,range,n,il,iu), z, ldz, true);
+    lapack_int info = 0;
+    ::cheevr(&jobz, &range, &uplo, &n, reinterpret_cast<orb_complex8 *>(a_.data()), a_.ld(), &vl, &vu, &il, &iu, &abstol, m, w, reinterpret_cast<orb_complex8 *>(z_.data()), z_.ld(), isuppz, reinterpret_cast<orb_complex8 *>(work), &lwork, rwork, &lrwork, iwork, &liwork, &info, 1, 1, 1);
+    return info < 0 ? info - 1 : info;
+  } catch (const std::bad_alloc &) {
+    return out_of_memory(self, LAPACK_TRANSPOSE_MEMORY_ERROR);
+  }
+}
+
+lapack_int LAPACKE_cheevr(int matrix_layout, char jobz, char range, char uplo, lapack_int n, lapack_complex_float *a, lapack_int lda, float vl, float vu, lapack_int il, lapack_int iu, float abstol, lapack_int *m, float *w, lapack_complex_float *z, lapack_int ldz, lapack_int *isuppz) {
+  if (!layout_ok(matrix_layout)) return report("LAPACKE_cheevr", 1);
+  lapack_complex_float work_size{};
+  float rwork_size{};
+  lapack_int iwork_size{};
+  lapack_int info = LAPACKE_cheevr_work(matrix_layout, jobz, range, uplo, n, a, lda, vl, vu, il, iu, abstol, m, w, z, ldz, isuppz, &work_size, -1, &rwork_size, -1, &iwork_size, -1);
+  if (info != 0) return info;
+  std::vector<lapack_complex_float> work;
+  lapack_int lwork = workspace_length(work_size);
+  std::vector<float> rwork;
+  lapack_int lrwork = workspace_length(rwork_size);
+  std::vector<lapack_int> iwork;
+  lapack_int liwork = workspace_length(iwork_size);
+  try {
+    work.resize(static_cast<std::size_t>(lwork));
+    rwork.resize(static_cast<std::size_t>(lrwork));
+    iwork.resize(static_cast<std::size_t>(liwork));
+  } catch (const std::bad_alloc &) {
+    return out_of_memory("LAPACKE_cheevr", LAPACK_WORK_MEMORY_ERROR);
+  }
+  return LAPACKE_cheevr_work(matrix_layout, jobz, range, uplo, n, a, lda, vl, vu, il, iu, abstol, m, w, z, ldz, isuppz, work.data(), lwork, rwork.data(), lrwork, iwork.data(), liwork);
+}
+
+lapack_int LAPACKE_spbtrf_work(int matrix_layout, char uplo, lapack_int n, lapack_int kd, float *ab, lapack_int ldab) {
+  const char *self = "LAPACKE_spbtrf_work";
+  if (!layout_ok(matrix_layout)) return report(self, 1);
+  const bool row = matrix_layout == LAPACK_ROW_MAJOR;
+  if (row && ldab < std::max<lapack_int>(1, n)) return report(self, 6);
+  try {
+    ColMajor<float> ab_(row, row, kd+1, n, ab, ldab, true);
+    lapack_int info = 0;
+    ::spbtrf(&uplo, &n, &kd, reinterpret_cast<float *>(ab_.data()), ab_.ld(), &info, 1);
+    return info < 0 ? info - 1 : info;
+  } catch (const std::bad_alloc &) {
+    return out_of_memory(self, LAPACK_TRANSPOSE_MEMORY_ERROR);
+  }
+}
+
+lapack_int LAPACKE_spbtrf(int matrix_layout, char uplo, lapack_int n, lapack_int kd, float *ab, lapack_int ldab) {
+  if (!layout_ok(matrix_layout)) return report("LAPACKE_spbtrf", 1);
+  return LAPACKE_spbtrf_work(matrix_layout, uplo, n, kd, ab, ldab);
+}
+
+lapack_int LAPACKE_cpbtrf_work(int matrix_layout, char uplo, lapack_int n, lapack_int kd, lapack_complex_float *ab, lapack_int ldab) {
+  const char *self = "LAPACKE_cpbtrf_work";
+  if (!layout_ok(matrix_layout)) return report(self, 1);
+  const bool row = matrix_layout == LAPACK_ROW_MAJOR;
+  if (row && ldab < std::max<lapack_int>(1, n)) return report(self, 6);
+  try {
+    ColMajor<lapack_complex_float> ab_(row, row, kd+1, n, ab, ldab, true);
+    lapack_int info = 0;
+    ::cpbtrf(&uplo, &n, &kd, reinterpret_cast<orb_complex8 *>(ab_.data()), ab_.ld(), &info, 1);
+    return info < 0 ? info - 1 : info;
+  } catch (const std::bad_alloc &) {
+    return out_of_memory(self, LAPACK_TRANSPOSE_MEMORY_ERROR);
+  }
+}
+
+lapack_int LAPACKE_cpbtrf(int matrix_layout, char uplo, lapack_int n, lapack_int kd, lapack_complex_float *ab, lapack_int ldab) {
+  if (!layout_ok(matrix_layout)) return report("LAPACKE_cpbtrf", 1);
+  return LAPACKE_cpbtrf_work(matrix_layout, uplo, n, kd, ab, ldab);
+}
+
+lapack_int LAPACKE_spbtrs_work(int matrix_layout, char uplo, lapack_int n, lapack_int kd, lapack_int nrhs, const float *ab, lapack_int ldab, float *b, lapack_int ldb) {
+  const char *self = "LAPACKE_spbtrs_work";
+  if (!layout_ok(matrix_layout)) return report(self, 1);
+  const bool row = matrix_layout == LAPACK_ROW_MAJOR;
+  if (row && ldab < std::max<lapack_int>(1, n)) return report(self, 7);
+  if (row && ldb < std::max<lapack_int>(1, nrhs)) return report(self, 9);
+  try {
+    ColMajor<const float> ab_(row, row, kd+1, n, ab, ldab, false);
+    ColMajor<float> b_(row, row, n, nrhs, b, ldb, true);
+    lapack_int info = 0;
+    ::spbtrs(&uplo, &n, &kd, &nrhs, reinterpret_cast<const float *>(ab_.data()), ab_.ld(), reinterpret_cast<float *>(b_.data()), b_.ld(), &info, 1);
+    return info < 0 ? info - 1 : info;
+  } catch (const std::bad_alloc &) {
+    return out_of_memory(self, LAPACK_TRANSPOSE_MEMORY_ERROR);
+  }
+}
+
+lapack_int LAPACKE_spbtrs(int matrix_layout, char uplo, lapack_int n, lapack_int kd, lapack_int nrhs, const float *ab, lapack_int ldab, float *b, lapack_int ldb) {
+  if (!layout_ok(matrix_layout)) return report("LAPACKE_spbtrs", 1);
+  return LAPACKE_spbtrs_work(matrix_layout, uplo, n, kd, nrhs, ab, ldab, b, ldb);
+}
+
+lapack_int LAPACKE_cpbtrs_work(int matrix_layout, char uplo, lapack_int n, lapack_int kd, lapack_int nrhs, const lapack_complex_float *ab, lapack_int ldab, lapack_complex_float *b, lapack_int ldb) {
+  const char *self = "LAPACKE_cpbtrs_work";
+  if (!layout_ok(matrix_layout)) return report(self, 1);
+  const bool row = matrix_layout == LAPACK_ROW_MAJOR;
+  if (row && ldab < std::max<lapack_int>(1, n)) return report(self, 7);
+  if (row && ldb < std::max<lapack_int>(1, nrhs)) return report(self, 9);
+  try {
+    ColMajor<const lapack_complex_float> ab_(row, row, kd+1, n, ab, ldab, false);
+    ColMajor<lapack_complex_float> b_(row, row, n, nrhs, b, ldb, true);
+    lapack_int info = 0;
+    ::cpbtrs(&uplo, &n, &kd, &nrhs, reinterpret_cast<const orb_complex8 *>(ab_.data()), ab_.ld(), reinterpret_cast<orb_complex8 *>(b_.data()), b_.ld(), &info, 1);
+    return info < 0 ? info - 1 : info;
+  } catch (const std::bad_alloc &) {
+    return out_of_memory(self, LAPACK_TRANSPOSE_MEMORY_ERROR);
+  }
+}
+
+lapack_int LAPACKE_cpbtrs(int matrix_layout, char uplo, lapack_int n, lapack_int kd, lapack_int nrhs, const lapack_complex_float *ab, lapack_int ldab, lapack_complex_float *b, lapack_int ldb) {
+  if (!layout_ok(matrix_layout)) return report("LAPACKE_cpbtrs", 1);
+  return LAPACKE_cpbtrs_work(matrix_layout, uplo, n, kd, nrhs, ab, ldab, b, ldb);
+}
+
+lapack_int LAPACKE_ssytrf_work(int matrix_layout, char uplo, lapack_int n, float *a, lapack_int lda, lapack_int *ipiv, float *work, lapack_int lwork) {
+  const char *self = "LAPACKE_ssytrf_work";
+  if (!layout_ok(matrix_layout)) return report(self, 1);
+  const bool row = matrix_layout == LAPACK_ROW_MAJOR;
+  const bool query = lwork == -1;
+  if (row && lda < std::max<lapack_int>(1, n)) return report(self, 5);
+  try {
+    ColMajor<float> a_(row, row && !query, n, n, a, lda, true);
+    lapack_int info = 0;
+    ::ssytrf(&uplo, &n, reinterpret_cast<float *>(a_.data()), a_.ld(), ipiv, reinterpret_cast<float *>(work), &lwork, &info, 1);
+    return info < 0 ? info - 1 : info;
+  } catch (const std::bad_alloc &) {
+    return out_of_memory(self, LAPACK_TRANSPOSE_MEMORY_ERROR);
+  }
+}
+
+lapack_int LAPACKE_ssytrf(int matrix_layout, char uplo, lapack_int n, float *a, lapack_int lda, lapack_int *ipiv) {
+  if (!layout_ok(matrix_layout)) return report("LAPACKE_ssytrf", 1);
+  float work_size{};
+  lapack_int info = LAPACKE_ssytrf_work(matrix_layout, uplo, n, a, lda, ipiv, &work_size, -1);
+  if (info != 0) return info;
+  std::vector<float> work;
+  lapack_int lwork = workspace_length(work_size);
+  try {
+    work.resize(static_cast<std::size_t>(lwork));
+  } catch (const std::bad_alloc &) {
+    return out_of_memory("LAPACKE_ssytrf", LAPACK_WORK_MEMORY_ERROR);
+  }
+  return LAPACKE_ssytrf_work(matrix_layout, uplo, n, a, lda, ipiv, work.data(), lwork);
+}
+
+lapack_int LAPACKE_csytrf_work(int matrix_layout, char uplo, lapack_int n, lapack_complex_float *a, lapack_int lda, lapack_int *ipiv, lapack_complex_float *work, lapack_int lwork) {
+  const char *self = "LAPACKE_csytrf_work";
+  if (!layout_ok(matrix_layout)) return report(self, 1);
+  const bool row = matrix_layout == LAPACK_ROW_MAJOR;
+  const bool query = lwork == -1;
+  if (row && lda < std::max<lapack_int>(1, n)) return report(self, 5);
+  try {
+    ColMajor<lapack_complex_float> a_(row, row && !query, n, n, a, lda, true);
+    lapack_int info = 0;
+    ::csytrf(&uplo, &n, reinterpret_cast<orb_complex8 *>(a_.data()), a_.ld(), ipiv, reinterpret_cast<orb_complex8 *>(work), &lwork, &info, 1);
+    return info < 0 ? info - 1 : info;
+  } catch (const std::bad_alloc &) {
+    return out_of_memory(self, LAPACK_TRANSPOSE_MEMORY_ERROR);
+  }
+}
+
+lapack_int LAPACKE_csytrf(int matrix_layout, char uplo, lapack_int n, lapack_complex_float *a, lapack_int lda, lapack_int *ipiv) {
+  if (!layout_ok(matrix_layout)) return report("LAPACKE_csytrf", 1);
+  lapack_complex_float work_size{};
+  lapack_int info = LAPACKE_csytrf_work(matrix_layout, uplo, n, a, lda, ipiv, &work_size, -1);
+  if (info != 0) return info;
+  std::vector<lapack_complex_float> work;
+  lapack_int lwork = workspace_length(work_size);
+  try {
+    work.resize(static_cast<std::size_t>(lwork));
+  } catch (const std::bad_alloc &) {
+    return out_of_memory("LAPACKE_csytrf", LAPACK_WORK_MEMORY_ERROR);
+  }
+  return LAPACKE_csytrf_work(matrix_layout, uplo, n, a, lda, ipiv, work.data(), lwork);
+}
+
+lapack_int LAPACKE_chetrf_work(int matrix_layout, char uplo, lapack_int n, lapack_complex_float *a, lapack_int lda, lapack_int *ipiv, lapack_complex_float *work, lapack_int lwork) {
+  const char *self = "LAPACKE_chetrf_work";
+  if (!layout_ok(matrix_layout)) return report(self, 1);
+  const bool row = matrix_layout == LAPACK_ROW_MAJOR;
+  const bool query = lwork == -1;
+  if (row && lda < std::max<lapack_int>(1, n)) return report(self, 5);
+  try {
+    ColMajor<lapack_complex_float> a_(row, row && !query, n, n, a, lda, true);
+    lapack_int info = 0;
+    ::chetrf(&uplo, &n, reinterpret_cast<orb_complex8 *>(a_.data()), a_.ld(), ipiv, reinterpret_cast<orb_complex8 *>(work), &lwork, &info, 1);
+    return info < 0 ? info - 1 : info;
+  } catch (const std::bad_alloc &) {
+    return out_of_memory(self, LAPACK_TRANSPOSE_MEMORY_ERROR);
+  }
+}
+
+lapack_int LAPACKE_chetrf(int matrix_layout, char uplo, lapack_int n, lapack_complex_float *a, lapack_int lda, lapack_int *ipiv) {
+  if (!layout_ok(matrix_layout)) return report("LAPACKE_chetrf", 1);
+  lapack_complex_float work_size{};
+  lapack_int info = LAPACKE_chetrf_work(matrix_layout, uplo, n, a, lda, ipiv, &work_size, -1);
+  if (info != 0) return info;
+  std::vector<lapack_complex_float> work;
+  lapack_int lwork = workspace_length(work_size);
+  try {
+    work.resize(static_cast<std::size_t>(lwork));
+  } catch (const std::bad_alloc &) {
+    return out_of_memory("LAPACKE_chetrf", LAPACK_WORK_MEMORY_ERROR);
+  }
+  return LAPACKE_chetrf_work(matrix_layout, uplo, n, a, lda, ipiv, work.data(), lwork);
+}
+
+lapack_int LAPACKE_ssytrs_work(int matrix_layout, char uplo, lapack_int n, lapack_int nrhs, const float *a, lapack_int lda, const lapack_int *ipiv, float *b, lapack_int ldb) {
+  const char *self = "LAPACKE_ssytrs_work";
+  if (!layout_ok(matrix_layout)) return report(self, 1);
+  const bool row = matrix_layout == LAPACK_ROW_MAJOR;
+  if (row && lda < std::max<lapack_int>(1, n)) return report(self, 6);
+  if (row && ldb < std::max<lapack_int>(1, nrhs)) return report(self, 9);
+  try {
+    ColMajor<const float> a_(row, row, n, n, a, lda, false);
+    ColMajor<float> b_(row, row, n, nrhs, b, ldb, true);
+    lapack_int info = 0;
+    ::ssytrs(&uplo, &n, &nrhs, reinterpret_cast<const float *>(a_.data()), a_.ld(), ipiv, reinterpret_cast<float *>(b_.data()), b_.ld(), &info, 1);
+    return info < 0 ? info - 1 : info;
+  } catch (const std::bad_alloc &) {
+    return out_of_memory(self, LAPACK_TRANSPOSE_MEMORY_ERROR);
+  }
+}
+
+lapack_int LAPACKE_ssytrs(int matrix_layout, char uplo, lapack_int n, lapack_int nrhs, const float *a, lapack_int lda, const lapack_int *ipiv, float *b, lapack_int ldb) {
+  if (!layout_ok(matrix_layout)) return report("LAPACKE_ssytrs", 1);
+  return LAPACKE_ssytrs_work(matrix_layout, uplo, n, nrhs, a, lda, ipiv, b, ldb);
+}
+
+lapack_int LAPACKE_csytrs_work(int matrix_layout, char uplo, lapack_int n, lapack_int nrhs, const lapack_complex_float *a, lapack_int lda, const lapack_int *ipiv, lapack_complex_float *b, lapack_int ldb) {
+  const char *self = "LAPACKE_csytrs_work";
+  if (!layout_ok(matrix_layout)) return report(self, 1);
+  const bool row = matrix_layout == LAPACK_ROW_MAJOR;
+  if (row && lda < std::max<lapack_int>(1, n)) return report(self, 6);
+  if (row && ldb < std::max<lapack_int>(1, nrhs)) return report(self, 9);
+  try {
+    ColMajor<const lapack_complex_float> a_(row, row, n, n, a, lda, false);
+    ColMajor<lapack_complex_float> b_(row, row, n, nrhs, b, ldb, true);
+    lapack_int info = 0;
+    ::csytrs(&uplo, &n, &nrhs, reinterpret_cast<const orb_complex8 *>(a_.data()), a_.ld(), ipiv, reinterpret_cast<orb_complex8 *>(b_.data()), b_.ld(), &info, 1);
+    return info < 0 ? info - 1 : info;
+  } catch (const std::bad_alloc &) {
+    return out_of_memory(self, LAPACK_TRANSPOSE_MEMORY_ERROR);
+  }
+}
+
+lapack_int LAPACKE_csytrs(int matrix_layout, char uplo, lapack_int n, lapack_int nrhs, const lapack_complex_float *a, lapack_int lda, const lapack_int *ipiv, lapack_complex_float *b, lapack_int ldb) {
+  if (!layout_ok(matrix_layout)) return report("LAPACKE_csytrs", 1);
+  return LAPACKE_csytrs_work(matrix_layout, uplo, n, nrhs, a, lda, ipiv, b, ldb);
+}
+
+lapack_int LAPACKE_chetrs_work(int matrix_layout, char uplo, lapack_int n, lapack_int nrhs, const lapack_complex_float *a, lapack_int lda, const lapack_int *ipiv, lapack_complex_float *b, lapack_int ldb) {
+  const char *self = "LAPACKE_chetrs_work";
+  if (!layout_ok(matrix_layout)) return report(self, 1);
+  const bool row = matrix_layout == LAPACK_ROW_MAJOR;
+  if (row && lda < std::max<lapack_int>(1, n)) return report(self, 6);
+  if (row && ldb < std::max<lapack_int>(1, nrhs)) return report(self, 9);
+  try {
+    ColMajor<const lapack_complex_float> a_(row, row, n, n, a, lda, false);
+    ColMajor<lapack_complex_float> b_(row, row, n, nrhs, b, ldb, true);
+    lapack_int info = 0;
+    ::chetrs(&uplo, &n, &nrhs, reinterpret_cast<const orb_complex8 *>(a_.data()), a_.ld(), ipiv, reinterpret_cast<orb_complex8 *>(b_.data()), b_.ld(), &info, 1);
+    return info < 0 ? info - 1 : info;
+  } catch (const std::bad_alloc &) {
+    return out_of_memory(self, LAPACK_TRANSPOSE_MEMORY_ERROR);
+  }
+}
+
+lapack_int LAPACKE_chetrs(int matrix_layout, char uplo, lapack_int n, lapack_int nrhs, const lapack_complex_float *a, lapack_int lda, const lapack_int *ipiv, lapack_complex_float *b, lapack_int ldb) {
+  if (!layout_ok(matrix_layout)) return report("LAPACKE_chetrs", 1);
+  return LAPACKE_chetrs_work(matrix_layout, uplo, n, nrhs, a, lda, ipiv, b, ldb);
+}
+
+lapack_int LAPACKE_sgeqp3_work(int matrix_layout, lapack_int m, lapack_int n, float *a, lapack_int lda, lapack_int *jpvt, float *tau, float *work, lapack_int lwork) {
+  const char *self = "LAPACKE_sgeqp3_work";
+  if (!layout_ok(matrix_layout)) return report(self, 1);
+  const bool row = matrix_layout == LAPACK_ROW_MAJOR;
+  const bool query = lwork == -1;
+  if (row && lda < std::max<lapack_int>(1, n)) return report(self, 5);
+  try {
+    ColMajor<float> a_(row, row && !query, m, n, a, lda, true);
+    lapack_int info = 0;
+    ::sgeqp3(&m, &n, reinterpret_cast<float *>(a_.data()), a_.ld(), jpvt, reinterpret_cast<float *>(tau), reinterpret_cast<float *>(work), &lwork, &info);
+    return info < 0 ? info - 1 : info;
+  } catch (const std::bad_alloc &) {
+    return out_of_memory(self, LAPACK_TRANSPOSE_MEMORY_ERROR);
+  }
+}
+
+lapack_int LAPACKE_sgeqp3(int matrix_layout, lapack_int m, lapack_int n, float *a, lapack_int lda, lapack_int *jpvt, float *tau) {
+  if (!layout_ok(matrix_layout)) return report("LAPACKE_sgeqp3", 1);
+  float work_size{};
+  lapack_int info = LAPACKE_sgeqp3_work(matrix_layout, m, n, a, lda, jpvt, tau, &work_size, -1);
+  if (info != 0) return info;
+  std::vector<float> work;
+  lapack_int lwork = workspace_length(work_size);
+  try {
+    work.resize(static_cast<std::size_t>(lwork));
+  } catch (const std::bad_alloc &) {
+    return out_of_memory("LAPACKE_sgeqp3", LAPACK_WORK_MEMORY_ERROR);
+  }
+  return LAPACKE_sgeqp3_work(matrix_layout, m, n, a, lda, jpvt, tau, work.data(), lwork);
+}
+
+lapack_int LAPACKE_sgelqf_work(int matrix_layout, lapack_int m, lapack_int n, float *a, lapack_int lda, float *tau, float *work, lapack_int lwork) {
+  const char *self = "LAPACKE_sgelqf_work";
+  if (!layout_ok(matrix_layout)) return report(self, 1);
+  const bool row = matrix_layout == LAPACK_ROW_MAJOR;
+  const bool query = lwork == -1;
+  if (row && lda < std::max<lapack_int>(1, n)) return report(self, 5);
+  try {
+    ColMajor<float> a_(row, row && !query, m, n, a, lda, true);
+    lapack_int info = 0;
+    ::sgelqf(&m, &n, reinterpret_cast<float *>(a_.data()), a_.ld(), reinterpret_cast<float *>(tau), reinterpret_cast<float *>(work), &lwork, &info);
+    return info < 0 ? info - 1 : info;
+  } catch (const std::bad_alloc &) {
+    return out_of_memory(self, LAPACK_TRANSPOSE_MEMORY_ERROR);
+  }
+}
+
+lapack_int LAPACKE_sgelqf(int matrix_layout, lapack_int m, lapack_int n, float *a, lapack_int lda, float *tau) {
+  if (!layout_ok(matrix_layout)) return report("LAPACKE_sgelqf", 1);
+  float work_size{};
+  lapack_int info = LAPACKE_sgelqf_work(matrix_layout, m, n, a, lda, tau, &work_size, -1);
+  if (info != 0) return info;
+  std::vector<float> work;
+  lapack_int lwork = workspace_length(work_size);
+  try {
+    work.resize(static_cast<std::size_t>(lwork));
+  } catch (const std::bad_alloc &) {
+    return out_of_memory("LAPACKE_sgelqf", LAPACK_WORK_MEMORY_ERROR);
+  }
+  return LAPACKE_sgelqf_work(matrix_layout, m, n, a, lda, tau, work.data(), lwork);
+}
+
+lapack_int LAPACKE_cgelqf_work(int matrix_layout, lapack_int m, lapack_int n, lapack_complex_float *a, lapack_int lda, lapack_complex_float *tau, lapack_complex_float *work, lapack_int lwork) {
+  const char *self = "LAPACKE_cgelqf_work";
+  if (!layout_ok(matrix_layout)) return report(self, 1);
+  const bool row = matrix_layout == LAPACK_ROW_MAJOR;
+  const bool query = lwork == -1;
+  if (row && lda < std::max<lapack_int>(1, n)) return report(self, 5);
+  try {
+    ColMajor<lapack_complex_float> a_(row, row && !query, m, n, a, lda, true);
+    lapack_int info = 0;
+    ::cgelqf(&m, &n, reinterpret_cast<orb_complex8 *>(a_.data()), a_.ld(), reinterpret_cast<orb_complex8 *>(tau), reinterpret_cast<orb_complex8 *>(work), &lwork, &info);
+    return info < 0 ? info - 1 : info;
+  } catch (const std::bad_alloc &) {
+    return out_of_memory(self, LAPACK_TRANSPOSE_MEMORY_ERROR);
+  }
+}
+
+lapack_int LAPACKE_cgelqf(int matrix_layout, lapack_int m, lapack_int n, lapack_complex_float *a, lapack_int lda, lapack_complex_float *tau) {
+  if (!layout_ok(matrix_layout)) return report("LAPACKE_cgelqf", 1);
+  lapack_complex_float work_size{};
+  lapack_int info = LAPACKE_cgelqf_work(matrix_layout, m, n, a, lda, tau, &work_size, -1);
+  if (info != 0) return info;
+  std::vector<lapack_complex_float> work;
+  lapack_int lwork = workspace_length(work_size);
+  try {
+    work.resize(static_cast<std::size_t>(lwork));
+  } catch (const std::bad_alloc &) {
+    return out_of_memory("LAPACKE_cgelqf", LAPACK_WORK_MEMORY_ERROR);
+  }
+  return LAPACKE_cgelqf_work(matrix_layout, m, n, a, lda, tau, work.data(), lwork);
+}
+
+lapack_int LAPACKE_sorglq_work(int matrix_layout, lapack_int m, lapack_int n, lapack_int k, float *a, lapack_int lda, const float *tau, float *work, lapack_int lwork) {
+  const char *self = "LAPACKE_sorglq_work";
+  if (!layout_ok(matrix_layout)) return report(self, 1);
+  const bool row = matrix_layout == LAPACK_ROW_MAJOR;
+  const bool query = lwork == -1;
+  if (row && lda < std::max<lapack_int>(1, n)) return report(self, 6);
+  try {
+    ColMajor<float> a_(row, row && !query, m, n, a, lda, true);
+    lapack_int info = 0;
+    ::sorglq(&m, &n, &k, reinterpret_cast<float *>(a_.data()), a_.ld(), reinterpret_cast<const float *>(tau), reinterpret_cast<float *>(work), &lwork, &info);
+    return info < 0 ? info - 1 : info;
+  } catch (const std::bad_alloc &) {
+    return out_of_memory(self, LAPACK_TRANSPOSE_MEMORY_ERROR);
+  }
+}
+
+lapack_int LAPACKE_sorglq(int matrix_layout, lapack_int m, lapack_int n, lapack_int k, float *a, lapack_int lda, const float *tau) {
+  if (!layout_ok(matrix_layout)) return report("LAPACKE_sorglq", 1);
+  float work_size{};
+  lapack_int info = LAPACKE_sorglq_work(matrix_layout, m, n, k, a, lda, tau, &work_size, -1);
+  if (info != 0) return info;
+  std::vector<float> work;
+  lapack_int lwork = workspace_length(work_size);
+  try {
+    work.resize(static_cast<std::size_t>(lwork));
+  } catch (const std::bad_alloc &) {
+    return out_of_memory("LAPACKE_sorglq", LAPACK_WORK_MEMORY_ERROR);
+  }
+  return LAPACKE_sorglq_work(matrix_layout, m, n, k, a, lda, tau, work.data(), lwork);
+}
+
+lapack_int LAPACKE_cunglq_work(int matrix_layout, lapack_int m, lapack_int n, lapack_int k, lapack_complex_float *a, lapack_int lda, const lapack_complex_float *tau, lapack_complex_float *work, lapack_int lwork) {
+  const char *self = "LAPACKE_cunglq_work";
+  if (!layout_ok(matrix_layout)) return report(self, 1);
+  const bool row = matrix_layout == LAPACK_ROW_MAJOR;
+  const bool query = lwork == -1;
+  if (row && lda < std::max<lapack_int>(1, n)) return report(self, 6);
+  try {
+    ColMajor<lapack_complex_float> a_(row, row && !query, m, n, a, lda, true);
+    lapack_int info = 0;
+    ::cunglq(&m, &n, &k, reinterpret_cast<orb_complex8 *>(a_.data()), a_.ld(), reinterpret_cast<const orb_complex8 *>(tau), reinterpret_cast<orb_complex8 *>(work), &lwork, &info);
+    return info < 0 ? info - 1 : info;
+  } catch (const std::bad_alloc &) {
+    return out_of_memory(self, LAPACK_TRANSPOSE_MEMORY_ERROR);
+  }
+}
+
+lapack_int LAPACKE_cunglq(int matrix_layout, lapack_int m, lapack_int n, lapack_int k, lapack_complex_float *a, lapack_int lda, const lapack_complex_float *tau) {
+  if (!layout_ok(matrix_layout)) return report("LAPACKE_cunglq", 1);
+  lapack_complex_float work_size{};
+  lapack_int info = LAPACKE_cunglq_work(matrix_layout, m, n, k, a, lda, tau, &work_size, -1);
+  if (info != 0) return info;
+  std::vector<lapack_complex_float> work;
+  lapack_int lwork = workspace_length(work_size);
+  try {
+    work.resize(static_cast<std::size_t>(lwork));
+  } catch (const std::bad_alloc &) {
+    return out_of_memory("LAPACKE_cunglq", LAPACK_WORK_MEMORY_ERROR);
+  }
+  return LAPACKE_cunglq_work(matrix_layout, m, n, k, a, lda, tau, work.data(), lwork);
+}
+
+lapack_int LAPACKE_sormlq_work(int matrix_layout, char side, char trans, lapack_int m, lapack_int n, lapack_int k, const float *a, lapack_int lda, const float *tau, float *c, lapack_int ldc, float *work, lapack_int lwork) {
+  const char *self = "LAPACKE_sormlq_work";
+  if (!layout_ok(matrix_layout)) return report(self, 1);
+  const bool row = matrix_layout == LAPACK_ROW_MAJOR;
+  const bool query = lwork == -1;
+  if (row && lda < std::max<lapack_int>(1, (left(side)?m:n))) return report(self, 8);
+  if (row && ldc < std::max<lapack_int>(1, n)) return report(self, 11);
+  try {
+    ColMajor<const float> a_(row, row && !query, k, (left(side)?m:n), a, lda, false);
+    ColMajor<float> c_(row, row && !query, m, n, c, ldc, true);
+    lapack_int info = 0;
+    ::sormlq(&side, &trans, &m, &n, &k, reinterpret_cast<const float *>(a_.data()), a_.ld(), reinterpret_cast<const float *>(tau), reinterpret_cast<float *>(c_.data()), c_.ld(), reinterpret_cast<float *>(work), &lwork, &info, 1, 1);
+    return info < 0 ? info - 1 : info;
+  } catch (const std::bad_alloc &) {
+    return out_of_memory(self, LAPACK_TRANSPOSE_MEMORY_ERROR);
+  }
+}
+
+lapack_int LAPACKE_sormlq(int matrix_layout, char side, char trans, lapack_int m, lapack_int n, lapack_int k, const float *a, lapack_int lda, const float *tau, float *c, lapack_int ldc) {
+  if (!layout_ok(matrix_layout)) return report("LAPACKE_sormlq", 1);
+  float work_size{};
+  lapack_int info = LAPACKE_sormlq_work(matrix_layout, side, trans, m, n, k, a, lda, tau, c, ldc, &work_size, -1);
+  if (info != 0) return info;
+  std::vector<float> work;
+  lapack_int lwork = workspace_length(work_size);
+  try {
+    work.resize(static_cast<std::size_t>(lwork));
+  } catch (const std::bad_alloc &) {
+    return out_of_memory("LAPACKE_sormlq", LAPACK_WORK_MEMORY_ERROR);
+  }
+  return LAPACKE_sormlq_work(matrix_layout, side, trans, m, n, k, a, lda, tau, c, ldc, work.data(), lwork);
+}
+
+lapack_int LAPACKE_cunmlq_work(int matrix_layout, char side, char trans, lapack_int m, lapack_int n, lapack_int k, const lapack_complex_float *a, lapack_int lda, const lapack_complex_float *tau, lapack_complex_float *c, lapack_int ldc, lapack_complex_float *work, lapack_int lwork) {
+  const char *self = "LAPACKE_cunmlq_work";
+  if (!layout_ok(matrix_layout)) return report(self, 1);
+  const bool row = matrix_layout == LAPACK_ROW_MAJOR;
+  const bool query = lwork == -1;
+  if (row && lda < std::max<lapack_int>(1, (left(side)?m:n))) return report(self, 8);
+  if (row && ldc < std::max<lapack_int>(1, n)) return report(self, 11);
+  try {
+    ColMajor<const lapack_complex_float> a_(row, row && !query, k, (left(side)?m:n), a, lda, false);
+    ColMajor<lapack_complex_float> c_(row, row && !query, m, n, c, ldc, true);
+    lapack_int info = 0;
+    ::cunmlq(&side, &trans, &m, &n, &k, reinterpret_cast<const orb_complex8 *>(a_.data()), a_.ld(), reinterpret_cast<const orb_complex8 *>(tau), reinterpret_cast<orb_complex8 *>(c_.data()), c_.ld(), reinterpret_cast<orb_complex8 *>(work), &lwork, &info, 1, 1);
+    return info < 0 ? info - 1 : info;
+  } catch (const std::bad_alloc &) {
+    return out_of_memory(self, LAPACK_TRANSPOSE_MEMORY_ERROR);
+  }
+}
+
+lapack_int LAPACKE_cunmlq(int matrix_layout, char side, char trans, lapack_int m, lapack_int n, lapack_int k, const lapack_complex_float *a, lapack_int lda, const lapack_complex_float *tau, lapack_complex_float *c, lapack_int ldc) {
+  if (!layout_ok(matrix_layout)) return report("LAPACKE_cunmlq", 1);
+  lapack_complex_float work_size{};
+  lapack_int info = LAPACKE_cunmlq_work(matrix_layout, side, trans, m, n, k, a, lda, tau, c, ldc, &work_size, -1);
+  if (info != 0) return info;
+  std::vector<lapack_complex_float> work;
+  lapack_int lwork = workspace_length(work_size);
+  try {
+    work.resize(static_cast<std::size_t>(lwork));
+  } catch (const std::bad_alloc &) {
+    return out_of_memory("LAPACKE_cunmlq", LAPACK_WORK_MEMORY_ERROR);
+  }
+  return LAPACKE_cunmlq_work(matrix_layout, side, trans, m, n, k, a, lda, tau, c, ldc, work.data(), lwork);
+}
+
+lapack_int LAPACKE_sgels_work(int matrix_layout, char trans, lapack_int m, lapack_int n, lapack_int nrhs, float *a, lapack_int lda, float *b, lapack_int ldb, float *work, lapack_int lwork) {
+  const char *self = "LAPACKE_sgels_work";
+  if (!layout_ok(matrix_layout)) return report(self, 1);
+  const bool row = matrix_layout == LAPACK_ROW_MAJOR;
+  const bool query = lwork == -1;
+  if (row && lda < std::max<lapack_int>(1, n)) return report(self, 7);
+  if (row && ldb < std::max<lapack_int>(1, nrhs)) return report(self, 9);
+  try {
+    ColMajor<float> a_(row, row && !query, m, n, a, lda, true);
+    ColMajor<float> b_(row, row && !query, std::max<lapack_int>(m,n), nrhs, b, ldb, true);
+    lapack_int info = 0;
+    ::sgels(&trans, &m, &n, &nrhs, reinterpret_cast<float *>(a_.data()), a_.ld(), reinterpret_cast<float *>(b_.data()), b_.ld(), reinterpret_cast<float *>(work), &lwork, &info, 1);
+    return info < 0 ? info - 1 : info;
+  } catch (const std::bad_alloc &) {
+    return out_of_memory(self, LAPACK_TRANSPOSE_MEMORY_ERROR);
+  }
+}
+
+lapack_int LAPACKE_sgels(int matrix_layout, char trans, lapack_int m, lapack_int n, lapack_int nrhs, float *a, lapack_int lda, float *b, lapack_int ldb) {
+  if (!layout_ok(matrix_layout)) return report("LAPACKE_sgels", 1);
+  float work_size{};
+  lapack_int info = LAPACKE_sgels_work(matrix_layout, trans, m, n, nrhs, a, lda, b, ldb, &work_size, -1);
+  if (info != 0) return info;
+  std::vector<float> work;
+  lapack_int lwork = workspace_length(work_size);
+  try {
+    work.resize(static_cast<std::size_t>(lwork));
+  } catch (const std::bad_alloc &) {
+    return out_of_memory("LAPACKE_sgels", LAPACK_WORK_MEMORY_ERROR);
+  }
+  return LAPACKE_sgels_work(matrix_layout, trans, m, n, nrhs, a, lda, b, ldb, work.data(), lwork);
+}
+
+lapack_int LAPACKE_cgels_work(int matrix_layout, char trans, lapack_int m, lapack_int n, lapack_int nrhs, lapack_complex_float *a, lapack_int lda, lapack_complex_float *b, lapack_int ldb, lapack_complex_float *work, lapack_int lwork) {
+  const char *self = "LAPACKE_cgels_work";
+  if (!layout_ok(matrix_layout)) return report(self, 1);
+  const bool row = matrix_layout == LAPACK_ROW_MAJOR;
+  const bool query = lwork == -1;
+  if (row && lda < std::max<lapack_int>(1, n)) return report(self, 7);
+  if (row && ldb < std::max<lapack_int>(1, nrhs)) return report(self, 9);
+  try {
+    ColMajor<lapack_complex_float> a_(row, row && !query, m, n, a, lda, true);
+    ColMajor<lapack_complex_float> b_(row, row && !query, std::max<lapack_int>(m,n), nrhs, b, ldb, true);
+    lapack_int info = 0;
+    ::cgels(&trans, &m, &n, &nrhs, reinterpret_cast<orb_complex8 *>(a_.data()), a_.ld(), reinterpret_cast<orb_complex8 *>(b_.data()), b_.ld(), reinterpret_cast<orb_complex8 *>(work), &lwork, &info, 1);
+    return info < 0 ? info - 1 : info;
+  } catch (const std::bad_alloc &) {
+    return out_of_memory(self, LAPACK_TRANSPOSE_MEMORY_ERROR);
+  }
+}
+
+lapack_int LAPACKE_cgels(int matrix_layout, char trans, lapack_int m, lapack_int n, lapack_int nrhs, lapack_complex_float *a, lapack_int lda, lapack_complex_float *b, lapack_int ldb) {
+  if (!layout_ok(matrix_layout)) return report("LAPACKE_cgels", 1);
+  lapack_complex_float work_size{};
+  lapack_int info = LAPACKE_cgels_work(matrix_layout, trans, m, n, nrhs, a, lda, b, ldb, &work_size, -1);
+  if (info != 0) return info;
+  std::vector<lapack_complex_float> work;
+  lapack_int lwork = workspace_length(work_size);
+  try {
+    work.resize(static_cast<std::size_t>(lwork));
+  } catch (const std::bad_alloc &) {
+    return out_of_memory("LAPACKE_cgels", LAPACK_WORK_MEMORY_ERROR);
+  }
+  return LAPACKE_cgels_work(matrix_layout, trans, m, n, nrhs, a, lda, b, ldb, work.data(), lwork);
+}
+
+lapack_int LAPACKE_ssytrd_work(int matrix_layout, char uplo, lapack_int n, float *a, lapack_int lda, float *d, float *e, float *tau, float *work, lapack_int lwork) {
+  const char *self = "LAPACKE_ssytrd_work";
+  if (!layout_ok(matrix_layout)) return report(self, 1);
+  const bool row = matrix_layout == LAPACK_ROW_MAJOR;
+  const bool query = lwork == -1;
+  if (row && lda < std::max<lapack_int>(1, n)) return report(self, 5);
+  try {
+    ColMajor<float> a_(row, row && !query, n, n, a, lda, true);
+    lapack_int info = 0;
+    ::ssytrd(&uplo, &n, reinterpret_cast<float *>(a_.data()), a_.ld(), d, e, reinterpret_cast<float *>(tau), reinterpret_cast<float *>(work), &lwork, &info, 1);
+    return info < 0 ? info - 1 : info;
+  } catch (const std::bad_alloc &) {
+    return out_of_memory(self, LAPACK_TRANSPOSE_MEMORY_ERROR);
+  }
+}
+
+lapack_int LAPACKE_ssytrd(int matrix_layout, char uplo, lapack_int n, float *a, lapack_int lda, float *d, float *e, float *tau) {
+  if (!layout_ok(matrix_layout)) return report("LAPACKE_ssytrd", 1);
+  float work_size{};
+  lapack_int info = LAPACKE_ssytrd_work(matrix_layout, uplo, n, a, lda, d, e, tau, &work_size, -1);
+  if (info != 0) return info;
+  std::vector<float> work;
+  lapack_int lwork = workspace_length(work_size);
+  try {
+    work.resize(static_cast<std::size_t>(lwork));
+  } catch (const std::bad_alloc &) {
+    return out_of_memory("LAPACKE_ssytrd", LAPACK_WORK_MEMORY_ERROR);
+  }
+  return LAPACKE_ssytrd_work(matrix_layout, uplo, n, a, lda, d, e, tau, work.data(), lwork);
+}
+
+lapack_int LAPACKE_chetrd_work(int matrix_layout, char uplo, lapack_int n, lapack_complex_float *a, lapack_int lda, float *d, float *e, lapack_complex_float *tau, lapack_complex_float *work, lapack_int lwork) {
+  const char *self = "LAPACKE_chetrd_work";
+  if (!layout_ok(matrix_layout)) return report(self, 1);
+  const bool row = matrix_layout == LAPACK_ROW_MAJOR;
+  const bool query = lwork == -1;
+  if (row && lda < std::max<lapack_int>(1, n)) return report(self, 5);
+  try {
+    ColMajor<lapack_complex_float> a_(row, row && !query, n, n, a, lda, true);
+    lapack_int info = 0;
+    ::chetrd(&uplo, &n, reinterpret_cast<orb_complex8 *>(a_.data()), a_.ld(), d, e, reinterpret_cast<orb_complex8 *>(tau), reinterpret_cast<orb_complex8 *>(work), &lwork, &info, 1);
+    return info < 0 ? info - 1 : info;
+  } catch (const std::bad_alloc &) {
+    return out_of_memory(self, LAPACK_TRANSPOSE_MEMORY_ERROR);
+  }
+}
+
+lapack_int LAPACKE_chetrd(int matrix_layout, char uplo, lapack_int n, lapack_complex_float *a, lapack_int lda, float *d, float *e, lapack_complex_float *tau) {
+  if (!layout_ok(matrix_layout)) return report("LAPACKE_chetrd", 1);
+  lapack_complex_float work_size{};
+  lapack_int info = LAPACKE_chetrd_work(matrix_layout, uplo, n, a, lda, d, e, tau, &work_size, -1);
+  if (info != 0) return info;
+  std::vector<lapack_complex_float> work;
+  lapack_int lwork = workspace_length(work_size);
+  try {
+    work.resize(static_cast<std::size_t>(lwork));
+  } catch (const std::bad_alloc &) {
+    return out_of_memory("LAPACKE_chetrd", LAPACK_WORK_MEMORY_ERROR);
+  }
+  return LAPACKE_chetrd_work(matrix_layout, uplo, n, a, lda, d, e, tau, work.data(), lwork);
+}
+
+lapack_int LAPACKE_sorgtr_work(int matrix_layout, char uplo, lapack_int n, float *a, lapack_int lda, const float *tau, float *work, lapack_int lwork) {
+  const char *self = "LAPACKE_sorgtr_work";
+  if (!layout_ok(matrix_layout)) return report(self, 1);
+  const bool row = matrix_layout == LAPACK_ROW_MAJOR;
+  const bool query = lwork == -1;
+  if (row && lda < std::max<lapack_int>(1, n)) return report(self, 5);
+  try {
+    ColMajor<float> a_(row, row && !query, n, n, a, lda, true);
+    lapack_int info = 0;
+    ::sorgtr(&uplo, &n, reinterpret_cast<float *>(a_.data()), a_.ld(), reinterpret_cast<const float *>(tau), reinterpret_cast<float *>(work), &lwork, &info, 1);
+    return info < 0 ? info - 1 : info;
+  } catch (const std::bad_alloc &) {
+    return out_of_memory(self, LAPACK_TRANSPOSE_MEMORY_ERROR);
+  }
+}
+
+lapack_int LAPACKE_sorgtr(int matrix_layout, char uplo, lapack_int n, float *a, lapack_int lda, const float *tau) {
+  if (!layout_ok(matrix_layout)) return report("LAPACKE_sorgtr", 1);
+  float work_size{};
+  lapack_int info = LAPACKE_sorgtr_work(matrix_layout, uplo, n, a, lda, tau, &work_size, -1);
+  if (info != 0) return info;
+  std::vector<float> work;
+  lapack_int lwork = workspace_length(work_size);
+  try {
+    work.resize(static_cast<std::size_t>(lwork));
+  } catch (const std::bad_alloc &) {
+    return out_of_memory("LAPACKE_sorgtr", LAPACK_WORK_MEMORY_ERROR);
+  }
+  return LAPACKE_sorgtr_work(matrix_layout, uplo, n, a, lda, tau, work.data(), lwork);
+}
+
+lapack_int LAPACKE_cungtr_work(int matrix_layout, char uplo, lapack_int n, lapack_complex_float *a, lapack_int lda, const lapack_complex_float *tau, lapack_complex_float *work, lapack_int lwork) {
+  const char *self = "LAPACKE_cungtr_work";
+  if (!layout_ok(matrix_layout)) return report(self, 1);
+  const bool row = matrix_layout == LAPACK_ROW_MAJOR;
+  const bool query = lwork == -1;
+  if (row && lda < std::max<lapack_int>(1, n)) return report(self, 5);
+  try {
+    ColMajor<lapack_complex_float> a_(row, row && !query, n, n, a, lda, true);
+    lapack_int info = 0;
+    ::cungtr(&uplo, &n, reinterpret_cast<orb_complex8 *>(a_.data()), a_.ld(), reinterpret_cast<const orb_complex8 *>(tau), reinterpret_cast<orb_complex8 *>(work), &lwork, &info, 1);
+    return info < 0 ? info - 1 : info;
+  } catch (const std::bad_alloc &) {
+    return out_of_memory(self, LAPACK_TRANSPOSE_MEMORY_ERROR);
+  }
+}
+
+lapack_int LAPACKE_cungtr(int matrix_layout, char uplo, lapack_int n, lapack_complex_float *a, lapack_int lda, const lapack_complex_float *tau) {
+  if (!layout_ok(matrix_layout)) return report("LAPACKE_cungtr", 1);
+  lapack_complex_float work_size{};
+  lapack_int info = LAPACKE_cungtr_work(matrix_layout, uplo, n, a, lda, tau, &work_size, -1);
+  if (info != 0) return info;
+  std::vector<lapack_complex_float> work;
+  lapack_int lwork = workspace_length(work_size);
+  try {
+    work.resize(static_cast<std::size_t>(lwork));
+  } catch (const std::bad_alloc &) {
+    return out_of_memory("LAPACKE_cungtr", LAPACK_WORK_MEMORY_ERROR);
+  }
+  return LAPACKE_cungtr_work(matrix_layout, uplo, n, a, lda, tau, work.data(), lwork);
+}
+
+}  // extern "C"

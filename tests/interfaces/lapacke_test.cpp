@@ -1,0 +1,564 @@
+// LAPACKE entries called row-major against the same routine called
+// column-major on the same matrices, on sizes that are neither square nor
+// round, with padded leading dimensions; the workspace query of the
+// high-level entries; and the codes and messages of bad arguments.
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <complex>
+#include <random>
+#include <string>
+#include <vector>
+
+#include "orb_lapacke.h"
+
+namespace {
+
+using cf = std::complex<float>;
+
+// A rows x cols matrix held both column-major and row-major, each with
+// padding beyond the least leading dimension (the padding must survive).
+template <class T>
+struct Pair {
+  int rows, cols, ldc, ldr;
+  std::vector<T> col, row;
+  Pair(int r, int c, std::mt19937 &gen, float diagonal = 0)
+      : rows(r), cols(c), ldc(r + 2), ldr(c + 3) {
+    col.assign(static_cast<size_t>(ldc) * c, T(-7));
+    row.assign(static_cast<size_t>(ldr) * r, T(-7));
+    std::uniform_real_distribution<float> u(-1, 1);
+    for (int j = 0; j < c; ++j)
+      for (int i = 0; i < r; ++i) {
+        T v;
+        if constexpr (std::is_same_v<T, cf>)
+          v = cf(u(gen), u(gen));
+        else
+          v = u(gen);
+        if (i == j) v += T(diagonal);
+        set(i, j, v);
+      }
+  }
+  void set(int i, int j, T v) {
+    col[i + static_cast<size_t>(j) * ldc] = v;
+    row[j + static_cast<size_t>(i) * ldr] = v;
+  }
+  T c(int i, int j) const { return col[i + static_cast<size_t>(j) * ldc]; }
+  T r(int i, int j) const { return row[j + static_cast<size_t>(i) * ldr]; }
+  // The two storages hold the same matrix and the same untouched padding.
+  void expect_same(float tol) const {
+    for (int i = 0; i < rows; ++i)
+      for (int j = 0; j < cols; ++j)
+        ASSERT_LE(std::abs(c(i, j) - r(i, j)), tol) << "at (" << i << ", " << j << ")";
+    for (int j = 0; j < cols; ++j)
+      for (int i = rows; i < ldc; ++i) ASSERT_EQ(c(i, j), T(-7));
+    for (int i = 0; i < rows; ++i)
+      for (int j = cols; j < ldr; ++j) ASSERT_EQ(r(i, j), T(-7));
+  }
+};
+
+float conj_of(float x) {
+  return x;
+}
+cf conj_of(cf x) {
+  return std::conj(x);
+}
+
+// A Hermitian positive definite n x n matrix B B^H + n I.
+template <class T>
+Pair<T> positive_definite(int n, std::mt19937 &gen) {
+  Pair<T> b(n, n, gen), a(n, n, gen);
+  for (int i = 0; i < n; ++i)
+    for (int j = 0; j < n; ++j) {
+      T s = i == j ? T(static_cast<float>(n)) : T(0);
+      for (int k = 0; k < n; ++k) s += b.c(i, k) * conj_of(b.c(j, k));
+      a.set(i, j, s);
+    }
+  return a;
+}
+
+template <class T>
+lapack_int getrf(int layout, Pair<T> &a, std::vector<lapack_int> &ipiv) {
+  bool row = layout == LAPACK_ROW_MAJOR;
+  T *p = row ? a.row.data() : a.col.data();
+  if constexpr (std::is_same_v<T, cf>)
+    return LAPACKE_cgetrf(layout, a.rows, a.cols, p, row ? a.ldr : a.ldc, ipiv.data());
+  else
+    return LAPACKE_sgetrf(layout, a.rows, a.cols, p, row ? a.ldr : a.ldc, ipiv.data());
+}
+
+template <class T>
+class Lapacke : public testing::Test {};
+using Scalars = testing::Types<float, cf>;
+TYPED_TEST_SUITE(Lapacke, Scalars);
+
+TYPED_TEST(Lapacke, LuFactorsAndSolvesAlikeInBothLayouts) {
+  using T = TypeParam;
+  std::mt19937 gen(11);
+  for (auto [m, n] : {std::pair{7, 5}, {5, 7}, {9, 9}, {1, 3}}) {
+    Pair<T> a(m, n, gen);
+    std::vector<lapack_int> pc(std::min(m, n)), pr(std::min(m, n));
+    ASSERT_EQ(getrf(LAPACK_COL_MAJOR, a, pc), 0);
+    ASSERT_EQ(getrf(LAPACK_ROW_MAJOR, a, pr), 0);
+    EXPECT_EQ(pc, pr);  // the pivots are indices and do not depend on the layout
+    a.expect_same(1e-5f);
+  }
+  // Solve A X = B with three right-hand sides, each layout, against A X.
+  const int n = 6, nrhs = 3;
+  Pair<T> a(n, n, gen, 3), a0 = a, b(n, nrhs, gen);
+  std::vector<lapack_int> pc(n), pr(n);
+  ASSERT_EQ(getrf(LAPACK_COL_MAJOR, a, pc), 0);
+  ASSERT_EQ(getrf(LAPACK_ROW_MAJOR, a, pr), 0);
+  for (char trans : {'N', 'T'}) {
+    Pair<T> x = b;
+    if constexpr (std::is_same_v<T, cf>) {
+      ASSERT_EQ(LAPACKE_cgetrs(LAPACK_COL_MAJOR, trans, n, nrhs, a.col.data(), a.ldc, pc.data(),
+                               x.col.data(), x.ldc),
+                0);
+      ASSERT_EQ(LAPACKE_cgetrs(LAPACK_ROW_MAJOR, trans, n, nrhs, a.row.data(), a.ldr, pr.data(),
+                               x.row.data(), x.ldr),
+                0);
+    } else {
+      ASSERT_EQ(LAPACKE_sgetrs(LAPACK_COL_MAJOR, trans, n, nrhs, a.col.data(), a.ldc, pc.data(),
+                               x.col.data(), x.ldc),
+                0);
+      ASSERT_EQ(LAPACKE_sgetrs(LAPACK_ROW_MAJOR, trans, n, nrhs, a.row.data(), a.ldr, pr.data(),
+                               x.row.data(), x.ldr),
+                0);
+    }
+    x.expect_same(1e-5f);
+    for (int i = 0; i < n; ++i)
+      for (int k = 0; k < nrhs; ++k) {
+        T s = 0;
+        for (int j = 0; j < n; ++j) s += (trans == 'N' ? a0.c(i, j) : a0.c(j, i)) * x.r(j, k);
+        EXPECT_NEAR(std::abs(s - b.c(i, k)), 0, 1e-4);
+      }
+  }
+}
+
+TYPED_TEST(Lapacke, CholeskyOfEitherTriangleInBothLayouts) {
+  using T = TypeParam;
+  std::mt19937 gen(5);
+  const int n = 7, nrhs = 2;
+  for (char uplo : {'U', 'L'}) {
+    Pair<T> a = positive_definite<T>(n, gen), b(n, nrhs, gen), x = b;
+    Pair<T> a0 = a;
+    if constexpr (std::is_same_v<T, cf>) {
+      ASSERT_EQ(LAPACKE_cpotrf(LAPACK_COL_MAJOR, uplo, n, a.col.data(), a.ldc), 0);
+      ASSERT_EQ(LAPACKE_cpotrf(LAPACK_ROW_MAJOR, uplo, n, a.row.data(), a.ldr), 0);
+      ASSERT_EQ(
+          LAPACKE_cpotrs(LAPACK_ROW_MAJOR, uplo, n, nrhs, a.row.data(), a.ldr, x.row.data(), x.ldr),
+          0);
+      ASSERT_EQ(
+          LAPACKE_cpotrs(LAPACK_COL_MAJOR, uplo, n, nrhs, a.col.data(), a.ldc, x.col.data(), x.ldc),
+          0);
+    } else {
+      ASSERT_EQ(LAPACKE_spotrf(LAPACK_COL_MAJOR, uplo, n, a.col.data(), a.ldc), 0);
+      ASSERT_EQ(LAPACKE_spotrf(LAPACK_ROW_MAJOR, uplo, n, a.row.data(), a.ldr), 0);
+      ASSERT_EQ(
+          LAPACKE_spotrs(LAPACK_ROW_MAJOR, uplo, n, nrhs, a.row.data(), a.ldr, x.row.data(), x.ldr),
+          0);
+      ASSERT_EQ(
+          LAPACKE_spotrs(LAPACK_COL_MAJOR, uplo, n, nrhs, a.col.data(), a.ldc, x.col.data(), x.ldc),
+          0);
+    }
+    // The factor matches and the triangle the routine does not reference is
+    // left as it was in either layout.
+    a.expect_same(1e-4f);
+    for (int i = 0; i < n; ++i)
+      for (int j = 0; j < n; ++j) {
+        if (uplo == 'U' ? i > j : i < j) {
+          EXPECT_EQ(a.r(i, j), a0.c(i, j));
+        }
+      }
+    x.expect_same(1e-4f);
+    for (int i = 0; i < n; ++i)
+      for (int k = 0; k < nrhs; ++k) {
+        T s = 0;
+        for (int j = 0; j < n; ++j) s += a0.c(i, j) * x.r(j, k);
+        EXPECT_NEAR(std::abs(s - b.c(i, k)), 0, 1e-3);
+      }
+  }
+  // A matrix that is not positive definite: the failing order, both layouts.
+  Pair<T> bad = positive_definite<T>(4, gen);
+  bad.set(2, 2, T(-1));
+  if constexpr (std::is_same_v<T, cf>) {
+    EXPECT_EQ(LAPACKE_cpotrf(LAPACK_ROW_MAJOR, 'L', 4, bad.row.data(), bad.ldr), 3);
+    EXPECT_EQ(LAPACKE_cpotrf(LAPACK_COL_MAJOR, 'L', 4, bad.col.data(), bad.ldc), 3);
+  } else {
+    EXPECT_EQ(LAPACKE_spotrf(LAPACK_ROW_MAJOR, 'L', 4, bad.row.data(), bad.ldr), 3);
+    EXPECT_EQ(LAPACKE_spotrf(LAPACK_COL_MAJOR, 'L', 4, bad.col.data(), bad.ldc), 3);
+  }
+}
+
+TYPED_TEST(Lapacke, QrWithAllocatedAndCallerWorkspace) {
+  using T = TypeParam;
+  std::mt19937 gen(3);
+  for (auto [m, n] : {std::pair{9, 4}, {4, 9}, {37, 29}}) {
+    Pair<T> a(m, n, gen), w = a;
+    const int k = std::min(m, n);
+    std::vector<T> tc(k), tr(k), tw(k);
+    lapack_int lwork = -1;
+    T size{};
+    std::vector<T> work;
+    if constexpr (std::is_same_v<T, cf>) {
+      ASSERT_EQ(LAPACKE_cgeqrf(LAPACK_COL_MAJOR, m, n, a.col.data(), a.ldc, tc.data()), 0);
+      ASSERT_EQ(LAPACKE_cgeqrf(LAPACK_ROW_MAJOR, m, n, a.row.data(), a.ldr, tr.data()), 0);
+      // The query leaves the matrix alone and names a length that works.
+      ASSERT_EQ(
+          LAPACKE_cgeqrf_work(LAPACK_ROW_MAJOR, m, n, w.row.data(), w.ldr, tw.data(), &size, lwork),
+          0);
+      lwork = static_cast<lapack_int>(size.real());
+      ASSERT_GE(lwork, n);
+      work.resize(lwork);
+      ASSERT_EQ(LAPACKE_cgeqrf_work(LAPACK_ROW_MAJOR, m, n, w.row.data(), w.ldr, tw.data(),
+                                    work.data(), lwork),
+                0);
+    } else {
+      ASSERT_EQ(LAPACKE_sgeqrf(LAPACK_COL_MAJOR, m, n, a.col.data(), a.ldc, tc.data()), 0);
+      ASSERT_EQ(LAPACKE_sgeqrf(LAPACK_ROW_MAJOR, m, n, a.row.data(), a.ldr, tr.data()), 0);
+      ASSERT_EQ(
+          LAPACKE_sgeqrf_work(LAPACK_ROW_MAJOR, m, n, w.row.data(), w.ldr, tw.data(), &size, lwork),
+          0);
+      lwork = static_cast<lapack_int>(size);
+      ASSERT_GE(lwork, n);
+      work.resize(lwork);
+      ASSERT_EQ(LAPACKE_sgeqrf_work(LAPACK_ROW_MAJOR, m, n, w.row.data(), w.ldr, tw.data(),
+                                    work.data(), lwork),
+                0);
+    }
+    a.expect_same(1e-4f);
+    for (int i = 0; i < m; ++i)
+      for (int j = 0; j < n; ++j) ASSERT_NEAR(std::abs(w.r(i, j) - a.r(i, j)), 0, 1e-4);
+    for (int i = 0; i < k; ++i) {
+      EXPECT_NEAR(std::abs(tc[i] - tr[i]), 0, 1e-5);
+      EXPECT_NEAR(std::abs(tw[i] - tr[i]), 0, 1e-5);
+    }
+  }
+}
+
+// Band LU: the band array is itself a matrix (2 kl + ku + 1 rows, n columns),
+// row-major when the layout is; factor and solve alike in both layouts.
+TEST(LapackeReal, BandLuInBothLayouts) {
+  std::mt19937 gen(8);
+  const int n = 7, kl = 2, ku = 1, nrhs = 2, rows = 2 * kl + ku + 1;
+  Pair<float> ab(rows, n, gen), b(n, nrhs, gen), x = b;
+  // The diagonal (band row kl + ku) dominates; the top kl rows are workspace.
+  for (int j = 0; j < n; ++j) {
+    ab.set(kl + ku, j, 4 + ab.c(kl + ku, j));
+    for (int i = 0; i < kl; ++i) ab.set(i, j, 0);
+  }
+  Pair<float> ab0 = ab;
+  std::vector<lapack_int> pc(n), pr(n);
+  ASSERT_EQ(LAPACKE_sgbtrf(LAPACK_COL_MAJOR, n, n, kl, ku, ab.col.data(), ab.ldc, pc.data()), 0);
+  ASSERT_EQ(LAPACKE_sgbtrf(LAPACK_ROW_MAJOR, n, n, kl, ku, ab.row.data(), ab.ldr, pr.data()), 0);
+  EXPECT_EQ(pc, pr);
+  ab.expect_same(1e-5f);
+  ASSERT_EQ(LAPACKE_sgbtrs(LAPACK_COL_MAJOR, 'N', n, kl, ku, nrhs, ab.col.data(), ab.ldc, pc.data(),
+                           x.col.data(), x.ldc),
+            0);
+  ASSERT_EQ(LAPACKE_sgbtrs(LAPACK_ROW_MAJOR, 'N', n, kl, ku, nrhs, ab.row.data(), ab.ldr, pr.data(),
+                           x.row.data(), x.ldr),
+            0);
+  x.expect_same(1e-5f);
+  // A(i, j) sits in band row kl + ku + i - j of column j.
+  for (int i = 0; i < n; ++i)
+    for (int k = 0; k < nrhs; ++k) {
+      float s = 0;
+      for (int j = std::max(0, i - kl); j <= std::min(n - 1, i + ku); ++j)
+        s += ab0.c(kl + ku + i - j, j) * x.c(j, k);
+      EXPECT_NEAR(s, b.c(i, k), 1e-4);
+    }
+  // Row-major band arrays need ldab >= n (argument 7).
+  EXPECT_EQ(LAPACKE_sgbtrf(LAPACK_ROW_MAJOR, n, n, kl, ku, ab.row.data(), n - 1, pr.data()), -7);
+}
+
+// Triangular solve and inverse with either triangle and a unit diagonal.
+TYPED_TEST(Lapacke, TriangularSolveAndInverseInBothLayouts) {
+  using T = TypeParam;
+  std::mt19937 gen(21);
+  const int n = 6, nrhs = 3;
+  for (char uplo : {'U', 'L'})
+    for (char diag : {'N', 'U'}) {
+      Pair<T> a(n, n, gen, 4), x(n, nrhs, gen), inv = a;
+      if constexpr (std::is_same_v<T, cf>) {
+        ASSERT_EQ(LAPACKE_ctrtrs(LAPACK_COL_MAJOR, uplo, 'C', diag, n, nrhs, a.col.data(), a.ldc,
+                                 x.col.data(), x.ldc),
+                  0);
+        ASSERT_EQ(LAPACKE_ctrtrs(LAPACK_ROW_MAJOR, uplo, 'C', diag, n, nrhs, a.row.data(), a.ldr,
+                                 x.row.data(), x.ldr),
+                  0);
+        ASSERT_EQ(LAPACKE_ctrtri(LAPACK_COL_MAJOR, uplo, diag, n, inv.col.data(), inv.ldc), 0);
+        ASSERT_EQ(LAPACKE_ctrtri(LAPACK_ROW_MAJOR, uplo, diag, n, inv.row.data(), inv.ldr), 0);
+      } else {
+        ASSERT_EQ(LAPACKE_strtrs(LAPACK_COL_MAJOR, uplo, 'T', diag, n, nrhs, a.col.data(), a.ldc,
+                                 x.col.data(), x.ldc),
+                  0);
+        ASSERT_EQ(LAPACKE_strtrs(LAPACK_ROW_MAJOR, uplo, 'T', diag, n, nrhs, a.row.data(), a.ldr,
+                                 x.row.data(), x.ldr),
+                  0);
+        ASSERT_EQ(LAPACKE_strtri(LAPACK_COL_MAJOR, uplo, diag, n, inv.col.data(), inv.ldc), 0);
+        ASSERT_EQ(LAPACKE_strtri(LAPACK_ROW_MAJOR, uplo, diag, n, inv.row.data(), inv.ldr), 0);
+      }
+      x.expect_same(1e-5f);
+      inv.expect_same(1e-5f);
+    }
+}
+
+// Q from geqrf applied from either side, each transposition, both layouts;
+// forming Q explicitly gives the same product.
+TEST(LapackeReal, OrthogonalFactorAppliedAndFormedInBothLayouts) {
+  std::mt19937 gen(4);
+  const int m = 8, k = 5;
+  Pair<float> a(m, k, gen);
+  std::vector<float> tau(k);
+  ASSERT_EQ(LAPACKE_sgeqrf(LAPACK_COL_MAJOR, m, k, a.col.data(), a.ldc, tau.data()), 0);
+  for (int i = 0; i < m; ++i)
+    for (int j = 0; j < k; ++j) a.set(i, j, a.c(i, j));
+  for (char side : {'L', 'R'})
+    for (char trans : {'N', 'T'}) {
+      Pair<float> c = side == 'L' ? Pair<float>(m, 3, gen) : Pair<float>(3, m, gen);
+      ASSERT_EQ(LAPACKE_sormqr(LAPACK_COL_MAJOR, side, trans, c.rows, c.cols, k, a.col.data(),
+                               a.ldc, tau.data(), c.col.data(), c.ldc),
+                0);
+      ASSERT_EQ(LAPACKE_sormqr(LAPACK_ROW_MAJOR, side, trans, c.rows, c.cols, k, a.row.data(),
+                               a.ldr, tau.data(), c.row.data(), c.ldr),
+                0);
+      c.expect_same(1e-5f);
+    }
+  // Q's first k columns, formed row-major, are orthonormal.
+  Pair<float> q = a;
+  ASSERT_EQ(LAPACKE_sorgqr(LAPACK_ROW_MAJOR, m, k, k, q.row.data(), q.ldr, tau.data()), 0);
+  for (int i = 0; i < k; ++i)
+    for (int j = 0; j < k; ++j) {
+      float s = 0;
+      for (int r = 0; r < m; ++r) s += q.r(r, i) * q.r(r, j);
+      EXPECT_NEAR(s, i == j ? 1.f : 0.f, 1e-5);
+    }
+  // Row-major A of sormqr is r x k: lda below k is argument 8.
+  std::vector<float> c(64);
+  EXPECT_EQ(LAPACKE_sormqr(LAPACK_ROW_MAJOR, 'L', 'N', m, 2, k, a.row.data(), k - 1, tau.data(),
+                           c.data(), 2),
+            -8);
+}
+
+// The inverse from getri (workspace allocated) and potri, in both layouts.
+TYPED_TEST(Lapacke, InversesInBothLayouts) {
+  using T = TypeParam;
+  std::mt19937 gen(9);
+  const int n = 7;
+  Pair<T> a(n, n, gen, 3), p = positive_definite<T>(n, gen);
+  std::vector<lapack_int> pc(n), pr(n);
+  ASSERT_EQ(getrf(LAPACK_COL_MAJOR, a, pc), 0);
+  ASSERT_EQ(getrf(LAPACK_ROW_MAJOR, a, pr), 0);
+  if constexpr (std::is_same_v<T, cf>) {
+    ASSERT_EQ(LAPACKE_cgetri(LAPACK_COL_MAJOR, n, a.col.data(), a.ldc, pc.data()), 0);
+    ASSERT_EQ(LAPACKE_cgetri(LAPACK_ROW_MAJOR, n, a.row.data(), a.ldr, pr.data()), 0);
+    ASSERT_EQ(LAPACKE_cpotrf(LAPACK_COL_MAJOR, 'L', n, p.col.data(), p.ldc), 0);
+    ASSERT_EQ(LAPACKE_cpotrf(LAPACK_ROW_MAJOR, 'L', n, p.row.data(), p.ldr), 0);
+    ASSERT_EQ(LAPACKE_cpotri(LAPACK_COL_MAJOR, 'L', n, p.col.data(), p.ldc), 0);
+    ASSERT_EQ(LAPACKE_cpotri(LAPACK_ROW_MAJOR, 'L', n, p.row.data(), p.ldr), 0);
+  } else {
+    ASSERT_EQ(LAPACKE_sgetri(LAPACK_COL_MAJOR, n, a.col.data(), a.ldc, pc.data()), 0);
+    ASSERT_EQ(LAPACKE_sgetri(LAPACK_ROW_MAJOR, n, a.row.data(), a.ldr, pr.data()), 0);
+    ASSERT_EQ(LAPACKE_spotrf(LAPACK_COL_MAJOR, 'L', n, p.col.data(), p.ldc), 0);
+    ASSERT_EQ(LAPACKE_spotrf(LAPACK_ROW_MAJOR, 'L', n, p.row.data(), p.ldr), 0);
+    ASSERT_EQ(LAPACKE_spotri(LAPACK_COL_MAJOR, 'L', n, p.col.data(), p.ldc), 0);
+    ASSERT_EQ(LAPACKE_spotri(LAPACK_ROW_MAJOR, 'L', n, p.row.data(), p.ldr), 0);
+  }
+  a.expect_same(1e-4f);
+  p.expect_same(1e-4f);
+}
+
+// The singular values and vectors alike in both layouts, for thin, wide and
+// values-only decompositions; U S V^T gives A back.
+TYPED_TEST(Lapacke, SingularValueDecompositionInBothLayouts) {
+  using T = TypeParam;
+  std::mt19937 gen(14);
+  for (auto [m, n] : {std::pair{7, 4}, {4, 6}})
+    for (char jobz : {'S', 'A', 'N'}) {
+      const int k = std::min(m, n);
+      const int ucols = jobz == 'A' ? m : jobz == 'S' ? k : 0;
+      const int vrows = jobz == 'A' ? n : jobz == 'S' ? k : 0;
+      Pair<T> a(m, n, gen), a0 = a, u(m, std::max(ucols, 1), gen), vt(std::max(vrows, 1), n, gen);
+      std::vector<float> sc(k), sr(k);
+      T *uc = jobz == 'N' ? nullptr : u.col.data(), *ur = jobz == 'N' ? nullptr : u.row.data();
+      T *vc = jobz == 'N' ? nullptr : vt.col.data(), *vr = jobz == 'N' ? nullptr : vt.row.data();
+      if constexpr (std::is_same_v<T, cf>) {
+        ASSERT_EQ(LAPACKE_cgesdd(LAPACK_COL_MAJOR, jobz, m, n, a.col.data(), a.ldc, sc.data(), uc,
+                                 u.ldc, vc, vt.ldc),
+                  0);
+        ASSERT_EQ(LAPACKE_cgesdd(LAPACK_ROW_MAJOR, jobz, m, n, a.row.data(), a.ldr, sr.data(), ur,
+                                 u.ldr, vr, vt.ldr),
+                  0);
+      } else {
+        ASSERT_EQ(LAPACKE_sgesdd(LAPACK_COL_MAJOR, jobz, m, n, a.col.data(), a.ldc, sc.data(), uc,
+                                 u.ldc, vc, vt.ldc),
+                  0);
+        ASSERT_EQ(LAPACKE_sgesdd(LAPACK_ROW_MAJOR, jobz, m, n, a.row.data(), a.ldr, sr.data(), ur,
+                                 u.ldr, vr, vt.ldr),
+                  0);
+      }
+      for (int i = 0; i < k; ++i) EXPECT_NEAR(sc[i], sr[i], 1e-5 * sc[0]);
+      if (jobz == 'N') continue;
+      u.expect_same(1e-4f);
+      vt.expect_same(1e-4f);
+      for (int i = 0; i < m; ++i)
+        for (int j = 0; j < n; ++j) {
+          T r = 0;
+          for (int p = 0; p < k; ++p) r += u.r(i, p) * sr[p] * vt.r(p, j);
+          EXPECT_NEAR(std::abs(r - a0.c(i, j)), 0, 1e-5 * sr[0] * m);
+        }
+    }
+  // Row-major U of jobz 'A' is m x m: ldu below m is argument 9.
+  std::vector<T> w(64);
+  std::vector<float> s(8);
+  if constexpr (std::is_same_v<T, cf>)
+    EXPECT_EQ(LAPACKE_cgesdd(LAPACK_ROW_MAJOR, 'A', 5, 3, w.data(), 3, s.data(), w.data(), 4,
+                             w.data(), 3),
+              -9);
+  else
+    EXPECT_EQ(LAPACKE_sgesdd(LAPACK_ROW_MAJOR, 'A', 5, 3, w.data(), 3, s.data(), w.data(), 4,
+                             w.data(), 3),
+              -9);
+}
+
+// Eigenvalues and vectors of a symmetric/Hermitian matrix, all of them and an
+// index range, in both layouts; the workspaces come from the joint query.
+TYPED_TEST(Lapacke, RangedEigenproblemInBothLayouts) {
+  using T = TypeParam;
+  std::mt19937 gen(2);
+  const int n = 9;
+  for (char range : {'A', 'I'}) {
+    const int il = 3, iu = 6, cols = range == 'A' ? n : iu - il + 1;
+    Pair<T> a = positive_definite<T>(n, gen), a0 = a, z(n, cols, gen);
+    std::vector<float> wc(n), wr(n);
+    std::vector<lapack_int> sc(2 * n), sr(2 * n);
+    lapack_int mc = -1, mr = -1;
+    if constexpr (std::is_same_v<T, cf>) {
+      ASSERT_EQ(LAPACKE_cheevr(LAPACK_COL_MAJOR, 'V', range, 'L', n, a.col.data(), a.ldc, 0, 0, il,
+                               iu, 0, &mc, wc.data(), z.col.data(), z.ldc, sc.data()),
+                0);
+      ASSERT_EQ(LAPACKE_cheevr(LAPACK_ROW_MAJOR, 'V', range, 'L', n, a.row.data(), a.ldr, 0, 0, il,
+                               iu, 0, &mr, wr.data(), z.row.data(), z.ldr, sr.data()),
+                0);
+    } else {
+      ASSERT_EQ(LAPACKE_ssyevr(LAPACK_COL_MAJOR, 'V', range, 'L', n, a.col.data(), a.ldc, 0, 0, il,
+                               iu, 0, &mc, wc.data(), z.col.data(), z.ldc, sc.data()),
+                0);
+      ASSERT_EQ(LAPACKE_ssyevr(LAPACK_ROW_MAJOR, 'V', range, 'L', n, a.row.data(), a.ldr, 0, 0, il,
+                               iu, 0, &mr, wr.data(), z.row.data(), z.ldr, sr.data()),
+                0);
+    }
+    ASSERT_EQ(mc, cols);
+    ASSERT_EQ(mr, cols);
+    for (int k = 0; k < cols; ++k) EXPECT_NEAR(wc[k], wr[k], 1e-5 * wc[cols - 1]);
+    z.expect_same(1e-4f);
+    // A z_k = w_k z_k for the row-major vectors.
+    for (int k = 0; k < cols; ++k)
+      for (int i = 0; i < n; ++i) {
+        T s = 0;
+        for (int j = 0; j < n; ++j) s += a0.c(i, j) * z.r(j, k);
+        EXPECT_NEAR(std::abs(s - wr[k] * z.r(i, k)), 0, 1e-4 * wr[n > cols ? cols - 1 : n - 1]);
+      }
+  }
+}
+
+// Symmetric indefinite factor and solve (pivots are integer outputs), band
+// Cholesky, and least squares, row-major against column-major.
+TEST(LapackeReal, IndefiniteBandAndLeastSquaresInBothLayouts) {
+  std::mt19937 gen(31);
+  const int n = 8, nrhs = 2;
+  for (char uplo : {'U', 'L'}) {
+    Pair<float> a(n, n, gen), b(n, nrhs, gen), x = b;
+    for (int i = 0; i < n; ++i)
+      for (int j = 0; j < i; ++j) a.set(i, j, a.c(j, i));  // symmetric, indefinite
+    std::vector<lapack_int> pc(n), pr(n);
+    ASSERT_EQ(LAPACKE_ssytrf(LAPACK_COL_MAJOR, uplo, n, a.col.data(), a.ldc, pc.data()), 0);
+    ASSERT_EQ(LAPACKE_ssytrf(LAPACK_ROW_MAJOR, uplo, n, a.row.data(), a.ldr, pr.data()), 0);
+    EXPECT_EQ(pc, pr);
+    ASSERT_EQ(LAPACKE_ssytrs(LAPACK_COL_MAJOR, uplo, n, nrhs, a.col.data(), a.ldc, pc.data(),
+                             x.col.data(), x.ldc),
+              0);
+    ASSERT_EQ(LAPACKE_ssytrs(LAPACK_ROW_MAJOR, uplo, n, nrhs, a.row.data(), a.ldr, pr.data(),
+                             x.row.data(), x.ldr),
+              0);
+    x.expect_same(1e-4f);
+  }
+  // Band Cholesky of a diagonally dominant matrix with kd = 2.
+  const int kd = 2;
+  Pair<float> ab(kd + 1, n, gen);
+  for (int j = 0; j < n; ++j) ab.set(kd, j, 6 + ab.c(kd, j));  // the diagonal, upper storage
+  Pair<float> y(n, nrhs, gen);
+  ASSERT_EQ(LAPACKE_spbtrf(LAPACK_COL_MAJOR, 'U', n, kd, ab.col.data(), ab.ldc), 0);
+  ASSERT_EQ(LAPACKE_spbtrf(LAPACK_ROW_MAJOR, 'U', n, kd, ab.row.data(), ab.ldr), 0);
+  ab.expect_same(1e-5f);
+  ASSERT_EQ(LAPACKE_spbtrs(LAPACK_COL_MAJOR, 'U', n, kd, nrhs, ab.col.data(), ab.ldc, y.col.data(),
+                           y.ldc),
+            0);
+  ASSERT_EQ(LAPACKE_spbtrs(LAPACK_ROW_MAJOR, 'U', n, kd, nrhs, ab.row.data(), ab.ldr, y.row.data(),
+                           y.ldr),
+            0);
+  y.expect_same(1e-5f);
+  // Overdetermined least squares: B holds max(m, n) rows.
+  for (auto [m, k] : {std::pair{9, 5}, {5, 9}}) {
+    Pair<float> ls(m, k, gen), rhs(std::max(m, k), nrhs, gen);
+    ASSERT_EQ(LAPACKE_sgels(LAPACK_COL_MAJOR, 'N', m, k, nrhs, ls.col.data(), ls.ldc,
+                            rhs.col.data(), rhs.ldc),
+              0);
+    ASSERT_EQ(LAPACKE_sgels(LAPACK_ROW_MAJOR, 'N', m, k, nrhs, ls.row.data(), ls.ldr,
+                            rhs.row.data(), rhs.ldr),
+              0);
+    ls.expect_same(1e-4f);
+    rhs.expect_same(1e-4f);
+  }
+}
+
+// The message printed by a call, and its result.
+template <class F>
+std::pair<lapack_int, std::string> outcome(F call) {
+  testing::internal::CaptureStdout();
+  lapack_int info = call();
+  return {info, testing::internal::GetCapturedStdout()};
+}
+std::pair<lapack_int, std::string> bad(lapack_int position, const std::string &name) {
+  return {-position, "ORB ERROR: Parameter " + std::to_string(position) +
+                         " was incorrect on entry to " + name + "\n"};
+}
+
+TEST(LapackeErrors, CodesAndMessagesInTheCArgumentNumbering) {
+  std::vector<float> a(64, 1), b(64, 1);
+  std::vector<lapack_int> ipiv(8);
+  // A layout that is neither is argument 1, in the entry that was called.
+  EXPECT_EQ(outcome([&] { return LAPACKE_sgetrf(100, 3, 3, a.data(), 3, ipiv.data()); }),
+            bad(1, "LAPACKE_sgetrf"));
+  EXPECT_EQ(outcome([&] { return LAPACKE_sgetrf_work(0, 3, 3, a.data(), 3, ipiv.data()); }),
+            bad(1, "LAPACKE_sgetrf_work"));
+  // Row-major leading dimensions count columns: lda 3 < n 4 is argument 5,
+  // and the matrix is not touched.
+  a[0] = 42;
+  EXPECT_EQ(
+      outcome([&] { return LAPACKE_sgetrf(LAPACK_ROW_MAJOR, 5, 4, a.data(), 3, ipiv.data()); }),
+      bad(5, "LAPACKE_sgetrf_work"));
+  EXPECT_EQ(a[0], 42.f);
+  // The same lda column-major counts rows: the routine rejects it, and its
+  // Fortran number 4 becomes 5 in the C list.
+  EXPECT_EQ(outcome([&] {
+              return LAPACKE_sgetrf(LAPACK_COL_MAJOR, 5, 4, a.data(), 3, ipiv.data());
+            }).first,
+            -5);
+  EXPECT_EQ(outcome([&] {
+              return LAPACKE_sgetrs(LAPACK_ROW_MAJOR, 'N', 4, 3, a.data(), 4, ipiv.data(), b.data(),
+                                    2);
+            }),
+            bad(9, "LAPACKE_sgetrs_work"));
+  EXPECT_EQ(outcome([&] {
+              return LAPACKE_spotrs(LAPACK_COL_MAJOR, 'X', 4, 1, a.data(), 4, b.data(), 4);
+            }).first,
+            -2);
+  std::vector<cf> c(64, 1), tau(8);
+  EXPECT_EQ(
+      outcome([&] { return LAPACKE_cgeqrf(LAPACK_ROW_MAJOR, 6, 5, c.data(), 4, tau.data()); }),
+      bad(5, "LAPACKE_cgeqrf_work"));
+}
+
+}  // namespace
