@@ -229,6 +229,90 @@ ORB_API lapack_int LAPACKE_sorgtr_work(int matrix_layout, char uplo, lapack_int 
 ORB_API lapack_int LAPACKE_cungtr(int matrix_layout, char uplo, lapack_int n, lapack_complex_float *a, lapack_int lda, const lapack_complex_float *tau);
 ORB_API lapack_int LAPACKE_cungtr_work(int matrix_layout, char uplo, lapack_int n, lapack_complex_float *a, lapack_int lda, const lapack_complex_float *tau, lapack_complex_float *work, lapack_int lwork);
 
+/* gesvd */
+ORB_API lapack_int LAPACKE_sgesvd(int matrix_layout, char jobu, char jobvt, lapack_int m, lapack_int n, float *a, lapack_int lda, float *s, float *u, lapack_int ldu, float *vt, lapack_int ldvt, float *superb);
+ORB_API lapack_int LAPACKE_sgesvd_work(int matrix_layout, char jobu, char jobvt, lapack_int m, lapack_int n, float *a, lapack_int lda, float *s, float *u, lapack_int ldu, float *vt, lapack_int ldvt, float *work, lapack_int lwork);
+
+/* gesvd */
+ORB_API lapack_int LAPACKE_cgesvd(int matrix_layout, char jobu, char jobvt, lapack_int m, lapack_int n, lapack_complex_float *a, lapack_int lda, float *s, lapack_complex_float *u, lapack_int ldu, lapack_complex_float *vt, lapack_int ldvt, float *superb);
+ORB_API lapack_int LAPACKE_cgesvd_work(int matrix_layout, char jobu, char jobvt, lapack_int m, lapack_int n, lapack_complex_float *a, lapack_int lda, float *s, lapack_complex_float *u, lapack_int ldu, lapack_complex_float *vt, lapack_int ldvt, lapack_complex_float *work, lapack_int lwork, float *rwork);
+
+/* geev */
+ORB_API lapack_int LAPACKE_sgeev(int matrix_layout, char jobvl, char jobvr, lapack_int n, float *a, lapack_int lda, float *wr, float *wi, float *vl, lapack_int ldvl, float *vr, lapack_int ldvr);
+ORB_API lapack_int LAPACKE_sgeev_work(int matrix_layout, char jobvl, char jobvr, lapack_int n, float *a, lapack_int lda, float *wr, float *wi, float *vl, lapack_int ldvl, float *vr, lapack_int ldvr, float *work, lapack_int lwork);
+
+/* geev */
+ORB_API lapack_int LAPACKE_cgeev(int matrix_layout, char jobvl, char jobvr, lapack_int n, lapack_complex_float *a, lapack_int lda, lapack_complex_float *w, lapack_complex_float *vl, lapack_int ldvl, lapack_complex_float *vr, lapack_int ldvr);
+ORB_API lapack_int LAPACKE_cgeev_work(int matrix_layout, char jobvl, char jobvr, lapack_int n, lapack_complex_float *a, lapack_int lda, lapack_complex_float *w, lapack_complex_float *vl, lapack_int ldvl, lapack_complex_float *vr, lapack_int ldvr, lapack_complex_float *work, lapack_int lwork, float *rwork);
+
+/* gecon */
+ORB_API lapack_int LAPACKE_sgecon(int matrix_layout, char norm, lapack_int n, const float *a, lapack_int lda, float anorm, float *rcond);
+ORB_API lapack_int LAPACKE_sgecon_work(int matrix_layout, char norm, lapack_int n, const float *a, lapack_int lda, float anorm, float *rcond, float *work, lapack_int *iwork);
+
+/* gecon */
+ORB_API lapack_int LAPACKE_cgecon(int matrix_layout, char norm, lapack_int n, const lapack_complex_float *a, lapack_int lda, float anorm, float *rcond);
+ORB_API lapack_int LAPACKE_cgecon_work(int matrix_layout, char norm, lapack_int n, const lapack_complex_float *a, lapack_int lda, float anorm, float *rcond, lapack_complex_float *work, float *rwork);
+
+/* pocon */
+ORB_API lapack_int LAPACKE_spocon(int matrix_layout, char uplo, lapack_int n, const float *a, lapack_int lda, float anorm, float *rcond);
+ORB_API lapack_int LAPACKE_spocon_work(int matrix_layout, char uplo, lapack_int n, const float *a, lapack_int lda, float anorm, float *rcond, float *work, lapack_int *iwork);
+
+/* pocon */
+ORB_API lapack_int LAPACKE_cpocon(int matrix_layout, char uplo, lapack_int n, const lapack_complex_float *a, lapack_int lda, float anorm, float *rcond);
+ORB_API lapack_int LAPACKE_cpocon_work(int matrix_layout, char uplo, lapack_int n, const lapack_complex_float *a, lapack_int lda, float anorm, float *rcond, lapack_complex_float *work, float *rwork);
+
+/* trcon */
+ORB_API lapack_int LAPACKE_strcon(int matrix_layout, char norm, char uplo, char diag, lapack_int n, const float *a, lapack_int lda, float *rcond);
+ORB_API lapack_int LAPACKE_strcon_work(int matrix_layout, char norm, char uplo, char diag, lapack_int n, const float *a, lapack_int lda, float *rcond, float *work, lapack_int *iwork);
+
+/* trcon */
+ORB_API lapack_int LAPACKE_ctrcon(int matrix_layout, char norm, char uplo, char diag, lapack_int n, const lapack_complex_float *a, lapack_int lda, float *rcond);
+ORB_API lapack_int LAPACKE_ctrcon_work(int matrix_layout, char norm, char uplo, char diag, lapack_int n, const lapack_complex_float *a, lapack_int lda, float *rcond, lapack_complex_float *work, float *rwork);
+
+/* gbcon */
+ORB_API lapack_int LAPACKE_sgbcon(int matrix_layout, char norm, lapack_int n, lapack_int kl, lapack_int ku, const float *ab, lapack_int ldab, const lapack_int *ipiv, float anorm, float *rcond);
+ORB_API lapack_int LAPACKE_sgbcon_work(int matrix_layout, char norm, lapack_int n, lapack_int kl, lapack_int ku, const float *ab, lapack_int ldab, const lapack_int *ipiv, float anorm, float *rcond, float *work, lapack_int *iwork);
+
+/* gbcon */
+ORB_API lapack_int LAPACKE_cgbcon(int matrix_layout, char norm, lapack_int n, lapack_int kl, lapack_int ku, const lapack_complex_float *ab, lapack_int ldab, const lapack_int *ipiv, float anorm, float *rcond);
+ORB_API lapack_int LAPACKE_cgbcon_work(int matrix_layout, char norm, lapack_int n, lapack_int kl, lapack_int ku, const lapack_complex_float *ab, lapack_int ldab, const lapack_int *ipiv, float anorm, float *rcond, lapack_complex_float *work, float *rwork);
+
+/* pbcon */
+ORB_API lapack_int LAPACKE_spbcon(int matrix_layout, char uplo, lapack_int n, lapack_int kd, const float *ab, lapack_int ldab, float anorm, float *rcond);
+ORB_API lapack_int LAPACKE_spbcon_work(int matrix_layout, char uplo, lapack_int n, lapack_int kd, const float *ab, lapack_int ldab, float anorm, float *rcond, float *work, lapack_int *iwork);
+
+/* pbcon */
+ORB_API lapack_int LAPACKE_cpbcon(int matrix_layout, char uplo, lapack_int n, lapack_int kd, const lapack_complex_float *ab, lapack_int ldab, float anorm, float *rcond);
+ORB_API lapack_int LAPACKE_cpbcon_work(int matrix_layout, char uplo, lapack_int n, lapack_int kd, const lapack_complex_float *ab, lapack_int ldab, float anorm, float *rcond, lapack_complex_float *work, float *rwork);
+
+/* sycon */
+ORB_API lapack_int LAPACKE_ssycon(int matrix_layout, char uplo, lapack_int n, const float *a, lapack_int lda, const lapack_int *ipiv, float anorm, float *rcond);
+ORB_API lapack_int LAPACKE_ssycon_work(int matrix_layout, char uplo, lapack_int n, const float *a, lapack_int lda, const lapack_int *ipiv, float anorm, float *rcond, float *work, lapack_int *iwork);
+
+/* sycon */
+ORB_API lapack_int LAPACKE_csycon(int matrix_layout, char uplo, lapack_int n, const lapack_complex_float *a, lapack_int lda, const lapack_int *ipiv, float anorm, float *rcond);
+ORB_API lapack_int LAPACKE_csycon_work(int matrix_layout, char uplo, lapack_int n, const lapack_complex_float *a, lapack_int lda, const lapack_int *ipiv, float anorm, float *rcond, lapack_complex_float *work);
+
+/* hecon */
+ORB_API lapack_int LAPACKE_checon(int matrix_layout, char uplo, lapack_int n, const lapack_complex_float *a, lapack_int lda, const lapack_int *ipiv, float anorm, float *rcond);
+ORB_API lapack_int LAPACKE_checon_work(int matrix_layout, char uplo, lapack_int n, const lapack_complex_float *a, lapack_int lda, const lapack_int *ipiv, float anorm, float *rcond, lapack_complex_float *work);
+
+/* gelss */
+ORB_API lapack_int LAPACKE_sgelss(int matrix_layout, lapack_int m, lapack_int n, lapack_int nrhs, float *a, lapack_int lda, float *b, lapack_int ldb, float *s, float rcond, lapack_int *rank);
+ORB_API lapack_int LAPACKE_sgelss_work(int matrix_layout, lapack_int m, lapack_int n, lapack_int nrhs, float *a, lapack_int lda, float *b, lapack_int ldb, float *s, float rcond, lapack_int *rank, float *work, lapack_int lwork);
+
+/* gelss */
+ORB_API lapack_int LAPACKE_cgelss(int matrix_layout, lapack_int m, lapack_int n, lapack_int nrhs, lapack_complex_float *a, lapack_int lda, lapack_complex_float *b, lapack_int ldb, float *s, float rcond, lapack_int *rank);
+ORB_API lapack_int LAPACKE_cgelss_work(int matrix_layout, lapack_int m, lapack_int n, lapack_int nrhs, lapack_complex_float *a, lapack_int lda, lapack_complex_float *b, lapack_int ldb, float *s, float rcond, lapack_int *rank, lapack_complex_float *work, lapack_int lwork, float *rwork);
+
+/* syevx */
+ORB_API lapack_int LAPACKE_ssyevx(int matrix_layout, char jobz, char range, char uplo, lapack_int n, float *a, lapack_int lda, float vl, float vu, lapack_int il, lapack_int iu, float abstol, lapack_int *m, float *w, float *z, lapack_int ldz, lapack_int *ifail);
+ORB_API lapack_int LAPACKE_ssyevx_work(int matrix_layout, char jobz, char range, char uplo, lapack_int n, float *a, lapack_int lda, float vl, float vu, lapack_int il, lapack_int iu, float abstol, lapack_int *m, float *w, float *z, lapack_int ldz, float *work, lapack_int lwork, lapack_int *iwork, lapack_int *ifail);
+
+/* heevx */
+ORB_API lapack_int LAPACKE_cheevx(int matrix_layout, char jobz, char range, char uplo, lapack_int n, lapack_complex_float *a, lapack_int lda, float vl, float vu, lapack_int il, lapack_int iu, float abstol, lapack_int *m, float *w, lapack_complex_float *z, lapack_int ldz, lapack_int *ifail);
+ORB_API lapack_int LAPACKE_cheevx_work(int matrix_layout, char jobz, char range, char uplo, lapack_int n, lapack_complex_float *a, lapack_int lda, float vl, float vu, lapack_int il, lapack_int iu, float abstol, lapack_int *m, float *w, lapack_complex_float *z, lapack_int ldz, lapack_complex_float *work, lapack_int lwork, float *rwork, lapack_int *iwork, lapack_int *ifail);
+
 #ifdef __cplusplus
 }
 #endif

@@ -51,13 +51,17 @@ def split_top(shape):
     sys.exit(f"shape {shape} is not rows,cols")
 
 
-AUX = {"iwork": "lapack_int", "rwork": "float"}
+AUX = {"iwork": "lapack_int", "rwork": "float", "swork": None}
 # Workspaces sized by the query: the element type (None: the scalar type).
 QUERIED = {"work": None, "rworkq": "float", "iworkq": "lapack_int"}
 
 
 def elem(p, a):
     return QUERIED[a.kind] or C_TYPE[p]
+
+
+def aux_type(p, a):
+    return AUX[a.kind] or C_TYPE[p]
 
 
 def cxx_expr(shape):
@@ -86,7 +90,11 @@ def c_params(p, args, with_work):
         elif a.kind in AUX:
             if not with_work:
                 continue
-            out.append(f"{AUX[a.kind]} *{a.name}")
+            out.append(f"{aux_type(p, a)} *{a.name}")
+        elif a.kind == "superb":
+            if with_work:
+                continue
+            out.append(f"float *{a.name}")
         elif a.kind == "iin":
             out.append(f"const lapack_int *{a.name}")
         elif a.kind in QUERIED:
@@ -103,6 +111,8 @@ def c_params(p, args, with_work):
             out.append(f"float {a.name}")
         elif a.kind == "intout":
             out.append(f"lapack_int *{a.name}")
+        elif a.kind == "realout":
+            out.append(f"float *{a.name}")
         else:
             sys.exit(f"unknown argument kind {a.kind}")
         pos[a.name] = n
@@ -150,7 +160,7 @@ def work_body(p, routine, args):
     for a in args:
         if a.kind in ("int", "real"):
             call.append(f"&{a.name}")
-        elif a.kind == "intout":
+        elif a.kind in ("intout", "realout"):
             call.append(a.name)
         elif a.kind == "char":
             call.append(f"&{a.name}")
@@ -161,6 +171,8 @@ def work_body(p, routine, args):
         elif a.kind == "gein":
             call.append(f"reinterpret_cast<const {f} *>({a.name}_.data())")
             call.append(f"{a.name}_.ld()")
+        elif a.kind == "swork":
+            call.append(f"reinterpret_cast<{f} *>({a.name})")
         elif a.kind in ("iout", "iin", "rout") or a.kind in AUX:
             call.append(a.name)
         elif a.kind == "vout":
@@ -186,25 +198,16 @@ def work_body(p, routine, args):
 
 def high_body(p, routine, args):
     name = f"LAPACKE_{p}{routine}"
-    hi, _ = c_params(p, args, False)
-    names = [a.name for a in args if a.kind != "work"]
     aux = [a for a in args if a.kind in AUX]
-    lines = [f"  if (!layout_ok(matrix_layout)) return report(\"{name}\", 1);"]
     queried = [a for a in args if a.kind in QUERIED]
-    if not queried:
+    superb = [a for a in args if a.kind == "superb"]
+    lines = [f"  if (!layout_ok(matrix_layout)) return report(\"{name}\", 1);"]
+    if not queried and not aux:
+        names = [a.name for a in args]
         lines.append(f"  return {name}_work(matrix_layout, {', '.join(names)});")
         return lines
-    before = []
-    for a in args:
-        if a.kind in QUERIED:
-            before.append(f"&{a.name}_size")
-            before.append("-1")
-        elif a.kind in AUX:
-            before.append(f"{a.name}.data()")
-        else:
-            before.append(a.name)
     for a in aux:
-        lines.append(f"  std::vector<{AUX[a.kind]}> {a.name};")
+        lines.append(f"  std::vector<{aux_type(p, a)}> {a.name};")
     if aux:
         lines.append("  try {")
         for a in aux:
@@ -213,28 +216,44 @@ def high_body(p, routine, args):
         lines.append("  } catch (const std::bad_alloc &) {")
         lines.append(f"    return out_of_memory(\"{name}\", LAPACK_WORK_MEMORY_ERROR);")
         lines.append("  }")
-    for a in queried:
-        lines.append(f"  {elem(p, a)} {a.name}_size{{}};")
-    lines.append(f"  lapack_int info = {name}_work(matrix_layout, {', '.join(before)});")
-    lines.append("  if (info != 0) return info;")
-    for a in queried:
-        lines.append(f"  std::vector<{elem(p, a)}> {a.name};")
-        lines.append(f"  lapack_int l{a.name} = workspace_length({a.name}_size);")
-    lines.append("  try {")
-    for a in queried:
-        lines.append(f"    {a.name}.resize(static_cast<std::size_t>(l{a.name}));")
-    lines.append("  } catch (const std::bad_alloc &) {")
-    lines.append(f"    return out_of_memory(\"{name}\", LAPACK_WORK_MEMORY_ERROR);")
-    lines.append("  }")
-    final = []
-    for a in args:
-        if a.kind in QUERIED:
-            final += [f"{a.name}.data()", f"l{a.name}"]
-        elif a.kind in AUX:
-            final.append(f"{a.name}.data()")
-        else:
-            final.append(a.name)
-    lines.append(f"  return {name}_work(matrix_layout, {', '.join(final)});")
+
+    def arguments(query):
+        out = []
+        for a in args:
+            if a.kind in QUERIED:
+                out += [f"&{a.name}_size", "-1"] if query else [f"{a.name}.data()", f"l{a.name}"]
+            elif a.kind in AUX:
+                out.append(f"{a.name}.data()")
+            elif a.kind != "superb":
+                out.append(a.name)
+        return ", ".join(out)
+
+    if queried:
+        for a in queried:
+            lines.append(f"  {elem(p, a)} {a.name}_size{{}};")
+        lines.append(f"  lapack_int info = {name}_work(matrix_layout, {arguments(True)});")
+        lines.append("  if (info != 0) return info;")
+        for a in queried:
+            lines.append(f"  std::vector<{elem(p, a)}> {a.name};")
+            lines.append(f"  lapack_int l{a.name} = workspace_length({a.name}_size);")
+        lines.append("  try {")
+        for a in queried:
+            lines.append(f"    {a.name}.resize(static_cast<std::size_t>(l{a.name}));")
+        lines.append("  } catch (const std::bad_alloc &) {")
+        lines.append(f"    return out_of_memory(\"{name}\", LAPACK_WORK_MEMORY_ERROR);")
+        lines.append("  }")
+    if not superb:
+        lines.append(f"  return {name}_work(matrix_layout, {arguments(False)});")
+        return lines
+    # The unconverged superdiagonal of the bidiagonal form: the real routine
+    # leaves it from the second element of work, the complex one from the
+    # first of rwork.
+    source = "rwork.data()" if any(a.name == "rwork" for a in aux) else "work.data() + 1"
+    lines.append(f"  const lapack_int result = {name}_work(matrix_layout, {arguments(False)});")
+    for a in superb:
+        lines.append(f"  for (lapack_int i = 0; i < {cxx_expr(a.shape)}; ++i) "
+                     f"{a.name}[i] = std::real(({source})[i]);")
+    lines.append("  return result;")
     return lines
 
 

@@ -1456,4 +1456,672 @@ lapack_int LAPACKE_cungtr(int matrix_layout, char uplo, lapack_int n, lapack_com
   return LAPACKE_cungtr_work(matrix_layout, uplo, n, a, lda, tau, work.data(), lwork);
 }
 
+lapack_int LAPACKE_sgesvd_work(int matrix_layout, char jobu, char jobvt, lapack_int m, lapack_int n, float *a, lapack_int lda, float *s, float *u, lapack_int ldu, float *vt, lapack_int ldvt, float *work, lapack_int lwork) {
+  const char *self = "LAPACKE_sgesvd_work";
+  if (!layout_ok(matrix_layout)) return report(self, 1);
+  const bool row = matrix_layout == LAPACK_ROW_MAJOR;
+  const bool query = lwork == -1;
+  if (row && lda < std::max<lapack_int>(1, n)) return report(self, 7);
+  if (row && ldu < std::max<lapack_int>(1, svd_vectors(jobu,m,m,n))) return report(self, 10);
+  if (row && ldvt < std::max<lapack_int>(1, n)) return report(self, 12);
+  try {
+    ColMajor<float> a_(row, row && !query, m, n, a, lda, true);
+    ColMajor<float> u_(row, row && !query, m, svd_vectors(jobu,m,m,n), u, ldu, true);
+    ColMajor<float> vt_(row, row && !query, svd_vectors(jobvt,n,m,n), n, vt, ldvt, true);
+    lapack_int info = 0;
+    ::sgesvd(&jobu, &jobvt, &m, &n, reinterpret_cast<float *>(a_.data()), a_.ld(), s, reinterpret_cast<float *>(u_.data()), u_.ld(), reinterpret_cast<float *>(vt_.data()), vt_.ld(), reinterpret_cast<float *>(work), &lwork, &info, 1, 1);
+    return info < 0 ? info - 1 : info;
+  } catch (const std::bad_alloc &) {
+    return out_of_memory(self, LAPACK_TRANSPOSE_MEMORY_ERROR);
+  }
+}
+
+lapack_int LAPACKE_sgesvd(int matrix_layout, char jobu, char jobvt, lapack_int m, lapack_int n, float *a, lapack_int lda, float *s, float *u, lapack_int ldu, float *vt, lapack_int ldvt, float *superb) {
+  if (!layout_ok(matrix_layout)) return report("LAPACKE_sgesvd", 1);
+  float work_size{};
+  lapack_int info = LAPACKE_sgesvd_work(matrix_layout, jobu, jobvt, m, n, a, lda, s, u, ldu, vt, ldvt, &work_size, -1);
+  if (info != 0) return info;
+  std::vector<float> work;
+  lapack_int lwork = workspace_length(work_size);
+  try {
+    work.resize(static_cast<std::size_t>(lwork));
+  } catch (const std::bad_alloc &) {
+    return out_of_memory("LAPACKE_sgesvd", LAPACK_WORK_MEMORY_ERROR);
+  }
+  const lapack_int result = LAPACKE_sgesvd_work(matrix_layout, jobu, jobvt, m, n, a, lda, s, u, ldu, vt, ldvt, work.data(), lwork);
+  for (lapack_int i = 0; i < std::min<lapack_int>(m,n)-1; ++i) superb[i] = std::real((work.data() + 1)[i]);
+  return result;
+}
+
+lapack_int LAPACKE_cgesvd_work(int matrix_layout, char jobu, char jobvt, lapack_int m, lapack_int n, lapack_complex_float *a, lapack_int lda, float *s, lapack_complex_float *u, lapack_int ldu, lapack_complex_float *vt, lapack_int ldvt, lapack_complex_float *work, lapack_int lwork, float *rwork) {
+  const char *self = "LAPACKE_cgesvd_work";
+  if (!layout_ok(matrix_layout)) return report(self, 1);
+  const bool row = matrix_layout == LAPACK_ROW_MAJOR;
+  const bool query = lwork == -1;
+  if (row && lda < std::max<lapack_int>(1, n)) return report(self, 7);
+  if (row && ldu < std::max<lapack_int>(1, svd_vectors(jobu,m,m,n))) return report(self, 10);
+  if (row && ldvt < std::max<lapack_int>(1, n)) return report(self, 12);
+  try {
+    ColMajor<lapack_complex_float> a_(row, row && !query, m, n, a, lda, true);
+    ColMajor<lapack_complex_float> u_(row, row && !query, m, svd_vectors(jobu,m,m,n), u, ldu, true);
+    ColMajor<lapack_complex_float> vt_(row, row && !query, svd_vectors(jobvt,n,m,n), n, vt, ldvt, true);
+    lapack_int info = 0;
+    ::cgesvd(&jobu, &jobvt, &m, &n, reinterpret_cast<orb_complex8 *>(a_.data()), a_.ld(), s, reinterpret_cast<orb_complex8 *>(u_.data()), u_.ld(), reinterpret_cast<orb_complex8 *>(vt_.data()), vt_.ld(), reinterpret_cast<orb_complex8 *>(work), &lwork, rwork, &info, 1, 1);
+    return info < 0 ? info - 1 : info;
+  } catch (const std::bad_alloc &) {
+    return out_of_memory(self, LAPACK_TRANSPOSE_MEMORY_ERROR);
+  }
+}
+
+lapack_int LAPACKE_cgesvd(int matrix_layout, char jobu, char jobvt, lapack_int m, lapack_int n, lapack_complex_float *a, lapack_int lda, float *s, lapack_complex_float *u, lapack_int ldu, lapack_complex_float *vt, lapack_int ldvt, float *superb) {
+  if (!layout_ok(matrix_layout)) return report("LAPACKE_cgesvd", 1);
+  std::vector<float> rwork;
+  try {
+    rwork.resize(static_cast<std::size_t>(std::max<lapack_int>(1, 5*std::min<lapack_int>(m,n))));
+  } catch (const std::bad_alloc &) {
+    return out_of_memory("LAPACKE_cgesvd", LAPACK_WORK_MEMORY_ERROR);
+  }
+  lapack_complex_float work_size{};
+  lapack_int info = LAPACKE_cgesvd_work(matrix_layout, jobu, jobvt, m, n, a, lda, s, u, ldu, vt, ldvt, &work_size, -1, rwork.data());
+  if (info != 0) return info;
+  std::vector<lapack_complex_float> work;
+  lapack_int lwork = workspace_length(work_size);
+  try {
+    work.resize(static_cast<std::size_t>(lwork));
+  } catch (const std::bad_alloc &) {
+    return out_of_memory("LAPACKE_cgesvd", LAPACK_WORK_MEMORY_ERROR);
+  }
+  const lapack_int result = LAPACKE_cgesvd_work(matrix_layout, jobu, jobvt, m, n, a, lda, s, u, ldu, vt, ldvt, work.data(), lwork, rwork.data());
+  for (lapack_int i = 0; i < std::min<lapack_int>(m,n)-1; ++i) superb[i] = std::real((rwork.data())[i]);
+  return result;
+}
+
+lapack_int LAPACKE_sgeev_work(int matrix_layout, char jobvl, char jobvr, lapack_int n, float *a, lapack_int lda, float *wr, float *wi, float *vl, lapack_int ldvl, float *vr, lapack_int ldvr, float *work, lapack_int lwork) {
+  const char *self = "LAPACKE_sgeev_work";
+  if (!layout_ok(matrix_layout)) return report(self, 1);
+  const bool row = matrix_layout == LAPACK_ROW_MAJOR;
+  const bool query = lwork == -1;
+  if (row && lda < std::max<lapack_int>(1, n)) return report(self, 6);
+  if (row && ldvl < std::max<lapack_int>(1, eig_v_cols(jobvl,n))) return report(self, 10);
+  if (row && ldvr < std::max<lapack_int>(1, eig_v_cols(jobvr,n))) return report(self, 12);
+  try {
+    ColMajor<float> a_(row, row && !query, n, n, a, lda, true);
+    ColMajor<float> vl_(row, row && !query, n, eig_v_cols(jobvl,n), vl, ldvl, true);
+    ColMajor<float> vr_(row, row && !query, n, eig_v_cols(jobvr,n), vr, ldvr, true);
+    lapack_int info = 0;
+    ::sgeev(&jobvl, &jobvr, &n, reinterpret_cast<float *>(a_.data()), a_.ld(), wr, wi, reinterpret_cast<float *>(vl_.data()), vl_.ld(), reinterpret_cast<float *>(vr_.data()), vr_.ld(), reinterpret_cast<float *>(work), &lwork, &info, 1, 1);
+    return info < 0 ? info - 1 : info;
+  } catch (const std::bad_alloc &) {
+    return out_of_memory(self, LAPACK_TRANSPOSE_MEMORY_ERROR);
+  }
+}
+
+lapack_int LAPACKE_sgeev(int matrix_layout, char jobvl, char jobvr, lapack_int n, float *a, lapack_int lda, float *wr, float *wi, float *vl, lapack_int ldvl, float *vr, lapack_int ldvr) {
+  if (!layout_ok(matrix_layout)) return report("LAPACKE_sgeev", 1);
+  float work_size{};
+  lapack_int info = LAPACKE_sgeev_work(matrix_layout, jobvl, jobvr, n, a, lda, wr, wi, vl, ldvl, vr, ldvr, &work_size, -1);
+  if (info != 0) return info;
+  std::vector<float> work;
+  lapack_int lwork = workspace_length(work_size);
+  try {
+    work.resize(static_cast<std::size_t>(lwork));
+  } catch (const std::bad_alloc &) {
+    return out_of_memory("LAPACKE_sgeev", LAPACK_WORK_MEMORY_ERROR);
+  }
+  return LAPACKE_sgeev_work(matrix_layout, jobvl, jobvr, n, a, lda, wr, wi, vl, ldvl, vr, ldvr, work.data(), lwork);
+}
+
+lapack_int LAPACKE_cgeev_work(int matrix_layout, char jobvl, char jobvr, lapack_int n, lapack_complex_float *a, lapack_int lda, lapack_complex_float *w, lapack_complex_float *vl, lapack_int ldvl, lapack_complex_float *vr, lapack_int ldvr, lapack_complex_float *work, lapack_int lwork, float *rwork) {
+  const char *self = "LAPACKE_cgeev_work";
+  if (!layout_ok(matrix_layout)) return report(self, 1);
+  const bool row = matrix_layout == LAPACK_ROW_MAJOR;
+  const bool query = lwork == -1;
+  if (row && lda < std::max<lapack_int>(1, n)) return report(self, 6);
+  if (row && ldvl < std::max<lapack_int>(1, eig_v_cols(jobvl,n))) return report(self, 9);
+  if (row && ldvr < std::max<lapack_int>(1, eig_v_cols(jobvr,n))) return report(self, 11);
+  try {
+    ColMajor<lapack_complex_float> a_(row, row && !query, n, n, a, lda, true);
+    ColMajor<lapack_complex_float> vl_(row, row && !query, n, eig_v_cols(jobvl,n), vl, ldvl, true);
+    ColMajor<lapack_complex_float> vr_(row, row && !query, n, eig_v_cols(jobvr,n), vr, ldvr, true);
+    lapack_int info = 0;
+    ::cgeev(&jobvl, &jobvr, &n, reinterpret_cast<orb_complex8 *>(a_.data()), a_.ld(), reinterpret_cast<orb_complex8 *>(w), reinterpret_cast<orb_complex8 *>(vl_.data()), vl_.ld(), reinterpret_cast<orb_complex8 *>(vr_.data()), vr_.ld(), reinterpret_cast<orb_complex8 *>(work), &lwork, rwork, &info, 1, 1);
+    return info < 0 ? info - 1 : info;
+  } catch (const std::bad_alloc &) {
+    return out_of_memory(self, LAPACK_TRANSPOSE_MEMORY_ERROR);
+  }
+}
+
+lapack_int LAPACKE_cgeev(int matrix_layout, char jobvl, char jobvr, lapack_int n, lapack_complex_float *a, lapack_int lda, lapack_complex_float *w, lapack_complex_float *vl, lapack_int ldvl, lapack_complex_float *vr, lapack_int ldvr) {
+  if (!layout_ok(matrix_layout)) return report("LAPACKE_cgeev", 1);
+  std::vector<float> rwork;
+  try {
+    rwork.resize(static_cast<std::size_t>(std::max<lapack_int>(1, 2*n)));
+  } catch (const std::bad_alloc &) {
+    return out_of_memory("LAPACKE_cgeev", LAPACK_WORK_MEMORY_ERROR);
+  }
+  lapack_complex_float work_size{};
+  lapack_int info = LAPACKE_cgeev_work(matrix_layout, jobvl, jobvr, n, a, lda, w, vl, ldvl, vr, ldvr, &work_size, -1, rwork.data());
+  if (info != 0) return info;
+  std::vector<lapack_complex_float> work;
+  lapack_int lwork = workspace_length(work_size);
+  try {
+    work.resize(static_cast<std::size_t>(lwork));
+  } catch (const std::bad_alloc &) {
+    return out_of_memory("LAPACKE_cgeev", LAPACK_WORK_MEMORY_ERROR);
+  }
+  return LAPACKE_cgeev_work(matrix_layout, jobvl, jobvr, n, a, lda, w, vl, ldvl, vr, ldvr, work.data(), lwork, rwork.data());
+}
+
+lapack_int LAPACKE_sgecon_work(int matrix_layout, char norm, lapack_int n, const float *a, lapack_int lda, float anorm, float *rcond, float *work, lapack_int *iwork) {
+  const char *self = "LAPACKE_sgecon_work";
+  if (!layout_ok(matrix_layout)) return report(self, 1);
+  const bool row = matrix_layout == LAPACK_ROW_MAJOR;
+  if (row && lda < std::max<lapack_int>(1, n)) return report(self, 5);
+  try {
+    ColMajor<const float> a_(row, row, n, n, a, lda, false);
+    lapack_int info = 0;
+    ::sgecon(&norm, &n, reinterpret_cast<const float *>(a_.data()), a_.ld(), &anorm, rcond, reinterpret_cast<float *>(work), iwork, &info, 1);
+    return info < 0 ? info - 1 : info;
+  } catch (const std::bad_alloc &) {
+    return out_of_memory(self, LAPACK_TRANSPOSE_MEMORY_ERROR);
+  }
+}
+
+lapack_int LAPACKE_sgecon(int matrix_layout, char norm, lapack_int n, const float *a, lapack_int lda, float anorm, float *rcond) {
+  if (!layout_ok(matrix_layout)) return report("LAPACKE_sgecon", 1);
+  std::vector<float> work;
+  std::vector<lapack_int> iwork;
+  try {
+    work.resize(static_cast<std::size_t>(std::max<lapack_int>(1, 4*n)));
+    iwork.resize(static_cast<std::size_t>(std::max<lapack_int>(1, n)));
+  } catch (const std::bad_alloc &) {
+    return out_of_memory("LAPACKE_sgecon", LAPACK_WORK_MEMORY_ERROR);
+  }
+  return LAPACKE_sgecon_work(matrix_layout, norm, n, a, lda, anorm, rcond, work.data(), iwork.data());
+}
+
+lapack_int LAPACKE_cgecon_work(int matrix_layout, char norm, lapack_int n, const lapack_complex_float *a, lapack_int lda, float anorm, float *rcond, lapack_complex_float *work, float *rwork) {
+  const char *self = "LAPACKE_cgecon_work";
+  if (!layout_ok(matrix_layout)) return report(self, 1);
+  const bool row = matrix_layout == LAPACK_ROW_MAJOR;
+  if (row && lda < std::max<lapack_int>(1, n)) return report(self, 5);
+  try {
+    ColMajor<const lapack_complex_float> a_(row, row, n, n, a, lda, false);
+    lapack_int info = 0;
+    ::cgecon(&norm, &n, reinterpret_cast<const orb_complex8 *>(a_.data()), a_.ld(), &anorm, rcond, reinterpret_cast<orb_complex8 *>(work), rwork, &info, 1);
+    return info < 0 ? info - 1 : info;
+  } catch (const std::bad_alloc &) {
+    return out_of_memory(self, LAPACK_TRANSPOSE_MEMORY_ERROR);
+  }
+}
+
+lapack_int LAPACKE_cgecon(int matrix_layout, char norm, lapack_int n, const lapack_complex_float *a, lapack_int lda, float anorm, float *rcond) {
+  if (!layout_ok(matrix_layout)) return report("LAPACKE_cgecon", 1);
+  std::vector<lapack_complex_float> work;
+  std::vector<float> rwork;
+  try {
+    work.resize(static_cast<std::size_t>(std::max<lapack_int>(1, 2*n)));
+    rwork.resize(static_cast<std::size_t>(std::max<lapack_int>(1, 2*n)));
+  } catch (const std::bad_alloc &) {
+    return out_of_memory("LAPACKE_cgecon", LAPACK_WORK_MEMORY_ERROR);
+  }
+  return LAPACKE_cgecon_work(matrix_layout, norm, n, a, lda, anorm, rcond, work.data(), rwork.data());
+}
+
+lapack_int LAPACKE_spocon_work(int matrix_layout, char uplo, lapack_int n, const float *a, lapack_int lda, float anorm, float *rcond, float *work, lapack_int *iwork) {
+  const char *self = "LAPACKE_spocon_work";
+  if (!layout_ok(matrix_layout)) return report(self, 1);
+  const bool row = matrix_layout == LAPACK_ROW_MAJOR;
+  if (row && lda < std::max<lapack_int>(1, n)) return report(self, 5);
+  try {
+    ColMajor<const float> a_(row, row, n, n, a, lda, false);
+    lapack_int info = 0;
+    ::spocon(&uplo, &n, reinterpret_cast<const float *>(a_.data()), a_.ld(), &anorm, rcond, reinterpret_cast<float *>(work), iwork, &info, 1);
+    return info < 0 ? info - 1 : info;
+  } catch (const std::bad_alloc &) {
+    return out_of_memory(self, LAPACK_TRANSPOSE_MEMORY_ERROR);
+  }
+}
+
+lapack_int LAPACKE_spocon(int matrix_layout, char uplo, lapack_int n, const float *a, lapack_int lda, float anorm, float *rcond) {
+  if (!layout_ok(matrix_layout)) return report("LAPACKE_spocon", 1);
+  std::vector<float> work;
+  std::vector<lapack_int> iwork;
+  try {
+    work.resize(static_cast<std::size_t>(std::max<lapack_int>(1, 3*n)));
+    iwork.resize(static_cast<std::size_t>(std::max<lapack_int>(1, n)));
+  } catch (const std::bad_alloc &) {
+    return out_of_memory("LAPACKE_spocon", LAPACK_WORK_MEMORY_ERROR);
+  }
+  return LAPACKE_spocon_work(matrix_layout, uplo, n, a, lda, anorm, rcond, work.data(), iwork.data());
+}
+
+lapack_int LAPACKE_cpocon_work(int matrix_layout, char uplo, lapack_int n, const lapack_complex_float *a, lapack_int lda, float anorm, float *rcond, lapack_complex_float *work, float *rwork) {
+  const char *self = "LAPACKE_cpocon_work";
+  if (!layout_ok(matrix_layout)) return report(self, 1);
+  const bool row = matrix_layout == LAPACK_ROW_MAJOR;
+  if (row && lda < std::max<lapack_int>(1, n)) return report(self, 5);
+  try {
+    ColMajor<const lapack_complex_float> a_(row, row, n, n, a, lda, false);
+    lapack_int info = 0;
+    ::cpocon(&uplo, &n, reinterpret_cast<const orb_complex8 *>(a_.data()), a_.ld(), &anorm, rcond, reinterpret_cast<orb_complex8 *>(work), rwork, &info, 1);
+    return info < 0 ? info - 1 : info;
+  } catch (const std::bad_alloc &) {
+    return out_of_memory(self, LAPACK_TRANSPOSE_MEMORY_ERROR);
+  }
+}
+
+lapack_int LAPACKE_cpocon(int matrix_layout, char uplo, lapack_int n, const lapack_complex_float *a, lapack_int lda, float anorm, float *rcond) {
+  if (!layout_ok(matrix_layout)) return report("LAPACKE_cpocon", 1);
+  std::vector<lapack_complex_float> work;
+  std::vector<float> rwork;
+  try {
+    work.resize(static_cast<std::size_t>(std::max<lapack_int>(1, 2*n)));
+    rwork.resize(static_cast<std::size_t>(std::max<lapack_int>(1, n)));
+  } catch (const std::bad_alloc &) {
+    return out_of_memory("LAPACKE_cpocon", LAPACK_WORK_MEMORY_ERROR);
+  }
+  return LAPACKE_cpocon_work(matrix_layout, uplo, n, a, lda, anorm, rcond, work.data(), rwork.data());
+}
+
+lapack_int LAPACKE_strcon_work(int matrix_layout, char norm, char uplo, char diag, lapack_int n, const float *a, lapack_int lda, float *rcond, float *work, lapack_int *iwork) {
+  const char *self = "LAPACKE_strcon_work";
+  if (!layout_ok(matrix_layout)) return report(self, 1);
+  const bool row = matrix_layout == LAPACK_ROW_MAJOR;
+  if (row && lda < std::max<lapack_int>(1, n)) return report(self, 7);
+  try {
+    ColMajor<const float> a_(row, row, n, n, a, lda, false);
+    lapack_int info = 0;
+    ::strcon(&norm, &uplo, &diag, &n, reinterpret_cast<const float *>(a_.data()), a_.ld(), rcond, reinterpret_cast<float *>(work), iwork, &info, 1, 1, 1);
+    return info < 0 ? info - 1 : info;
+  } catch (const std::bad_alloc &) {
+    return out_of_memory(self, LAPACK_TRANSPOSE_MEMORY_ERROR);
+  }
+}
+
+lapack_int LAPACKE_strcon(int matrix_layout, char norm, char uplo, char diag, lapack_int n, const float *a, lapack_int lda, float *rcond) {
+  if (!layout_ok(matrix_layout)) return report("LAPACKE_strcon", 1);
+  std::vector<float> work;
+  std::vector<lapack_int> iwork;
+  try {
+    work.resize(static_cast<std::size_t>(std::max<lapack_int>(1, 3*n)));
+    iwork.resize(static_cast<std::size_t>(std::max<lapack_int>(1, n)));
+  } catch (const std::bad_alloc &) {
+    return out_of_memory("LAPACKE_strcon", LAPACK_WORK_MEMORY_ERROR);
+  }
+  return LAPACKE_strcon_work(matrix_layout, norm, uplo, diag, n, a, lda, rcond, work.data(), iwork.data());
+}
+
+lapack_int LAPACKE_ctrcon_work(int matrix_layout, char norm, char uplo, char diag, lapack_int n, const lapack_complex_float *a, lapack_int lda, float *rcond, lapack_complex_float *work, float *rwork) {
+  const char *self = "LAPACKE_ctrcon_work";
+  if (!layout_ok(matrix_layout)) return report(self, 1);
+  const bool row = matrix_layout == LAPACK_ROW_MAJOR;
+  if (row && lda < std::max<lapack_int>(1, n)) return report(self, 7);
+  try {
+    ColMajor<const lapack_complex_float> a_(row, row, n, n, a, lda, false);
+    lapack_int info = 0;
+    ::ctrcon(&norm, &uplo, &diag, &n, reinterpret_cast<const orb_complex8 *>(a_.data()), a_.ld(), rcond, reinterpret_cast<orb_complex8 *>(work), rwork, &info, 1, 1, 1);
+    return info < 0 ? info - 1 : info;
+  } catch (const std::bad_alloc &) {
+    return out_of_memory(self, LAPACK_TRANSPOSE_MEMORY_ERROR);
+  }
+}
+
+lapack_int LAPACKE_ctrcon(int matrix_layout, char norm, char uplo, char diag, lapack_int n, const lapack_complex_float *a, lapack_int lda, float *rcond) {
+  if (!layout_ok(matrix_layout)) return report("LAPACKE_ctrcon", 1);
+  std::vector<lapack_complex_float> work;
+  std::vector<float> rwork;
+  try {
+    work.resize(static_cast<std::size_t>(std::max<lapack_int>(1, 2*n)));
+    rwork.resize(static_cast<std::size_t>(std::max<lapack_int>(1, n)));
+  } catch (const std::bad_alloc &) {
+    return out_of_memory("LAPACKE_ctrcon", LAPACK_WORK_MEMORY_ERROR);
+  }
+  return LAPACKE_ctrcon_work(matrix_layout, norm, uplo, diag, n, a, lda, rcond, work.data(), rwork.data());
+}
+
+lapack_int LAPACKE_sgbcon_work(int matrix_layout, char norm, lapack_int n, lapack_int kl, lapack_int ku, const float *ab, lapack_int ldab, const lapack_int *ipiv, float anorm, float *rcond, float *work, lapack_int *iwork) {
+  const char *self = "LAPACKE_sgbcon_work";
+  if (!layout_ok(matrix_layout)) return report(self, 1);
+  const bool row = matrix_layout == LAPACK_ROW_MAJOR;
+  if (row && ldab < std::max<lapack_int>(1, n)) return report(self, 7);
+  try {
+    ColMajor<const float> ab_(row, row, 2*kl+ku+1, n, ab, ldab, false);
+    lapack_int info = 0;
+    ::sgbcon(&norm, &n, &kl, &ku, reinterpret_cast<const float *>(ab_.data()), ab_.ld(), ipiv, &anorm, rcond, reinterpret_cast<float *>(work), iwork, &info, 1);
+    return info < 0 ? info - 1 : info;
+  } catch (const std::bad_alloc &) {
+    return out_of_memory(self, LAPACK_TRANSPOSE_MEMORY_ERROR);
+  }
+}
+
+lapack_int LAPACKE_sgbcon(int matrix_layout, char norm, lapack_int n, lapack_int kl, lapack_int ku, const float *ab, lapack_int ldab, const lapack_int *ipiv, float anorm, float *rcond) {
+  if (!layout_ok(matrix_layout)) return report("LAPACKE_sgbcon", 1);
+  std::vector<float> work;
+  std::vector<lapack_int> iwork;
+  try {
+    work.resize(static_cast<std::size_t>(std::max<lapack_int>(1, 3*n)));
+    iwork.resize(static_cast<std::size_t>(std::max<lapack_int>(1, n)));
+  } catch (const std::bad_alloc &) {
+    return out_of_memory("LAPACKE_sgbcon", LAPACK_WORK_MEMORY_ERROR);
+  }
+  return LAPACKE_sgbcon_work(matrix_layout, norm, n, kl, ku, ab, ldab, ipiv, anorm, rcond, work.data(), iwork.data());
+}
+
+lapack_int LAPACKE_cgbcon_work(int matrix_layout, char norm, lapack_int n, lapack_int kl, lapack_int ku, const lapack_complex_float *ab, lapack_int ldab, const lapack_int *ipiv, float anorm, float *rcond, lapack_complex_float *work, float *rwork) {
+  const char *self = "LAPACKE_cgbcon_work";
+  if (!layout_ok(matrix_layout)) return report(self, 1);
+  const bool row = matrix_layout == LAPACK_ROW_MAJOR;
+  if (row && ldab < std::max<lapack_int>(1, n)) return report(self, 7);
+  try {
+    ColMajor<const lapack_complex_float> ab_(row, row, 2*kl+ku+1, n, ab, ldab, false);
+    lapack_int info = 0;
+    ::cgbcon(&norm, &n, &kl, &ku, reinterpret_cast<const orb_complex8 *>(ab_.data()), ab_.ld(), ipiv, &anorm, rcond, reinterpret_cast<orb_complex8 *>(work), rwork, &info, 1);
+    return info < 0 ? info - 1 : info;
+  } catch (const std::bad_alloc &) {
+    return out_of_memory(self, LAPACK_TRANSPOSE_MEMORY_ERROR);
+  }
+}
+
+lapack_int LAPACKE_cgbcon(int matrix_layout, char norm, lapack_int n, lapack_int kl, lapack_int ku, const lapack_complex_float *ab, lapack_int ldab, const lapack_int *ipiv, float anorm, float *rcond) {
+  if (!layout_ok(matrix_layout)) return report("LAPACKE_cgbcon", 1);
+  std::vector<lapack_complex_float> work;
+  std::vector<float> rwork;
+  try {
+    work.resize(static_cast<std::size_t>(std::max<lapack_int>(1, 2*n)));
+    rwork.resize(static_cast<std::size_t>(std::max<lapack_int>(1, n)));
+  } catch (const std::bad_alloc &) {
+    return out_of_memory("LAPACKE_cgbcon", LAPACK_WORK_MEMORY_ERROR);
+  }
+  return LAPACKE_cgbcon_work(matrix_layout, norm, n, kl, ku, ab, ldab, ipiv, anorm, rcond, work.data(), rwork.data());
+}
+
+lapack_int LAPACKE_spbcon_work(int matrix_layout, char uplo, lapack_int n, lapack_int kd, const float *ab, lapack_int ldab, float anorm, float *rcond, float *work, lapack_int *iwork) {
+  const char *self = "LAPACKE_spbcon_work";
+  if (!layout_ok(matrix_layout)) return report(self, 1);
+  const bool row = matrix_layout == LAPACK_ROW_MAJOR;
+  if (row && ldab < std::max<lapack_int>(1, n)) return report(self, 6);
+  try {
+    ColMajor<const float> ab_(row, row, kd+1, n, ab, ldab, false);
+    lapack_int info = 0;
+    ::spbcon(&uplo, &n, &kd, reinterpret_cast<const float *>(ab_.data()), ab_.ld(), &anorm, rcond, reinterpret_cast<float *>(work), iwork, &info, 1);
+    return info < 0 ? info - 1 : info;
+  } catch (const std::bad_alloc &) {
+    return out_of_memory(self, LAPACK_TRANSPOSE_MEMORY_ERROR);
+  }
+}
+
+lapack_int LAPACKE_spbcon(int matrix_layout, char uplo, lapack_int n, lapack_int kd, const float *ab, lapack_int ldab, float anorm, float *rcond) {
+  if (!layout_ok(matrix_layout)) return report("LAPACKE_spbcon", 1);
+  std::vector<float> work;
+  std::vector<lapack_int> iwork;
+  try {
+    work.resize(static_cast<std::size_t>(std::max<lapack_int>(1, 3*n)));
+    iwork.resize(static_cast<std::size_t>(std::max<lapack_int>(1, n)));
+  } catch (const std::bad_alloc &) {
+    return out_of_memory("LAPACKE_spbcon", LAPACK_WORK_MEMORY_ERROR);
+  }
+  return LAPACKE_spbcon_work(matrix_layout, uplo, n, kd, ab, ldab, anorm, rcond, work.data(), iwork.data());
+}
+
+lapack_int LAPACKE_cpbcon_work(int matrix_layout, char uplo, lapack_int n, lapack_int kd, const lapack_complex_float *ab, lapack_int ldab, float anorm, float *rcond, lapack_complex_float *work, float *rwork) {
+  const char *self = "LAPACKE_cpbcon_work";
+  if (!layout_ok(matrix_layout)) return report(self, 1);
+  const bool row = matrix_layout == LAPACK_ROW_MAJOR;
+  if (row && ldab < std::max<lapack_int>(1, n)) return report(self, 6);
+  try {
+    ColMajor<const lapack_complex_float> ab_(row, row, kd+1, n, ab, ldab, false);
+    lapack_int info = 0;
+    ::cpbcon(&uplo, &n, &kd, reinterpret_cast<const orb_complex8 *>(ab_.data()), ab_.ld(), &anorm, rcond, reinterpret_cast<orb_complex8 *>(work), rwork, &info, 1);
+    return info < 0 ? info - 1 : info;
+  } catch (const std::bad_alloc &) {
+    return out_of_memory(self, LAPACK_TRANSPOSE_MEMORY_ERROR);
+  }
+}
+
+lapack_int LAPACKE_cpbcon(int matrix_layout, char uplo, lapack_int n, lapack_int kd, const lapack_complex_float *ab, lapack_int ldab, float anorm, float *rcond) {
+  if (!layout_ok(matrix_layout)) return report("LAPACKE_cpbcon", 1);
+  std::vector<lapack_complex_float> work;
+  std::vector<float> rwork;
+  try {
+    work.resize(static_cast<std::size_t>(std::max<lapack_int>(1, 2*n)));
+    rwork.resize(static_cast<std::size_t>(std::max<lapack_int>(1, n)));
+  } catch (const std::bad_alloc &) {
+    return out_of_memory("LAPACKE_cpbcon", LAPACK_WORK_MEMORY_ERROR);
+  }
+  return LAPACKE_cpbcon_work(matrix_layout, uplo, n, kd, ab, ldab, anorm, rcond, work.data(), rwork.data());
+}
+
+lapack_int LAPACKE_ssycon_work(int matrix_layout, char uplo, lapack_int n, const float *a, lapack_int lda, const lapack_int *ipiv, float anorm, float *rcond, float *work, lapack_int *iwork) {
+  const char *self = "LAPACKE_ssycon_work";
+  if (!layout_ok(matrix_layout)) return report(self, 1);
+  const bool row = matrix_layout == LAPACK_ROW_MAJOR;
+  if (row && lda < std::max<lapack_int>(1, n)) return report(self, 5);
+  try {
+    ColMajor<const float> a_(row, row, n, n, a, lda, false);
+    lapack_int info = 0;
+    ::ssycon(&uplo, &n, reinterpret_cast<const float *>(a_.data()), a_.ld(), ipiv, &anorm, rcond, reinterpret_cast<float *>(work), iwork, &info, 1);
+    return info < 0 ? info - 1 : info;
+  } catch (const std::bad_alloc &) {
+    return out_of_memory(self, LAPACK_TRANSPOSE_MEMORY_ERROR);
+  }
+}
+
+lapack_int LAPACKE_ssycon(int matrix_layout, char uplo, lapack_int n, const float *a, lapack_int lda, const lapack_int *ipiv, float anorm, float *rcond) {
+  if (!layout_ok(matrix_layout)) return report("LAPACKE_ssycon", 1);
+  std::vector<float> work;
+  std::vector<lapack_int> iwork;
+  try {
+    work.resize(static_cast<std::size_t>(std::max<lapack_int>(1, 2*n)));
+    iwork.resize(static_cast<std::size_t>(std::max<lapack_int>(1, n)));
+  } catch (const std::bad_alloc &) {
+    return out_of_memory("LAPACKE_ssycon", LAPACK_WORK_MEMORY_ERROR);
+  }
+  return LAPACKE_ssycon_work(matrix_layout, uplo, n, a, lda, ipiv, anorm, rcond, work.data(), iwork.data());
+}
+
+lapack_int LAPACKE_csycon_work(int matrix_layout, char uplo, lapack_int n, const lapack_complex_float *a, lapack_int lda, const lapack_int *ipiv, float anorm, float *rcond, lapack_complex_float *work) {
+  const char *self = "LAPACKE_csycon_work";
+  if (!layout_ok(matrix_layout)) return report(self, 1);
+  const bool row = matrix_layout == LAPACK_ROW_MAJOR;
+  if (row && lda < std::max<lapack_int>(1, n)) return report(self, 5);
+  try {
+    ColMajor<const lapack_complex_float> a_(row, row, n, n, a, lda, false);
+    lapack_int info = 0;
+    ::csycon(&uplo, &n, reinterpret_cast<const orb_complex8 *>(a_.data()), a_.ld(), ipiv, &anorm, rcond, reinterpret_cast<orb_complex8 *>(work), &info, 1);
+    return info < 0 ? info - 1 : info;
+  } catch (const std::bad_alloc &) {
+    return out_of_memory(self, LAPACK_TRANSPOSE_MEMORY_ERROR);
+  }
+}
+
+lapack_int LAPACKE_csycon(int matrix_layout, char uplo, lapack_int n, const lapack_complex_float *a, lapack_int lda, const lapack_int *ipiv, float anorm, float *rcond) {
+  if (!layout_ok(matrix_layout)) return report("LAPACKE_csycon", 1);
+  std::vector<lapack_complex_float> work;
+  try {
+    work.resize(static_cast<std::size_t>(std::max<lapack_int>(1, 2*n)));
+  } catch (const std::bad_alloc &) {
+    return out_of_memory("LAPACKE_csycon", LAPACK_WORK_MEMORY_ERROR);
+  }
+  return LAPACKE_csycon_work(matrix_layout, uplo, n, a, lda, ipiv, anorm, rcond, work.data());
+}
+
+lapack_int LAPACKE_checon_work(int matrix_layout, char uplo, lapack_int n, const lapack_complex_float *a, lapack_int lda, const lapack_int *ipiv, float anorm, float *rcond, lapack_complex_float *work) {
+  const char *self = "LAPACKE_checon_work";
+  if (!layout_ok(matrix_layout)) return report(self, 1);
+  const bool row = matrix_layout == LAPACK_ROW_MAJOR;
+  if (row && lda < std::max<lapack_int>(1, n)) return report(self, 5);
+  try {
+    ColMajor<const lapack_complex_float> a_(row, row, n, n, a, lda, false);
+    lapack_int info = 0;
+    ::checon(&uplo, &n, reinterpret_cast<const orb_complex8 *>(a_.data()), a_.ld(), ipiv, &anorm, rcond, reinterpret_cast<orb_complex8 *>(work), &info, 1);
+    return info < 0 ? info - 1 : info;
+  } catch (const std::bad_alloc &) {
+    return out_of_memory(self, LAPACK_TRANSPOSE_MEMORY_ERROR);
+  }
+}
+
+lapack_int LAPACKE_checon(int matrix_layout, char uplo, lapack_int n, const lapack_complex_float *a, lapack_int lda, const lapack_int *ipiv, float anorm, float *rcond) {
+  if (!layout_ok(matrix_layout)) return report("LAPACKE_checon", 1);
+  std::vector<lapack_complex_float> work;
+  try {
+    work.resize(static_cast<std::size_t>(std::max<lapack_int>(1, 2*n)));
+  } catch (const std::bad_alloc &) {
+    return out_of_memory("LAPACKE_checon", LAPACK_WORK_MEMORY_ERROR);
+  }
+  return LAPACKE_checon_work(matrix_layout, uplo, n, a, lda, ipiv, anorm, rcond, work.data());
+}
+
+lapack_int LAPACKE_sgelss_work(int matrix_layout, lapack_int m, lapack_int n, lapack_int nrhs, float *a, lapack_int lda, float *b, lapack_int ldb, float *s, float rcond, lapack_int *rank, float *work, lapack_int lwork) {
+  const char *self = "LAPACKE_sgelss_work";
+  if (!layout_ok(matrix_layout)) return report(self, 1);
+  const bool row = matrix_layout == LAPACK_ROW_MAJOR;
+  const bool query = lwork == -1;
+  if (row && lda < std::max<lapack_int>(1, n)) return report(self, 6);
+  if (row && ldb < std::max<lapack_int>(1, nrhs)) return report(self, 8);
+  try {
+    ColMajor<float> a_(row, row && !query, m, n, a, lda, true);
+    ColMajor<float> b_(row, row && !query, std::max<lapack_int>(m,n), nrhs, b, ldb, true);
+    lapack_int info = 0;
+    ::sgelss(&m, &n, &nrhs, reinterpret_cast<float *>(a_.data()), a_.ld(), reinterpret_cast<float *>(b_.data()), b_.ld(), s, &rcond, rank, reinterpret_cast<float *>(work), &lwork, &info);
+    return info < 0 ? info - 1 : info;
+  } catch (const std::bad_alloc &) {
+    return out_of_memory(self, LAPACK_TRANSPOSE_MEMORY_ERROR);
+  }
+}
+
+lapack_int LAPACKE_sgelss(int matrix_layout, lapack_int m, lapack_int n, lapack_int nrhs, float *a, lapack_int lda, float *b, lapack_int ldb, float *s, float rcond, lapack_int *rank) {
+  if (!layout_ok(matrix_layout)) return report("LAPACKE_sgelss", 1);
+  float work_size{};
+  lapack_int info = LAPACKE_sgelss_work(matrix_layout, m, n, nrhs, a, lda, b, ldb, s, rcond, rank, &work_size, -1);
+  if (info != 0) return info;
+  std::vector<float> work;
+  lapack_int lwork = workspace_length(work_size);
+  try {
+    work.resize(static_cast<std::size_t>(lwork));
+  } catch (const std::bad_alloc &) {
+    return out_of_memory("LAPACKE_sgelss", LAPACK_WORK_MEMORY_ERROR);
+  }
+  return LAPACKE_sgelss_work(matrix_layout, m, n, nrhs, a, lda, b, ldb, s, rcond, rank, work.data(), lwork);
+}
+
+lapack_int LAPACKE_cgelss_work(int matrix_layout, lapack_int m, lapack_int n, lapack_int nrhs, lapack_complex_float *a, lapack_int lda, lapack_complex_float *b, lapack_int ldb, float *s, float rcond, lapack_int *rank, lapack_complex_float *work, lapack_int lwork, float *rwork) {
+  const char *self = "LAPACKE_cgelss_work";
+  if (!layout_ok(matrix_layout)) return report(self, 1);
+  const bool row = matrix_layout == LAPACK_ROW_MAJOR;
+  const bool query = lwork == -1;
+  if (row && lda < std::max<lapack_int>(1, n)) return report(self, 6);
+  if (row && ldb < std::max<lapack_int>(1, nrhs)) return report(self, 8);
+  try {
+    ColMajor<lapack_complex_float> a_(row, row && !query, m, n, a, lda, true);
+    ColMajor<lapack_complex_float> b_(row, row && !query, std::max<lapack_int>(m,n), nrhs, b, ldb, true);
+    lapack_int info = 0;
+    ::cgelss(&m, &n, &nrhs, reinterpret_cast<orb_complex8 *>(a_.data()), a_.ld(), reinterpret_cast<orb_complex8 *>(b_.data()), b_.ld(), s, &rcond, rank, reinterpret_cast<orb_complex8 *>(work), &lwork, rwork, &info);
+    return info < 0 ? info - 1 : info;
+  } catch (const std::bad_alloc &) {
+    return out_of_memory(self, LAPACK_TRANSPOSE_MEMORY_ERROR);
+  }
+}
+
+lapack_int LAPACKE_cgelss(int matrix_layout, lapack_int m, lapack_int n, lapack_int nrhs, lapack_complex_float *a, lapack_int lda, lapack_complex_float *b, lapack_int ldb, float *s, float rcond, lapack_int *rank) {
+  if (!layout_ok(matrix_layout)) return report("LAPACKE_cgelss", 1);
+  std::vector<float> rwork;
+  try {
+    rwork.resize(static_cast<std::size_t>(std::max<lapack_int>(1, 5*std::min<lapack_int>(m,n))));
+  } catch (const std::bad_alloc &) {
+    return out_of_memory("LAPACKE_cgelss", LAPACK_WORK_MEMORY_ERROR);
+  }
+  lapack_complex_float work_size{};
+  lapack_int info = LAPACKE_cgelss_work(matrix_layout, m, n, nrhs, a, lda, b, ldb, s, rcond, rank, &work_size, -1, rwork.data());
+  if (info != 0) return info;
+  std::vector<lapack_complex_float> work;
+  lapack_int lwork = workspace_length(work_size);
+  try {
+    work.resize(static_cast<std::size_t>(lwork));
+  } catch (const std::bad_alloc &) {
+    return out_of_memory("LAPACKE_cgelss", LAPACK_WORK_MEMORY_ERROR);
+  }
+  return LAPACKE_cgelss_work(matrix_layout, m, n, nrhs, a, lda, b, ldb, s, rcond, rank, work.data(), lwork, rwork.data());
+}
+
+lapack_int LAPACKE_ssyevx_work(int matrix_layout, char jobz, char range, char uplo, lapack_int n, float *a, lapack_int lda, float vl, float vu, lapack_int il, lapack_int iu, float abstol, lapack_int *m, float *w, float *z, lapack_int ldz, float *work, lapack_int lwork, lapack_int *iwork, lapack_int *ifail) {
+  const char *self = "LAPACKE_ssyevx_work";
+  if (!layout_ok(matrix_layout)) return report(self, 1);
+  const bool row = matrix_layout == LAPACK_ROW_MAJOR;
+  const bool query = lwork == -1;
+  if (row && lda < std::max<lapack_int>(1, n)) return report(self, 7);
+  if (row && ldz < std::max<lapack_int>(1, eig_z_cols(jobz,range,n,il,iu))) return report(self, 16);
+  try {
+    ColMajor<float> a_(row, row && !query, n, n, a, lda, true);
+    ColMajor<float> z_(row, row && !query, n, eig_z_cols(jobz,range,n,il,iu), z, ldz, true);
+    lapack_int info = 0;
+    ::ssyevx(&jobz, &range, &uplo, &n, reinterpret_cast<float *>(a_.data()), a_.ld(), &vl, &vu, &il, &iu, &abstol, m, w, reinterpret_cast<float *>(z_.data()), z_.ld(), reinterpret_cast<float *>(work), &lwork, iwork, ifail, &info, 1, 1, 1);
+    return info < 0 ? info - 1 : info;
+  } catch (const std::bad_alloc &) {
+    return out_of_memory(self, LAPACK_TRANSPOSE_MEMORY_ERROR);
+  }
+}
+
+lapack_int LAPACKE_ssyevx(int matrix_layout, char jobz, char range, char uplo, lapack_int n, float *a, lapack_int lda, float vl, float vu, lapack_int il, lapack_int iu, float abstol, lapack_int *m, float *w, float *z, lapack_int ldz, lapack_int *ifail) {
+  if (!layout_ok(matrix_layout)) return report("LAPACKE_ssyevx", 1);
+  std::vector<lapack_int> iwork;
+  try {
+    iwork.resize(static_cast<std::size_t>(std::max<lapack_int>(1, 5*n)));
+  } catch (const std::bad_alloc &) {
+    return out_of_memory("LAPACKE_ssyevx", LAPACK_WORK_MEMORY_ERROR);
+  }
+  float work_size{};
+  lapack_int info = LAPACKE_ssyevx_work(matrix_layout, jobz, range, uplo, n, a, lda, vl, vu, il, iu, abstol, m, w, z, ldz, &work_size, -1, iwork.data(), ifail);
+  if (info != 0) return info;
+  std::vector<float> work;
+  lapack_int lwork = workspace_length(work_size);
+  try {
+    work.resize(static_cast<std::size_t>(lwork));
+  } catch (const std::bad_alloc &) {
+    return out_of_memory("LAPACKE_ssyevx", LAPACK_WORK_MEMORY_ERROR);
+  }
+  return LAPACKE_ssyevx_work(matrix_layout, jobz, range, uplo, n, a, lda, vl, vu, il, iu, abstol, m, w, z, ldz, work.data(), lwork, iwork.data(), ifail);
+}
+
+lapack_int LAPACKE_cheevx_work(int matrix_layout, char jobz, char range, char uplo, lapack_int n, lapack_complex_float *a, lapack_int lda, float vl, float vu, lapack_int il, lapack_int iu, float abstol, lapack_int *m, float *w, lapack_complex_float *z, lapack_int ldz, lapack_complex_float *work, lapack_int lwork, float *rwork, lapack_int *iwork, lapack_int *ifail) {
+  const char *self = "LAPACKE_cheevx_work";
+  if (!layout_ok(matrix_layout)) return report(self, 1);
+  const bool row = matrix_layout == LAPACK_ROW_MAJOR;
+  const bool query = lwork == -1;
+  if (row && lda < std::max<lapack_int>(1, n)) return report(self, 7);
+  if (row && ldz < std::max<lapack_int>(1, eig_z_cols(jobz,range,n,il,iu))) return report(self, 16);
+  try {
+    ColMajor<lapack_complex_float> a_(row, row && !query, n, n, a, lda, true);
+    ColMajor<lapack_complex_float> z_(row, row && !query, n, eig_z_cols(jobz,range,n,il,iu), z, ldz, true);
+    lapack_int info = 0;
+    ::cheevx(&jobz, &range, &uplo, &n, reinterpret_cast<orb_complex8 *>(a_.data()), a_.ld(), &vl, &vu, &il, &iu, &abstol, m, w, reinterpret_cast<orb_complex8 *>(z_.data()), z_.ld(), reinterpret_cast<orb_complex8 *>(work), &lwork, rwork, iwork, ifail, &info, 1, 1, 1);
+    return info < 0 ? info - 1 : info;
+  } catch (const std::bad_alloc &) {
+    return out_of_memory(self, LAPACK_TRANSPOSE_MEMORY_ERROR);
+  }
+}
+
+lapack_int LAPACKE_cheevx(int matrix_layout, char jobz, char range, char uplo, lapack_int n, lapack_complex_float *a, lapack_int lda, float vl, float vu, lapack_int il, lapack_int iu, float abstol, lapack_int *m, float *w, lapack_complex_float *z, lapack_int ldz, lapack_int *ifail) {
+  if (!layout_ok(matrix_layout)) return report("LAPACKE_cheevx", 1);
+  std::vector<float> rwork;
+  std::vector<lapack_int> iwork;
+  try {
+    rwork.resize(static_cast<std::size_t>(std::max<lapack_int>(1, 7*n)));
+    iwork.resize(static_cast<std::size_t>(std::max<lapack_int>(1, 5*n)));
+  } catch (const std::bad_alloc &) {
+    return out_of_memory("LAPACKE_cheevx", LAPACK_WORK_MEMORY_ERROR);
+  }
+  lapack_complex_float work_size{};
+  lapack_int info = LAPACKE_cheevx_work(matrix_layout, jobz, range, uplo, n, a, lda, vl, vu, il, iu, abstol, m, w, z, ldz, &work_size, -1, rwork.data(), iwork.data(), ifail);
+  if (info != 0) return info;
+  std::vector<lapack_complex_float> work;
+  lapack_int lwork = workspace_length(work_size);
+  try {
+    work.resize(static_cast<std::size_t>(lwork));
+  } catch (const std::bad_alloc &) {
+    return out_of_memory("LAPACKE_cheevx", LAPACK_WORK_MEMORY_ERROR);
+  }
+  return LAPACKE_cheevx_work(matrix_layout, jobz, range, uplo, n, a, lda, vl, vu, il, iu, abstol, m, w, z, ldz, work.data(), lwork, rwork.data(), iwork.data(), ifail);
+}
+
 }  // extern "C"

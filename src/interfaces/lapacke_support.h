@@ -38,6 +38,18 @@ inline lapack_int svd_vt_rows(char jobz, lapack_int m, lapack_int n) {
   if (j == 's') return std::min(m, n);
   return 0;
 }
+// The shape of gesvd's singular vectors for job jobu (jobvt): all `full`
+// columns of U (rows of V^T), the leading min(m, n), or none.
+inline lapack_int svd_vectors(char job, lapack_int full, lapack_int m, lapack_int n) {
+  const char j = static_cast<char>(job | 0x20);
+  if (j == 'a') return full;
+  if (j == 's') return std::min(m, n);
+  return 0;
+}
+// The columns of geev's left or right eigenvector matrix.
+inline lapack_int eig_v_cols(char job, lapack_int n) {
+  return (job | 0x20) == 'v' ? n : 0;
+}
 // The real workspace of cgesdd.
 inline lapack_int svd_rwork(char jobz, lapack_int m, lapack_int n) {
   const lapack_int k = std::min(m, n), l = std::max(m, n);

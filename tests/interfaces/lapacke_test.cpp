@@ -513,6 +513,281 @@ TEST(LapackeReal, IndefiniteBandAndLeastSquaresInBothLayouts) {
   }
 }
 
+// SVD with U of min(m, n) columns and all of V^T: the singular values agree
+// between the layouts and the row-major factors rebuild A.
+TYPED_TEST(Lapacke, SvdWithMixedVectorShapesInBothLayouts) {
+  using T = TypeParam;
+  std::mt19937 gen(41);
+  for (auto [m, n] : {std::pair{7, 5}, {5, 7}}) {
+    const int k = std::min(m, n);
+    Pair<T> a(m, n, gen), a0 = a, u(m, k, gen), vt(n, n, gen);
+    std::vector<float> sc(k), sr(k), superb(k - 1, NAN);
+    if constexpr (std::is_same_v<T, cf>) {
+      ASSERT_EQ(LAPACKE_cgesvd(LAPACK_COL_MAJOR, 'S', 'A', m, n, a.col.data(), a.ldc, sc.data(),
+                               u.col.data(), u.ldc, vt.col.data(), vt.ldc, superb.data()),
+                0);
+      ASSERT_EQ(LAPACKE_cgesvd(LAPACK_ROW_MAJOR, 'S', 'A', m, n, a.row.data(), a.ldr, sr.data(),
+                               u.row.data(), u.ldr, vt.row.data(), vt.ldr, superb.data()),
+                0);
+    } else {
+      ASSERT_EQ(LAPACKE_sgesvd(LAPACK_COL_MAJOR, 'S', 'A', m, n, a.col.data(), a.ldc, sc.data(),
+                               u.col.data(), u.ldc, vt.col.data(), vt.ldc, superb.data()),
+                0);
+      ASSERT_EQ(LAPACKE_sgesvd(LAPACK_ROW_MAJOR, 'S', 'A', m, n, a.row.data(), a.ldr, sr.data(),
+                               u.row.data(), u.ldr, vt.row.data(), vt.ldr, superb.data()),
+                0);
+    }
+    for (int i = 0; i < k; ++i) EXPECT_NEAR(sc[i], sr[i], 1e-5f * sc[0]);
+    for (float e : superb) EXPECT_TRUE(std::isfinite(e));
+    for (int i = 0; i < m; ++i)
+      for (int j = 0; j < n; ++j) {
+        T s = 0;
+        for (int l = 0; l < k; ++l) s += u.r(i, l) * sr[l] * vt.r(l, j);
+        EXPECT_NEAR(std::abs(s - a0.c(i, j)), 0, 1e-4) << m << "x" << n;
+      }
+    u.expect_same(1e-3f);  // the vectors are unique up to sign (phase) only
+  }
+}
+
+// Nonsymmetric eigenproblem with right vectors only: the eigenvalues agree
+// between the layouts and A V = V diag(w) in row-major storage. The real case
+// uses a symmetric matrix so that every eigenvalue is real.
+TYPED_TEST(Lapacke, EigenvaluesAndRightVectorsInBothLayouts) {
+  using T = TypeParam;
+  std::mt19937 gen(43);
+  const int n = 7;
+  Pair<T> a(n, n, gen), vl(n, 1, gen), vc(n, n, gen), vr(n, n, gen);
+  if constexpr (!std::is_same_v<T, cf>)
+    for (int i = 0; i < n; ++i)
+      for (int j = 0; j < i; ++j) a.set(i, j, a.c(j, i));
+  Pair<T> a0 = a;
+  std::vector<cf> wc(n), wr(n);
+  if constexpr (std::is_same_v<T, cf>) {
+    ASSERT_EQ(LAPACKE_cgeev(LAPACK_COL_MAJOR, 'N', 'V', n, a.col.data(), a.ldc, wc.data(),
+                            vl.col.data(), vl.ldc, vc.col.data(), vc.ldc),
+              0);
+    ASSERT_EQ(LAPACKE_cgeev(LAPACK_ROW_MAJOR, 'N', 'V', n, a.row.data(), a.ldr, wr.data(),
+                            vl.row.data(), 1, vr.row.data(), vr.ldr),
+              0);
+  } else {
+    std::vector<float> re(n), im(n);
+    ASSERT_EQ(LAPACKE_sgeev(LAPACK_COL_MAJOR, 'N', 'V', n, a.col.data(), a.ldc, re.data(),
+                            im.data(), vl.col.data(), vl.ldc, vc.col.data(), vc.ldc),
+              0);
+    for (int i = 0; i < n; ++i) wc[i] = cf(re[i], im[i]);
+    ASSERT_EQ(LAPACKE_sgeev(LAPACK_ROW_MAJOR, 'N', 'V', n, a.row.data(), a.ldr, re.data(),
+                            im.data(), vl.row.data(), 1, vr.row.data(), vr.ldr),
+              0);
+    for (int i = 0; i < n; ++i) wr[i] = cf(re[i], im[i]);
+  }
+  for (int i = 0; i < n; ++i) EXPECT_NEAR(std::abs(wc[i] - wr[i]), 0, 1e-4);
+  for (int k = 0; k < n; ++k)
+    for (int i = 0; i < n; ++i) {
+      T s = 0;
+      for (int j = 0; j < n; ++j) s += a0.c(i, j) * vr.r(j, k);
+      EXPECT_NEAR(std::abs(cf(s) - wr[k] * cf(vr.r(i, k))), 0, 1e-4);
+    }
+}
+
+// The 1-norm of a square matrix held column-major.
+template <class T>
+float norm1(const Pair<T> &a) {
+  float best = 0;
+  for (int j = 0; j < a.cols; ++j) {
+    float s = 0;
+    for (int i = 0; i < a.rows; ++i) s += std::abs(a.c(i, j));
+    best = std::max(best, s);
+  }
+  return best;
+}
+
+// Condition estimates from the factors of each layout agree, and bound the
+// true reciprocal condition number from above within a small factor.
+TYPED_TEST(Lapacke, ConditionEstimatesInBothLayouts) {
+  using T = TypeParam;
+  std::mt19937 gen(47);
+  const int n = 9;
+  Pair<T> a(n, n, gen, 1), inv = a;
+  const float anorm = norm1(a);
+  std::vector<lapack_int> pc(n), pr(n), pi(n);
+  ASSERT_EQ(getrf(LAPACK_COL_MAJOR, a, pc), 0);
+  ASSERT_EQ(getrf(LAPACK_ROW_MAJOR, a, pr), 0);
+  ASSERT_EQ(getrf(LAPACK_COL_MAJOR, inv, pi), 0);
+  float rc = 0, rr = 0, rt = 0;
+  if constexpr (std::is_same_v<T, cf>) {
+    ASSERT_EQ(LAPACKE_cgetri(LAPACK_COL_MAJOR, n, inv.col.data(), inv.ldc, pi.data()), 0);
+    ASSERT_EQ(LAPACKE_cgecon(LAPACK_COL_MAJOR, '1', n, a.col.data(), a.ldc, anorm, &rc), 0);
+    ASSERT_EQ(LAPACKE_cgecon(LAPACK_ROW_MAJOR, '1', n, a.row.data(), a.ldr, anorm, &rr), 0);
+  } else {
+    ASSERT_EQ(LAPACKE_sgetri(LAPACK_COL_MAJOR, n, inv.col.data(), inv.ldc, pi.data()), 0);
+    ASSERT_EQ(LAPACKE_sgecon(LAPACK_COL_MAJOR, '1', n, a.col.data(), a.ldc, anorm, &rc), 0);
+    ASSERT_EQ(LAPACKE_sgecon(LAPACK_ROW_MAJOR, '1', n, a.row.data(), a.ldr, anorm, &rr), 0);
+  }
+  const float exact = 1 / (anorm * norm1(inv));
+  EXPECT_NEAR(rc, rr, 1e-4f * rc);
+  EXPECT_GE(rr, exact * 0.999f);
+  EXPECT_LE(rr, exact * 10);
+
+  // Cholesky and triangular estimates: the two layouts give the same number.
+  Pair<T> p = positive_definite<T>(n, gen);
+  const float pnorm = norm1(p);
+  if constexpr (std::is_same_v<T, cf>) {
+    ASSERT_EQ(LAPACKE_cpotrf(LAPACK_COL_MAJOR, 'L', n, p.col.data(), p.ldc), 0);
+    ASSERT_EQ(LAPACKE_cpotrf(LAPACK_ROW_MAJOR, 'L', n, p.row.data(), p.ldr), 0);
+    ASSERT_EQ(LAPACKE_cpocon(LAPACK_COL_MAJOR, 'L', n, p.col.data(), p.ldc, pnorm, &rc), 0);
+    ASSERT_EQ(LAPACKE_cpocon(LAPACK_ROW_MAJOR, 'L', n, p.row.data(), p.ldr, pnorm, &rr), 0);
+    EXPECT_NEAR(rc, rr, 1e-4f * rc);
+    ASSERT_EQ(LAPACKE_ctrcon(LAPACK_COL_MAJOR, 'I', 'L', 'N', n, p.col.data(), p.ldc, &rc), 0);
+    ASSERT_EQ(LAPACKE_ctrcon(LAPACK_ROW_MAJOR, 'I', 'L', 'N', n, p.row.data(), p.ldr, &rr), 0);
+  } else {
+    ASSERT_EQ(LAPACKE_spotrf(LAPACK_COL_MAJOR, 'L', n, p.col.data(), p.ldc), 0);
+    ASSERT_EQ(LAPACKE_spotrf(LAPACK_ROW_MAJOR, 'L', n, p.row.data(), p.ldr), 0);
+    ASSERT_EQ(LAPACKE_spocon(LAPACK_COL_MAJOR, 'L', n, p.col.data(), p.ldc, pnorm, &rc), 0);
+    ASSERT_EQ(LAPACKE_spocon(LAPACK_ROW_MAJOR, 'L', n, p.row.data(), p.ldr, pnorm, &rr), 0);
+    EXPECT_NEAR(rc, rr, 1e-4f * rc);
+    ASSERT_EQ(LAPACKE_strcon(LAPACK_COL_MAJOR, 'I', 'L', 'N', n, p.col.data(), p.ldc, &rc), 0);
+    ASSERT_EQ(LAPACKE_strcon(LAPACK_ROW_MAJOR, 'I', 'L', 'N', n, p.row.data(), p.ldr, &rr), 0);
+  }
+  EXPECT_GT(rr, 0);
+  EXPECT_NEAR(rc, rr, 1e-4f * rc);
+}
+
+// Band and symmetric-indefinite estimates, minimum-norm least squares and the
+// ranged symmetric eigensolver, each called in both layouts.
+TEST(LapackeReal, BandEstimatesLeastSquaresAndRangedEigenInBothLayouts) {
+  std::mt19937 gen(53);
+  const int n = 8, kl = 1, ku = 2;
+  Pair<float> ab(2 * kl + ku + 1, n, gen);
+  for (int j = 0; j < n; ++j) ab.set(kl + ku, j, 5 + ab.c(kl + ku, j));
+  std::vector<lapack_int> pc(n), pr(n);
+  ASSERT_EQ(LAPACKE_sgbtrf(LAPACK_COL_MAJOR, n, n, kl, ku, ab.col.data(), ab.ldc, pc.data()), 0);
+  ASSERT_EQ(LAPACKE_sgbtrf(LAPACK_ROW_MAJOR, n, n, kl, ku, ab.row.data(), ab.ldr, pr.data()), 0);
+  float rc = 0, rr = 0;
+  ASSERT_EQ(
+      LAPACKE_sgbcon(LAPACK_COL_MAJOR, 'O', n, kl, ku, ab.col.data(), ab.ldc, pc.data(), 9, &rc),
+      0);
+  ASSERT_EQ(
+      LAPACKE_sgbcon(LAPACK_ROW_MAJOR, 'O', n, kl, ku, ab.row.data(), ab.ldr, pr.data(), 9, &rr),
+      0);
+  EXPECT_GT(rr, 0);
+  EXPECT_NEAR(rc, rr, 1e-4f * rc);
+
+  const int kd = 2;
+  Pair<float> pb(kd + 1, n, gen);
+  for (int j = 0; j < n; ++j) pb.set(kd, j, 6 + pb.c(kd, j));
+  ASSERT_EQ(LAPACKE_spbtrf(LAPACK_COL_MAJOR, 'U', n, kd, pb.col.data(), pb.ldc), 0);
+  ASSERT_EQ(LAPACKE_spbtrf(LAPACK_ROW_MAJOR, 'U', n, kd, pb.row.data(), pb.ldr), 0);
+  ASSERT_EQ(LAPACKE_spbcon(LAPACK_COL_MAJOR, 'U', n, kd, pb.col.data(), pb.ldc, 9, &rc), 0);
+  ASSERT_EQ(LAPACKE_spbcon(LAPACK_ROW_MAJOR, 'U', n, kd, pb.row.data(), pb.ldr, 9, &rr), 0);
+  EXPECT_GT(rr, 0);
+  EXPECT_NEAR(rc, rr, 1e-4f * rc);
+
+  Pair<float> sy(n, n, gen, 2);
+  for (int i = 0; i < n; ++i)
+    for (int j = 0; j < i; ++j) sy.set(i, j, sy.c(j, i));
+  Pair<float> sy0 = sy;
+  ASSERT_EQ(LAPACKE_ssytrf(LAPACK_COL_MAJOR, 'U', n, sy.col.data(), sy.ldc, pc.data()), 0);
+  ASSERT_EQ(LAPACKE_ssytrf(LAPACK_ROW_MAJOR, 'U', n, sy.row.data(), sy.ldr, pr.data()), 0);
+  ASSERT_EQ(LAPACKE_ssycon(LAPACK_COL_MAJOR, 'U', n, sy.col.data(), sy.ldc, pc.data(), 9, &rc), 0);
+  ASSERT_EQ(LAPACKE_ssycon(LAPACK_ROW_MAJOR, 'U', n, sy.row.data(), sy.ldr, pr.data(), 9, &rr), 0);
+  EXPECT_GT(rr, 0);
+  EXPECT_NEAR(rc, rr, 1e-4f * rc);
+
+  // The three smallest eigenvalues of the symmetric matrix, with vectors.
+  const int il = 1, iu = 3;
+  Pair<float> e = sy0, zc(n, iu - il + 1, gen), zr = zc;
+  std::vector<float> wc(n), wr(n);
+  std::vector<lapack_int> fc(n), fr(n);
+  lapack_int mc = 0, mr = 0;
+  ASSERT_EQ(LAPACKE_ssyevx(LAPACK_COL_MAJOR, 'V', 'I', 'U', n, e.col.data(), e.ldc, 0, 0, il, iu, 0,
+                           &mc, wc.data(), zc.col.data(), zc.ldc, fc.data()),
+            0);
+  ASSERT_EQ(LAPACKE_ssyevx(LAPACK_ROW_MAJOR, 'V', 'I', 'U', n, e.row.data(), e.ldr, 0, 0, il, iu, 0,
+                           &mr, wr.data(), zr.row.data(), zr.ldr, fr.data()),
+            0);
+  ASSERT_EQ(mc, iu - il + 1);
+  ASSERT_EQ(mr, mc);
+  for (int k = 0; k < mr; ++k) {
+    EXPECT_NEAR(wc[k], wr[k], 1e-4f);
+    for (int i = 0; i < n; ++i) {
+      float s = 0;
+      for (int j = 0; j < n; ++j) s += sy0.c(i, j) * zr.r(j, k);
+      EXPECT_NEAR(s, wr[k] * zr.r(i, k), 1e-4f);
+    }
+  }
+
+  // Minimum-norm least squares through the SVD, overdetermined and not.
+  for (auto [m, k] : {std::pair{9, 5}, {5, 9}}) {
+    Pair<float> ls(m, k, gen), rhs(std::max(m, k), 2, gen);
+    std::vector<float> sc(std::min(m, k)), sr(std::min(m, k));
+    lapack_int rankc = 0, rankr = 0;
+    ASSERT_EQ(LAPACKE_sgelss(LAPACK_COL_MAJOR, m, k, 2, ls.col.data(), ls.ldc, rhs.col.data(),
+                             rhs.ldc, sc.data(), -1, &rankc),
+              0);
+    ASSERT_EQ(LAPACKE_sgelss(LAPACK_ROW_MAJOR, m, k, 2, ls.row.data(), ls.ldr, rhs.row.data(),
+                             rhs.ldr, sr.data(), -1, &rankr),
+              0);
+    EXPECT_EQ(rankc, std::min(m, k));
+    EXPECT_EQ(rankr, rankc);
+    for (size_t i = 0; i < sc.size(); ++i) EXPECT_NEAR(sc[i], sr[i], 1e-4f);
+    for (int i = 0; i < std::min(m, k); ++i)  // the solution rows; the rest is the residual
+      for (int j = 0; j < 2; ++j) EXPECT_NEAR(rhs.c(i, j), rhs.r(i, j), 1e-3f);
+  }
+}
+
+// The complex-only and symmetric complex names with the kinds tested above.
+TEST(LapackeComplex, IndefiniteEstimatesLeastSquaresAndRangedEigen) {
+  std::mt19937 gen(59);
+  const int n = 6;
+  for (bool hermitian : {false, true}) {
+    Pair<cf> a(n, n, gen, 2);
+    for (int i = 0; i < n; ++i) {
+      if (hermitian) a.set(i, i, cf(a.c(i, i).real(), 0));
+      for (int j = 0; j < i; ++j) a.set(i, j, hermitian ? std::conj(a.c(j, i)) : a.c(j, i));
+    }
+    std::vector<lapack_int> pc(n), pr(n);
+    auto factor = hermitian ? LAPACKE_chetrf : LAPACKE_csytrf;
+    auto estimate = hermitian ? LAPACKE_checon : LAPACKE_csycon;
+    ASSERT_EQ(factor(LAPACK_COL_MAJOR, 'L', n, a.col.data(), a.ldc, pc.data()), 0);
+    ASSERT_EQ(factor(LAPACK_ROW_MAJOR, 'L', n, a.row.data(), a.ldr, pr.data()), 0);
+    float rc = 0, rr = 0;
+    ASSERT_EQ(estimate(LAPACK_COL_MAJOR, 'L', n, a.col.data(), a.ldc, pc.data(), 9, &rc), 0);
+    ASSERT_EQ(estimate(LAPACK_ROW_MAJOR, 'L', n, a.row.data(), a.ldr, pr.data(), 9, &rr), 0);
+    EXPECT_GT(rr, 0);
+    EXPECT_NEAR(rc, rr, 1e-4f * rc);
+  }
+  Pair<cf> h = positive_definite<cf>(n, gen), z(n, 2, gen);
+  std::vector<float> w(n);
+  std::vector<lapack_int> fail(n);
+  lapack_int m = 0;
+  ASSERT_EQ(LAPACKE_cheevx(LAPACK_ROW_MAJOR, 'V', 'I', 'L', n, h.row.data(), h.ldr, 0, 0, n - 1, n,
+                           0, &m, w.data(), z.row.data(), z.ldr, fail.data()),
+            0);
+  EXPECT_EQ(m, 2);
+  EXPECT_LE(w[0], w[1]);
+  Pair<cf> ls(7, 4, gen), rhs(7, 1, gen);
+  std::vector<float> s(4);
+  lapack_int rank = 0;
+  ASSERT_EQ(LAPACKE_cgelss(LAPACK_ROW_MAJOR, 7, 4, 1, ls.row.data(), ls.ldr, rhs.row.data(),
+                           rhs.ldr, s.data(), -1, &rank),
+            0);
+  EXPECT_EQ(rank, 4);
+  EXPECT_GE(s[0], s[3]);
+  Pair<cf> gb(4, 5, gen);  // kl = 1, ku = 1
+  for (int j = 0; j < 5; ++j) gb.set(2, j, cf(5, 1));
+  std::vector<lapack_int> pg(5);
+  ASSERT_EQ(LAPACKE_cgbtrf(LAPACK_ROW_MAJOR, 5, 5, 1, 1, gb.row.data(), gb.ldr, pg.data()), 0);
+  float rc = 0;
+  ASSERT_EQ(
+      LAPACKE_cgbcon(LAPACK_ROW_MAJOR, 'I', 5, 1, 1, gb.row.data(), gb.ldr, pg.data(), 8, &rc), 0);
+  EXPECT_GT(rc, 0);
+  Pair<cf> pb(2, 5, gen);
+  for (int j = 0; j < 5; ++j) pb.set(1, j, cf(4, 0));
+  ASSERT_EQ(LAPACKE_cpbtrf(LAPACK_ROW_MAJOR, 'U', 5, 1, pb.row.data(), pb.ldr), 0);
+  ASSERT_EQ(LAPACKE_cpbcon(LAPACK_ROW_MAJOR, 'U', 5, 1, pb.row.data(), pb.ldr, 6, &rc), 0);
+  EXPECT_GT(rc, 0);
+}
+
 // The message printed by a call, and its result.
 template <class F>
 std::pair<lapack_int, std::string> outcome(F call) {
