@@ -313,6 +313,92 @@ ORB_API lapack_int LAPACKE_ssyevx_work(int matrix_layout, char jobz, char range,
 ORB_API lapack_int LAPACKE_cheevx(int matrix_layout, char jobz, char range, char uplo, lapack_int n, lapack_complex_float *a, lapack_int lda, float vl, float vu, lapack_int il, lapack_int iu, float abstol, lapack_int *m, float *w, lapack_complex_float *z, lapack_int ldz, lapack_int *ifail);
 ORB_API lapack_int LAPACKE_cheevx_work(int matrix_layout, char jobz, char range, char uplo, lapack_int n, lapack_complex_float *a, lapack_int lda, float vl, float vu, lapack_int il, lapack_int iu, float abstol, lapack_int *m, float *w, lapack_complex_float *z, lapack_int ldz, lapack_complex_float *work, lapack_int lwork, float *rwork, lapack_int *iwork, lapack_int *ifail);
 
+/* gelsd */
+ORB_API lapack_int LAPACKE_sgelsd(int matrix_layout, lapack_int m, lapack_int n, lapack_int nrhs, float *a, lapack_int lda, float *b, lapack_int ldb, float *s, float rcond, lapack_int *rank);
+ORB_API lapack_int LAPACKE_sgelsd_work(int matrix_layout, lapack_int m, lapack_int n, lapack_int nrhs, float *a, lapack_int lda, float *b, lapack_int ldb, float *s, float rcond, lapack_int *rank, float *work, lapack_int lwork, lapack_int *iwork);
+
+/* gelsd */
+ORB_API lapack_int LAPACKE_cgelsd(int matrix_layout, lapack_int m, lapack_int n, lapack_int nrhs, lapack_complex_float *a, lapack_int lda, lapack_complex_float *b, lapack_int ldb, float *s, float rcond, lapack_int *rank);
+ORB_API lapack_int LAPACKE_cgelsd_work(int matrix_layout, lapack_int m, lapack_int n, lapack_int nrhs, lapack_complex_float *a, lapack_int lda, lapack_complex_float *b, lapack_int ldb, float *s, float rcond, lapack_int *rank, lapack_complex_float *work, lapack_int lwork, float *rwork, lapack_int *iwork);
+
+/* gerfs */
+ORB_API lapack_int LAPACKE_sgerfs(int matrix_layout, char trans, lapack_int n, lapack_int nrhs, const float *a, lapack_int lda, const float *af, lapack_int ldaf, const lapack_int *ipiv, const float *b, lapack_int ldb, float *x, lapack_int ldx, float *ferr, float *berr);
+ORB_API lapack_int LAPACKE_sgerfs_work(int matrix_layout, char trans, lapack_int n, lapack_int nrhs, const float *a, lapack_int lda, const float *af, lapack_int ldaf, const lapack_int *ipiv, const float *b, lapack_int ldb, float *x, lapack_int ldx, float *ferr, float *berr, float *work, lapack_int *iwork);
+
+/* gerfs */
+ORB_API lapack_int LAPACKE_cgerfs(int matrix_layout, char trans, lapack_int n, lapack_int nrhs, const lapack_complex_float *a, lapack_int lda, const lapack_complex_float *af, lapack_int ldaf, const lapack_int *ipiv, const lapack_complex_float *b, lapack_int ldb, lapack_complex_float *x, lapack_int ldx, float *ferr, float *berr);
+ORB_API lapack_int LAPACKE_cgerfs_work(int matrix_layout, char trans, lapack_int n, lapack_int nrhs, const lapack_complex_float *a, lapack_int lda, const lapack_complex_float *af, lapack_int ldaf, const lapack_int *ipiv, const lapack_complex_float *b, lapack_int ldb, lapack_complex_float *x, lapack_int ldx, float *ferr, float *berr, lapack_complex_float *work, float *rwork);
+
+/* porfs */
+ORB_API lapack_int LAPACKE_sporfs(int matrix_layout, char uplo, lapack_int n, lapack_int nrhs, const float *a, lapack_int lda, const float *af, lapack_int ldaf, const float *b, lapack_int ldb, float *x, lapack_int ldx, float *ferr, float *berr);
+ORB_API lapack_int LAPACKE_sporfs_work(int matrix_layout, char uplo, lapack_int n, lapack_int nrhs, const float *a, lapack_int lda, const float *af, lapack_int ldaf, const float *b, lapack_int ldb, float *x, lapack_int ldx, float *ferr, float *berr, float *work, lapack_int *iwork);
+
+/* porfs */
+ORB_API lapack_int LAPACKE_cporfs(int matrix_layout, char uplo, lapack_int n, lapack_int nrhs, const lapack_complex_float *a, lapack_int lda, const lapack_complex_float *af, lapack_int ldaf, const lapack_complex_float *b, lapack_int ldb, lapack_complex_float *x, lapack_int ldx, float *ferr, float *berr);
+ORB_API lapack_int LAPACKE_cporfs_work(int matrix_layout, char uplo, lapack_int n, lapack_int nrhs, const lapack_complex_float *a, lapack_int lda, const lapack_complex_float *af, lapack_int ldaf, const lapack_complex_float *b, lapack_int ldb, lapack_complex_float *x, lapack_int ldx, float *ferr, float *berr, lapack_complex_float *work, float *rwork);
+
+/* syrfs */
+ORB_API lapack_int LAPACKE_ssyrfs(int matrix_layout, char uplo, lapack_int n, lapack_int nrhs, const float *a, lapack_int lda, const float *af, lapack_int ldaf, const lapack_int *ipiv, const float *b, lapack_int ldb, float *x, lapack_int ldx, float *ferr, float *berr);
+ORB_API lapack_int LAPACKE_ssyrfs_work(int matrix_layout, char uplo, lapack_int n, lapack_int nrhs, const float *a, lapack_int lda, const float *af, lapack_int ldaf, const lapack_int *ipiv, const float *b, lapack_int ldb, float *x, lapack_int ldx, float *ferr, float *berr, float *work, lapack_int *iwork);
+
+/* syrfs */
+ORB_API lapack_int LAPACKE_csyrfs(int matrix_layout, char uplo, lapack_int n, lapack_int nrhs, const lapack_complex_float *a, lapack_int lda, const lapack_complex_float *af, lapack_int ldaf, const lapack_int *ipiv, const lapack_complex_float *b, lapack_int ldb, lapack_complex_float *x, lapack_int ldx, float *ferr, float *berr);
+ORB_API lapack_int LAPACKE_csyrfs_work(int matrix_layout, char uplo, lapack_int n, lapack_int nrhs, const lapack_complex_float *a, lapack_int lda, const lapack_complex_float *af, lapack_int ldaf, const lapack_int *ipiv, const lapack_complex_float *b, lapack_int ldb, lapack_complex_float *x, lapack_int ldx, float *ferr, float *berr, lapack_complex_float *work, float *rwork);
+
+/* herfs */
+ORB_API lapack_int LAPACKE_cherfs(int matrix_layout, char uplo, lapack_int n, lapack_int nrhs, const lapack_complex_float *a, lapack_int lda, const lapack_complex_float *af, lapack_int ldaf, const lapack_int *ipiv, const lapack_complex_float *b, lapack_int ldb, lapack_complex_float *x, lapack_int ldx, float *ferr, float *berr);
+ORB_API lapack_int LAPACKE_cherfs_work(int matrix_layout, char uplo, lapack_int n, lapack_int nrhs, const lapack_complex_float *a, lapack_int lda, const lapack_complex_float *af, lapack_int ldaf, const lapack_int *ipiv, const lapack_complex_float *b, lapack_int ldb, lapack_complex_float *x, lapack_int ldx, float *ferr, float *berr, lapack_complex_float *work, float *rwork);
+
+/* gbrfs */
+ORB_API lapack_int LAPACKE_sgbrfs(int matrix_layout, char trans, lapack_int n, lapack_int kl, lapack_int ku, lapack_int nrhs, const float *ab, lapack_int ldab, const float *afb, lapack_int ldafb, const lapack_int *ipiv, const float *b, lapack_int ldb, float *x, lapack_int ldx, float *ferr, float *berr);
+ORB_API lapack_int LAPACKE_sgbrfs_work(int matrix_layout, char trans, lapack_int n, lapack_int kl, lapack_int ku, lapack_int nrhs, const float *ab, lapack_int ldab, const float *afb, lapack_int ldafb, const lapack_int *ipiv, const float *b, lapack_int ldb, float *x, lapack_int ldx, float *ferr, float *berr, float *work, lapack_int *iwork);
+
+/* gbrfs */
+ORB_API lapack_int LAPACKE_cgbrfs(int matrix_layout, char trans, lapack_int n, lapack_int kl, lapack_int ku, lapack_int nrhs, const lapack_complex_float *ab, lapack_int ldab, const lapack_complex_float *afb, lapack_int ldafb, const lapack_int *ipiv, const lapack_complex_float *b, lapack_int ldb, lapack_complex_float *x, lapack_int ldx, float *ferr, float *berr);
+ORB_API lapack_int LAPACKE_cgbrfs_work(int matrix_layout, char trans, lapack_int n, lapack_int kl, lapack_int ku, lapack_int nrhs, const lapack_complex_float *ab, lapack_int ldab, const lapack_complex_float *afb, lapack_int ldafb, const lapack_int *ipiv, const lapack_complex_float *b, lapack_int ldb, lapack_complex_float *x, lapack_int ldx, float *ferr, float *berr, lapack_complex_float *work, float *rwork);
+
+/* pbrfs */
+ORB_API lapack_int LAPACKE_spbrfs(int matrix_layout, char uplo, lapack_int n, lapack_int kd, lapack_int nrhs, const float *ab, lapack_int ldab, const float *afb, lapack_int ldafb, const float *b, lapack_int ldb, float *x, lapack_int ldx, float *ferr, float *berr);
+ORB_API lapack_int LAPACKE_spbrfs_work(int matrix_layout, char uplo, lapack_int n, lapack_int kd, lapack_int nrhs, const float *ab, lapack_int ldab, const float *afb, lapack_int ldafb, const float *b, lapack_int ldb, float *x, lapack_int ldx, float *ferr, float *berr, float *work, lapack_int *iwork);
+
+/* pbrfs */
+ORB_API lapack_int LAPACKE_cpbrfs(int matrix_layout, char uplo, lapack_int n, lapack_int kd, lapack_int nrhs, const lapack_complex_float *ab, lapack_int ldab, const lapack_complex_float *afb, lapack_int ldafb, const lapack_complex_float *b, lapack_int ldb, lapack_complex_float *x, lapack_int ldx, float *ferr, float *berr);
+ORB_API lapack_int LAPACKE_cpbrfs_work(int matrix_layout, char uplo, lapack_int n, lapack_int kd, lapack_int nrhs, const lapack_complex_float *ab, lapack_int ldab, const lapack_complex_float *afb, lapack_int ldafb, const lapack_complex_float *b, lapack_int ldb, lapack_complex_float *x, lapack_int ldx, float *ferr, float *berr, lapack_complex_float *work, float *rwork);
+
+/* trrfs */
+ORB_API lapack_int LAPACKE_strrfs(int matrix_layout, char uplo, char trans, char diag, lapack_int n, lapack_int nrhs, const float *a, lapack_int lda, const float *b, lapack_int ldb, const float *x, lapack_int ldx, float *ferr, float *berr);
+ORB_API lapack_int LAPACKE_strrfs_work(int matrix_layout, char uplo, char trans, char diag, lapack_int n, lapack_int nrhs, const float *a, lapack_int lda, const float *b, lapack_int ldb, const float *x, lapack_int ldx, float *ferr, float *berr, float *work, lapack_int *iwork);
+
+/* trrfs */
+ORB_API lapack_int LAPACKE_ctrrfs(int matrix_layout, char uplo, char trans, char diag, lapack_int n, lapack_int nrhs, const lapack_complex_float *a, lapack_int lda, const lapack_complex_float *b, lapack_int ldb, const lapack_complex_float *x, lapack_int ldx, float *ferr, float *berr);
+ORB_API lapack_int LAPACKE_ctrrfs_work(int matrix_layout, char uplo, char trans, char diag, lapack_int n, lapack_int nrhs, const lapack_complex_float *a, lapack_int lda, const lapack_complex_float *b, lapack_int ldb, const lapack_complex_float *x, lapack_int ldx, float *ferr, float *berr, lapack_complex_float *work, float *rwork);
+
+/* sytri */
+ORB_API lapack_int LAPACKE_ssytri(int matrix_layout, char uplo, lapack_int n, float *a, lapack_int lda, const lapack_int *ipiv);
+ORB_API lapack_int LAPACKE_ssytri_work(int matrix_layout, char uplo, lapack_int n, float *a, lapack_int lda, const lapack_int *ipiv, float *work);
+ORB_API lapack_int LAPACKE_csytri(int matrix_layout, char uplo, lapack_int n, lapack_complex_float *a, lapack_int lda, const lapack_int *ipiv);
+ORB_API lapack_int LAPACKE_csytri_work(int matrix_layout, char uplo, lapack_int n, lapack_complex_float *a, lapack_int lda, const lapack_int *ipiv, lapack_complex_float *work);
+
+/* hetri */
+ORB_API lapack_int LAPACKE_chetri(int matrix_layout, char uplo, lapack_int n, lapack_complex_float *a, lapack_int lda, const lapack_int *ipiv);
+ORB_API lapack_int LAPACKE_chetri_work(int matrix_layout, char uplo, lapack_int n, lapack_complex_float *a, lapack_int lda, const lapack_int *ipiv, lapack_complex_float *work);
+
+/* sygst */
+ORB_API lapack_int LAPACKE_ssygst(int matrix_layout, lapack_int itype, char uplo, lapack_int n, float *a, lapack_int lda, const float *b, lapack_int ldb);
+ORB_API lapack_int LAPACKE_ssygst_work(int matrix_layout, lapack_int itype, char uplo, lapack_int n, float *a, lapack_int lda, const float *b, lapack_int ldb);
+
+/* hegst */
+ORB_API lapack_int LAPACKE_chegst(int matrix_layout, lapack_int itype, char uplo, lapack_int n, lapack_complex_float *a, lapack_int lda, const lapack_complex_float *b, lapack_int ldb);
+ORB_API lapack_int LAPACKE_chegst_work(int matrix_layout, lapack_int itype, char uplo, lapack_int n, lapack_complex_float *a, lapack_int lda, const lapack_complex_float *b, lapack_int ldb);
+
+/* ormtr */
+ORB_API lapack_int LAPACKE_sormtr(int matrix_layout, char side, char uplo, char trans, lapack_int m, lapack_int n, const float *a, lapack_int lda, const float *tau, float *c, lapack_int ldc);
+ORB_API lapack_int LAPACKE_sormtr_work(int matrix_layout, char side, char uplo, char trans, lapack_int m, lapack_int n, const float *a, lapack_int lda, const float *tau, float *c, lapack_int ldc, float *work, lapack_int lwork);
+
+/* unmtr */
+ORB_API lapack_int LAPACKE_cunmtr(int matrix_layout, char side, char uplo, char trans, lapack_int m, lapack_int n, const lapack_complex_float *a, lapack_int lda, const lapack_complex_float *tau, lapack_complex_float *c, lapack_int ldc);
+ORB_API lapack_int LAPACKE_cunmtr_work(int matrix_layout, char side, char uplo, char trans, lapack_int m, lapack_int n, const lapack_complex_float *a, lapack_int lda, const lapack_complex_float *tau, lapack_complex_float *c, lapack_int ldc, lapack_complex_float *work, lapack_int lwork);
+
 #ifdef __cplusplus
 }
 #endif

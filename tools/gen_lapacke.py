@@ -54,10 +54,13 @@ def split_top(shape):
 AUX = {"iwork": "lapack_int", "rwork": "float", "swork": None}
 # Workspaces sized by the query: the element type (None: the scalar type).
 QUERIED = {"work": None, "rworkq": "float", "iworkq": "lapack_int"}
+# Workspaces whose length the same query returns in their own first element,
+# with no length argument.
+FIRST = {"rworkz": "float", "iworkz": "lapack_int"}
 
 
 def elem(p, a):
-    return QUERIED[a.kind] or C_TYPE[p]
+    return FIRST[a.kind] if a.kind in FIRST else QUERIED[a.kind] or C_TYPE[p]
 
 
 def aux_type(p, a):
@@ -81,7 +84,7 @@ def c_params(p, args, with_work):
             out.append(f"char {a.name}")
         elif a.kind == "ge" or a.kind == "vout":
             out.append(f"{t} *{a.name}")
-        elif a.kind in ("gein", "vin"):
+        elif a.kind in ("gein", "geinx", "vin"):
             out.append(f"const {t} *{a.name}")
         elif a.kind == "iout":
             out.append(f"lapack_int *{a.name}")
@@ -91,6 +94,10 @@ def c_params(p, args, with_work):
             if not with_work:
                 continue
             out.append(f"{aux_type(p, a)} *{a.name}")
+        elif a.kind in FIRST:
+            if not with_work:
+                continue
+            out.append(f"{FIRST[a.kind]} *{a.name}")
         elif a.kind == "superb":
             if with_work:
                 continue
@@ -142,7 +149,7 @@ def work_body(p, routine, args):
     copy = "row && !query" if has_work else "row"
     mats = []
     for i, a in enumerate(args):
-        if a.kind in ("ge", "gein"):
+        if a.kind in ("ge", "gein", "geinx"):
             ld = args[i + 1]
             rows, cols = (cxx_expr(s) for s in split_top(a.shape))
             lines.append(f"  if (row && {ld.name} < std::max<lapack_int>(1, {cols})) "
@@ -150,8 +157,8 @@ def work_body(p, routine, args):
             mats.append((a, ld, rows, cols))
     lines.append("  try {")
     for a, ld, rows, cols in mats:
-        const = "const " if a.kind == "gein" else ""
-        write = "false" if a.kind == "gein" else "true"
+        const = "" if a.kind == "ge" else "const "
+        write = "true" if a.kind == "ge" else "false"
         lines.append(f"    ColMajor<{const}{C_TYPE[p]}> {a.name}_(row, {copy}, {rows}, {cols}, "
                      f"{a.name}, {ld.name}, {write});")
     call = []
@@ -171,9 +178,12 @@ def work_body(p, routine, args):
         elif a.kind == "gein":
             call.append(f"reinterpret_cast<const {f} *>({a.name}_.data())")
             call.append(f"{a.name}_.ld()")
+        elif a.kind == "geinx":
+            call.append(f"reinterpret_cast<{f} *>(const_cast<{C_TYPE[p]} *>({a.name}_.data()))")
+            call.append(f"{a.name}_.ld()")
         elif a.kind == "swork":
             call.append(f"reinterpret_cast<{f} *>({a.name})")
-        elif a.kind in ("iout", "iin", "rout") or a.kind in AUX:
+        elif a.kind in ("iout", "iin", "rout") or a.kind in AUX or a.kind in FIRST:
             call.append(a.name)
         elif a.kind == "vout":
             call.append(f"reinterpret_cast<{f} *>({a.name})")
@@ -199,7 +209,7 @@ def work_body(p, routine, args):
 def high_body(p, routine, args):
     name = f"LAPACKE_{p}{routine}"
     aux = [a for a in args if a.kind in AUX]
-    queried = [a for a in args if a.kind in QUERIED]
+    queried = [a for a in args if a.kind in QUERIED or a.kind in FIRST]
     superb = [a for a in args if a.kind == "superb"]
     lines = [f"  if (!layout_ok(matrix_layout)) return report(\"{name}\", 1);"]
     if not queried and not aux:
@@ -222,6 +232,8 @@ def high_body(p, routine, args):
         for a in args:
             if a.kind in QUERIED:
                 out += [f"&{a.name}_size", "-1"] if query else [f"{a.name}.data()", f"l{a.name}"]
+            elif a.kind in FIRST:
+                out.append(f"&{a.name}_size" if query else f"{a.name}.data()")
             elif a.kind in AUX:
                 out.append(f"{a.name}.data()")
             elif a.kind != "superb":

@@ -2124,4 +2124,708 @@ lapack_int LAPACKE_cheevx(int matrix_layout, char jobz, char range, char uplo, l
   return LAPACKE_cheevx_work(matrix_layout, jobz, range, uplo, n, a, lda, vl, vu, il, iu, abstol, m, w, z, ldz, work.data(), lwork, rwork.data(), iwork.data(), ifail);
 }
 
+lapack_int LAPACKE_sgelsd_work(int matrix_layout, lapack_int m, lapack_int n, lapack_int nrhs, float *a, lapack_int lda, float *b, lapack_int ldb, float *s, float rcond, lapack_int *rank, float *work, lapack_int lwork, lapack_int *iwork) {
+  const char *self = "LAPACKE_sgelsd_work";
+  if (!layout_ok(matrix_layout)) return report(self, 1);
+  const bool row = matrix_layout == LAPACK_ROW_MAJOR;
+  const bool query = lwork == -1;
+  if (row && lda < std::max<lapack_int>(1, n)) return report(self, 6);
+  if (row && ldb < std::max<lapack_int>(1, nrhs)) return report(self, 8);
+  try {
+    ColMajor<float> a_(row, row && !query, m, n, a, lda, true);
+    ColMajor<float> b_(row, row && !query, std::max<lapack_int>(m,n), nrhs, b, ldb, true);
+    lapack_int info = 0;
+    ::sgelsd(&m, &n, &nrhs, reinterpret_cast<float *>(a_.data()), a_.ld(), reinterpret_cast<float *>(b_.data()), b_.ld(), s, &rcond, rank, reinterpret_cast<float *>(work), &lwork, iwork, &info);
+    return info < 0 ? info - 1 : info;
+  } catch (const std::bad_alloc &) {
+    return out_of_memory(self, LAPACK_TRANSPOSE_MEMORY_ERROR);
+  }
+}
+
+lapack_int LAPACKE_sgelsd(int matrix_layout, lapack_int m, lapack_int n, lapack_int nrhs, float *a, lapack_int lda, float *b, lapack_int ldb, float *s, float rcond, lapack_int *rank) {
+  if (!layout_ok(matrix_layout)) return report("LAPACKE_sgelsd", 1);
+  float work_size{};
+  lapack_int iwork_size{};
+  lapack_int info = LAPACKE_sgelsd_work(matrix_layout, m, n, nrhs, a, lda, b, ldb, s, rcond, rank, &work_size, -1, &iwork_size);
+  if (info != 0) return info;
+  std::vector<float> work;
+  lapack_int lwork = workspace_length(work_size);
+  std::vector<lapack_int> iwork;
+  lapack_int liwork = workspace_length(iwork_size);
+  try {
+    work.resize(static_cast<std::size_t>(lwork));
+    iwork.resize(static_cast<std::size_t>(liwork));
+  } catch (const std::bad_alloc &) {
+    return out_of_memory("LAPACKE_sgelsd", LAPACK_WORK_MEMORY_ERROR);
+  }
+  return LAPACKE_sgelsd_work(matrix_layout, m, n, nrhs, a, lda, b, ldb, s, rcond, rank, work.data(), lwork, iwork.data());
+}
+
+lapack_int LAPACKE_cgelsd_work(int matrix_layout, lapack_int m, lapack_int n, lapack_int nrhs, lapack_complex_float *a, lapack_int lda, lapack_complex_float *b, lapack_int ldb, float *s, float rcond, lapack_int *rank, lapack_complex_float *work, lapack_int lwork, float *rwork, lapack_int *iwork) {
+  const char *self = "LAPACKE_cgelsd_work";
+  if (!layout_ok(matrix_layout)) return report(self, 1);
+  const bool row = matrix_layout == LAPACK_ROW_MAJOR;
+  const bool query = lwork == -1;
+  if (row && lda < std::max<lapack_int>(1, n)) return report(self, 6);
+  if (row && ldb < std::max<lapack_int>(1, nrhs)) return report(self, 8);
+  try {
+    ColMajor<lapack_complex_float> a_(row, row && !query, m, n, a, lda, true);
+    ColMajor<lapack_complex_float> b_(row, row && !query, std::max<lapack_int>(m,n), nrhs, b, ldb, true);
+    lapack_int info = 0;
+    ::cgelsd(&m, &n, &nrhs, reinterpret_cast<orb_complex8 *>(a_.data()), a_.ld(), reinterpret_cast<orb_complex8 *>(b_.data()), b_.ld(), s, &rcond, rank, reinterpret_cast<orb_complex8 *>(work), &lwork, rwork, iwork, &info);
+    return info < 0 ? info - 1 : info;
+  } catch (const std::bad_alloc &) {
+    return out_of_memory(self, LAPACK_TRANSPOSE_MEMORY_ERROR);
+  }
+}
+
+lapack_int LAPACKE_cgelsd(int matrix_layout, lapack_int m, lapack_int n, lapack_int nrhs, lapack_complex_float *a, lapack_int lda, lapack_complex_float *b, lapack_int ldb, float *s, float rcond, lapack_int *rank) {
+  if (!layout_ok(matrix_layout)) return report("LAPACKE_cgelsd", 1);
+  lapack_complex_float work_size{};
+  float rwork_size{};
+  lapack_int iwork_size{};
+  lapack_int info = LAPACKE_cgelsd_work(matrix_layout, m, n, nrhs, a, lda, b, ldb, s, rcond, rank, &work_size, -1, &rwork_size, &iwork_size);
+  if (info != 0) return info;
+  std::vector<lapack_complex_float> work;
+  lapack_int lwork = workspace_length(work_size);
+  std::vector<float> rwork;
+  lapack_int lrwork = workspace_length(rwork_size);
+  std::vector<lapack_int> iwork;
+  lapack_int liwork = workspace_length(iwork_size);
+  try {
+    work.resize(static_cast<std::size_t>(lwork));
+    rwork.resize(static_cast<std::size_t>(lrwork));
+    iwork.resize(static_cast<std::size_t>(liwork));
+  } catch (const std::bad_alloc &) {
+    return out_of_memory("LAPACKE_cgelsd", LAPACK_WORK_MEMORY_ERROR);
+  }
+  return LAPACKE_cgelsd_work(matrix_layout, m, n, nrhs, a, lda, b, ldb, s, rcond, rank, work.data(), lwork, rwork.data(), iwork.data());
+}
+
+lapack_int LAPACKE_sgerfs_work(int matrix_layout, char trans, lapack_int n, lapack_int nrhs, const float *a, lapack_int lda, const float *af, lapack_int ldaf, const lapack_int *ipiv, const float *b, lapack_int ldb, float *x, lapack_int ldx, float *ferr, float *berr, float *work, lapack_int *iwork) {
+  const char *self = "LAPACKE_sgerfs_work";
+  if (!layout_ok(matrix_layout)) return report(self, 1);
+  const bool row = matrix_layout == LAPACK_ROW_MAJOR;
+  if (row && lda < std::max<lapack_int>(1, n)) return report(self, 6);
+  if (row && ldaf < std::max<lapack_int>(1, n)) return report(self, 8);
+  if (row && ldb < std::max<lapack_int>(1, nrhs)) return report(self, 11);
+  if (row && ldx < std::max<lapack_int>(1, nrhs)) return report(self, 13);
+  try {
+    ColMajor<const float> a_(row, row, n, n, a, lda, false);
+    ColMajor<const float> af_(row, row, n, n, af, ldaf, false);
+    ColMajor<const float> b_(row, row, n, nrhs, b, ldb, false);
+    ColMajor<float> x_(row, row, n, nrhs, x, ldx, true);
+    lapack_int info = 0;
+    ::sgerfs(&trans, &n, &nrhs, reinterpret_cast<const float *>(a_.data()), a_.ld(), reinterpret_cast<const float *>(af_.data()), af_.ld(), ipiv, reinterpret_cast<const float *>(b_.data()), b_.ld(), reinterpret_cast<float *>(x_.data()), x_.ld(), ferr, berr, reinterpret_cast<float *>(work), iwork, &info, 1);
+    return info < 0 ? info - 1 : info;
+  } catch (const std::bad_alloc &) {
+    return out_of_memory(self, LAPACK_TRANSPOSE_MEMORY_ERROR);
+  }
+}
+
+lapack_int LAPACKE_sgerfs(int matrix_layout, char trans, lapack_int n, lapack_int nrhs, const float *a, lapack_int lda, const float *af, lapack_int ldaf, const lapack_int *ipiv, const float *b, lapack_int ldb, float *x, lapack_int ldx, float *ferr, float *berr) {
+  if (!layout_ok(matrix_layout)) return report("LAPACKE_sgerfs", 1);
+  std::vector<float> work;
+  std::vector<lapack_int> iwork;
+  try {
+    work.resize(static_cast<std::size_t>(std::max<lapack_int>(1, 3*n)));
+    iwork.resize(static_cast<std::size_t>(std::max<lapack_int>(1, n)));
+  } catch (const std::bad_alloc &) {
+    return out_of_memory("LAPACKE_sgerfs", LAPACK_WORK_MEMORY_ERROR);
+  }
+  return LAPACKE_sgerfs_work(matrix_layout, trans, n, nrhs, a, lda, af, ldaf, ipiv, b, ldb, x, ldx, ferr, berr, work.data(), iwork.data());
+}
+
+lapack_int LAPACKE_cgerfs_work(int matrix_layout, char trans, lapack_int n, lapack_int nrhs, const lapack_complex_float *a, lapack_int lda, const lapack_complex_float *af, lapack_int ldaf, const lapack_int *ipiv, const lapack_complex_float *b, lapack_int ldb, lapack_complex_float *x, lapack_int ldx, float *ferr, float *berr, lapack_complex_float *work, float *rwork) {
+  const char *self = "LAPACKE_cgerfs_work";
+  if (!layout_ok(matrix_layout)) return report(self, 1);
+  const bool row = matrix_layout == LAPACK_ROW_MAJOR;
+  if (row && lda < std::max<lapack_int>(1, n)) return report(self, 6);
+  if (row && ldaf < std::max<lapack_int>(1, n)) return report(self, 8);
+  if (row && ldb < std::max<lapack_int>(1, nrhs)) return report(self, 11);
+  if (row && ldx < std::max<lapack_int>(1, nrhs)) return report(self, 13);
+  try {
+    ColMajor<const lapack_complex_float> a_(row, row, n, n, a, lda, false);
+    ColMajor<const lapack_complex_float> af_(row, row, n, n, af, ldaf, false);
+    ColMajor<const lapack_complex_float> b_(row, row, n, nrhs, b, ldb, false);
+    ColMajor<lapack_complex_float> x_(row, row, n, nrhs, x, ldx, true);
+    lapack_int info = 0;
+    ::cgerfs(&trans, &n, &nrhs, reinterpret_cast<const orb_complex8 *>(a_.data()), a_.ld(), reinterpret_cast<const orb_complex8 *>(af_.data()), af_.ld(), ipiv, reinterpret_cast<const orb_complex8 *>(b_.data()), b_.ld(), reinterpret_cast<orb_complex8 *>(x_.data()), x_.ld(), ferr, berr, reinterpret_cast<orb_complex8 *>(work), rwork, &info, 1);
+    return info < 0 ? info - 1 : info;
+  } catch (const std::bad_alloc &) {
+    return out_of_memory(self, LAPACK_TRANSPOSE_MEMORY_ERROR);
+  }
+}
+
+lapack_int LAPACKE_cgerfs(int matrix_layout, char trans, lapack_int n, lapack_int nrhs, const lapack_complex_float *a, lapack_int lda, const lapack_complex_float *af, lapack_int ldaf, const lapack_int *ipiv, const lapack_complex_float *b, lapack_int ldb, lapack_complex_float *x, lapack_int ldx, float *ferr, float *berr) {
+  if (!layout_ok(matrix_layout)) return report("LAPACKE_cgerfs", 1);
+  std::vector<lapack_complex_float> work;
+  std::vector<float> rwork;
+  try {
+    work.resize(static_cast<std::size_t>(std::max<lapack_int>(1, 2*n)));
+    rwork.resize(static_cast<std::size_t>(std::max<lapack_int>(1, n)));
+  } catch (const std::bad_alloc &) {
+    return out_of_memory("LAPACKE_cgerfs", LAPACK_WORK_MEMORY_ERROR);
+  }
+  return LAPACKE_cgerfs_work(matrix_layout, trans, n, nrhs, a, lda, af, ldaf, ipiv, b, ldb, x, ldx, ferr, berr, work.data(), rwork.data());
+}
+
+lapack_int LAPACKE_sporfs_work(int matrix_layout, char uplo, lapack_int n, lapack_int nrhs, const float *a, lapack_int lda, const float *af, lapack_int ldaf, const float *b, lapack_int ldb, float *x, lapack_int ldx, float *ferr, float *berr, float *work, lapack_int *iwork) {
+  const char *self = "LAPACKE_sporfs_work";
+  if (!layout_ok(matrix_layout)) return report(self, 1);
+  const bool row = matrix_layout == LAPACK_ROW_MAJOR;
+  if (row && lda < std::max<lapack_int>(1, n)) return report(self, 6);
+  if (row && ldaf < std::max<lapack_int>(1, n)) return report(self, 8);
+  if (row && ldb < std::max<lapack_int>(1, nrhs)) return report(self, 10);
+  if (row && ldx < std::max<lapack_int>(1, nrhs)) return report(self, 12);
+  try {
+    ColMajor<const float> a_(row, row, n, n, a, lda, false);
+    ColMajor<const float> af_(row, row, n, n, af, ldaf, false);
+    ColMajor<const float> b_(row, row, n, nrhs, b, ldb, false);
+    ColMajor<float> x_(row, row, n, nrhs, x, ldx, true);
+    lapack_int info = 0;
+    ::sporfs(&uplo, &n, &nrhs, reinterpret_cast<const float *>(a_.data()), a_.ld(), reinterpret_cast<const float *>(af_.data()), af_.ld(), reinterpret_cast<const float *>(b_.data()), b_.ld(), reinterpret_cast<float *>(x_.data()), x_.ld(), ferr, berr, reinterpret_cast<float *>(work), iwork, &info, 1);
+    return info < 0 ? info - 1 : info;
+  } catch (const std::bad_alloc &) {
+    return out_of_memory(self, LAPACK_TRANSPOSE_MEMORY_ERROR);
+  }
+}
+
+lapack_int LAPACKE_sporfs(int matrix_layout, char uplo, lapack_int n, lapack_int nrhs, const float *a, lapack_int lda, const float *af, lapack_int ldaf, const float *b, lapack_int ldb, float *x, lapack_int ldx, float *ferr, float *berr) {
+  if (!layout_ok(matrix_layout)) return report("LAPACKE_sporfs", 1);
+  std::vector<float> work;
+  std::vector<lapack_int> iwork;
+  try {
+    work.resize(static_cast<std::size_t>(std::max<lapack_int>(1, 3*n)));
+    iwork.resize(static_cast<std::size_t>(std::max<lapack_int>(1, n)));
+  } catch (const std::bad_alloc &) {
+    return out_of_memory("LAPACKE_sporfs", LAPACK_WORK_MEMORY_ERROR);
+  }
+  return LAPACKE_sporfs_work(matrix_layout, uplo, n, nrhs, a, lda, af, ldaf, b, ldb, x, ldx, ferr, berr, work.data(), iwork.data());
+}
+
+lapack_int LAPACKE_cporfs_work(int matrix_layout, char uplo, lapack_int n, lapack_int nrhs, const lapack_complex_float *a, lapack_int lda, const lapack_complex_float *af, lapack_int ldaf, const lapack_complex_float *b, lapack_int ldb, lapack_complex_float *x, lapack_int ldx, float *ferr, float *berr, lapack_complex_float *work, float *rwork) {
+  const char *self = "LAPACKE_cporfs_work";
+  if (!layout_ok(matrix_layout)) return report(self, 1);
+  const bool row = matrix_layout == LAPACK_ROW_MAJOR;
+  if (row && lda < std::max<lapack_int>(1, n)) return report(self, 6);
+  if (row && ldaf < std::max<lapack_int>(1, n)) return report(self, 8);
+  if (row && ldb < std::max<lapack_int>(1, nrhs)) return report(self, 10);
+  if (row && ldx < std::max<lapack_int>(1, nrhs)) return report(self, 12);
+  try {
+    ColMajor<const lapack_complex_float> a_(row, row, n, n, a, lda, false);
+    ColMajor<const lapack_complex_float> af_(row, row, n, n, af, ldaf, false);
+    ColMajor<const lapack_complex_float> b_(row, row, n, nrhs, b, ldb, false);
+    ColMajor<lapack_complex_float> x_(row, row, n, nrhs, x, ldx, true);
+    lapack_int info = 0;
+    ::cporfs(&uplo, &n, &nrhs, reinterpret_cast<const orb_complex8 *>(a_.data()), a_.ld(), reinterpret_cast<const orb_complex8 *>(af_.data()), af_.ld(), reinterpret_cast<const orb_complex8 *>(b_.data()), b_.ld(), reinterpret_cast<orb_complex8 *>(x_.data()), x_.ld(), ferr, berr, reinterpret_cast<orb_complex8 *>(work), rwork, &info, 1);
+    return info < 0 ? info - 1 : info;
+  } catch (const std::bad_alloc &) {
+    return out_of_memory(self, LAPACK_TRANSPOSE_MEMORY_ERROR);
+  }
+}
+
+lapack_int LAPACKE_cporfs(int matrix_layout, char uplo, lapack_int n, lapack_int nrhs, const lapack_complex_float *a, lapack_int lda, const lapack_complex_float *af, lapack_int ldaf, const lapack_complex_float *b, lapack_int ldb, lapack_complex_float *x, lapack_int ldx, float *ferr, float *berr) {
+  if (!layout_ok(matrix_layout)) return report("LAPACKE_cporfs", 1);
+  std::vector<lapack_complex_float> work;
+  std::vector<float> rwork;
+  try {
+    work.resize(static_cast<std::size_t>(std::max<lapack_int>(1, 2*n)));
+    rwork.resize(static_cast<std::size_t>(std::max<lapack_int>(1, n)));
+  } catch (const std::bad_alloc &) {
+    return out_of_memory("LAPACKE_cporfs", LAPACK_WORK_MEMORY_ERROR);
+  }
+  return LAPACKE_cporfs_work(matrix_layout, uplo, n, nrhs, a, lda, af, ldaf, b, ldb, x, ldx, ferr, berr, work.data(), rwork.data());
+}
+
+lapack_int LAPACKE_ssyrfs_work(int matrix_layout, char uplo, lapack_int n, lapack_int nrhs, const float *a, lapack_int lda, const float *af, lapack_int ldaf, const lapack_int *ipiv, const float *b, lapack_int ldb, float *x, lapack_int ldx, float *ferr, float *berr, float *work, lapack_int *iwork) {
+  const char *self = "LAPACKE_ssyrfs_work";
+  if (!layout_ok(matrix_layout)) return report(self, 1);
+  const bool row = matrix_layout == LAPACK_ROW_MAJOR;
+  if (row && lda < std::max<lapack_int>(1, n)) return report(self, 6);
+  if (row && ldaf < std::max<lapack_int>(1, n)) return report(self, 8);
+  if (row && ldb < std::max<lapack_int>(1, nrhs)) return report(self, 11);
+  if (row && ldx < std::max<lapack_int>(1, nrhs)) return report(self, 13);
+  try {
+    ColMajor<const float> a_(row, row, n, n, a, lda, false);
+    ColMajor<const float> af_(row, row, n, n, af, ldaf, false);
+    ColMajor<const float> b_(row, row, n, nrhs, b, ldb, false);
+    ColMajor<float> x_(row, row, n, nrhs, x, ldx, true);
+    lapack_int info = 0;
+    ::ssyrfs(&uplo, &n, &nrhs, reinterpret_cast<const float *>(a_.data()), a_.ld(), reinterpret_cast<const float *>(af_.data()), af_.ld(), ipiv, reinterpret_cast<const float *>(b_.data()), b_.ld(), reinterpret_cast<float *>(x_.data()), x_.ld(), ferr, berr, reinterpret_cast<float *>(work), iwork, &info, 1);
+    return info < 0 ? info - 1 : info;
+  } catch (const std::bad_alloc &) {
+    return out_of_memory(self, LAPACK_TRANSPOSE_MEMORY_ERROR);
+  }
+}
+
+lapack_int LAPACKE_ssyrfs(int matrix_layout, char uplo, lapack_int n, lapack_int nrhs, const float *a, lapack_int lda, const float *af, lapack_int ldaf, const lapack_int *ipiv, const float *b, lapack_int ldb, float *x, lapack_int ldx, float *ferr, float *berr) {
+  if (!layout_ok(matrix_layout)) return report("LAPACKE_ssyrfs", 1);
+  std::vector<float> work;
+  std::vector<lapack_int> iwork;
+  try {
+    work.resize(static_cast<std::size_t>(std::max<lapack_int>(1, 3*n)));
+    iwork.resize(static_cast<std::size_t>(std::max<lapack_int>(1, n)));
+  } catch (const std::bad_alloc &) {
+    return out_of_memory("LAPACKE_ssyrfs", LAPACK_WORK_MEMORY_ERROR);
+  }
+  return LAPACKE_ssyrfs_work(matrix_layout, uplo, n, nrhs, a, lda, af, ldaf, ipiv, b, ldb, x, ldx, ferr, berr, work.data(), iwork.data());
+}
+
+lapack_int LAPACKE_csyrfs_work(int matrix_layout, char uplo, lapack_int n, lapack_int nrhs, const lapack_complex_float *a, lapack_int lda, const lapack_complex_float *af, lapack_int ldaf, const lapack_int *ipiv, const lapack_complex_float *b, lapack_int ldb, lapack_complex_float *x, lapack_int ldx, float *ferr, float *berr, lapack_complex_float *work, float *rwork) {
+  const char *self = "LAPACKE_csyrfs_work";
+  if (!layout_ok(matrix_layout)) return report(self, 1);
+  const bool row = matrix_layout == LAPACK_ROW_MAJOR;
+  if (row && lda < std::max<lapack_int>(1, n)) return report(self, 6);
+  if (row && ldaf < std::max<lapack_int>(1, n)) return report(self, 8);
+  if (row && ldb < std::max<lapack_int>(1, nrhs)) return report(self, 11);
+  if (row && ldx < std::max<lapack_int>(1, nrhs)) return report(self, 13);
+  try {
+    ColMajor<const lapack_complex_float> a_(row, row, n, n, a, lda, false);
+    ColMajor<const lapack_complex_float> af_(row, row, n, n, af, ldaf, false);
+    ColMajor<const lapack_complex_float> b_(row, row, n, nrhs, b, ldb, false);
+    ColMajor<lapack_complex_float> x_(row, row, n, nrhs, x, ldx, true);
+    lapack_int info = 0;
+    ::csyrfs(&uplo, &n, &nrhs, reinterpret_cast<const orb_complex8 *>(a_.data()), a_.ld(), reinterpret_cast<const orb_complex8 *>(af_.data()), af_.ld(), ipiv, reinterpret_cast<const orb_complex8 *>(b_.data()), b_.ld(), reinterpret_cast<orb_complex8 *>(x_.data()), x_.ld(), ferr, berr, reinterpret_cast<orb_complex8 *>(work), rwork, &info, 1);
+    return info < 0 ? info - 1 : info;
+  } catch (const std::bad_alloc &) {
+    return out_of_memory(self, LAPACK_TRANSPOSE_MEMORY_ERROR);
+  }
+}
+
+lapack_int LAPACKE_csyrfs(int matrix_layout, char uplo, lapack_int n, lapack_int nrhs, const lapack_complex_float *a, lapack_int lda, const lapack_complex_float *af, lapack_int ldaf, const lapack_int *ipiv, const lapack_complex_float *b, lapack_int ldb, lapack_complex_float *x, lapack_int ldx, float *ferr, float *berr) {
+  if (!layout_ok(matrix_layout)) return report("LAPACKE_csyrfs", 1);
+  std::vector<lapack_complex_float> work;
+  std::vector<float> rwork;
+  try {
+    work.resize(static_cast<std::size_t>(std::max<lapack_int>(1, 2*n)));
+    rwork.resize(static_cast<std::size_t>(std::max<lapack_int>(1, n)));
+  } catch (const std::bad_alloc &) {
+    return out_of_memory("LAPACKE_csyrfs", LAPACK_WORK_MEMORY_ERROR);
+  }
+  return LAPACKE_csyrfs_work(matrix_layout, uplo, n, nrhs, a, lda, af, ldaf, ipiv, b, ldb, x, ldx, ferr, berr, work.data(), rwork.data());
+}
+
+lapack_int LAPACKE_cherfs_work(int matrix_layout, char uplo, lapack_int n, lapack_int nrhs, const lapack_complex_float *a, lapack_int lda, const lapack_complex_float *af, lapack_int ldaf, const lapack_int *ipiv, const lapack_complex_float *b, lapack_int ldb, lapack_complex_float *x, lapack_int ldx, float *ferr, float *berr, lapack_complex_float *work, float *rwork) {
+  const char *self = "LAPACKE_cherfs_work";
+  if (!layout_ok(matrix_layout)) return report(self, 1);
+  const bool row = matrix_layout == LAPACK_ROW_MAJOR;
+  if (row && lda < std::max<lapack_int>(1, n)) return report(self, 6);
+  if (row && ldaf < std::max<lapack_int>(1, n)) return report(self, 8);
+  if (row && ldb < std::max<lapack_int>(1, nrhs)) return report(self, 11);
+  if (row && ldx < std::max<lapack_int>(1, nrhs)) return report(self, 13);
+  try {
+    ColMajor<const lapack_complex_float> a_(row, row, n, n, a, lda, false);
+    ColMajor<const lapack_complex_float> af_(row, row, n, n, af, ldaf, false);
+    ColMajor<const lapack_complex_float> b_(row, row, n, nrhs, b, ldb, false);
+    ColMajor<lapack_complex_float> x_(row, row, n, nrhs, x, ldx, true);
+    lapack_int info = 0;
+    ::cherfs(&uplo, &n, &nrhs, reinterpret_cast<const orb_complex8 *>(a_.data()), a_.ld(), reinterpret_cast<const orb_complex8 *>(af_.data()), af_.ld(), ipiv, reinterpret_cast<const orb_complex8 *>(b_.data()), b_.ld(), reinterpret_cast<orb_complex8 *>(x_.data()), x_.ld(), ferr, berr, reinterpret_cast<orb_complex8 *>(work), rwork, &info, 1);
+    return info < 0 ? info - 1 : info;
+  } catch (const std::bad_alloc &) {
+    return out_of_memory(self, LAPACK_TRANSPOSE_MEMORY_ERROR);
+  }
+}
+
+lapack_int LAPACKE_cherfs(int matrix_layout, char uplo, lapack_int n, lapack_int nrhs, const lapack_complex_float *a, lapack_int lda, const lapack_complex_float *af, lapack_int ldaf, const lapack_int *ipiv, const lapack_complex_float *b, lapack_int ldb, lapack_complex_float *x, lapack_int ldx, float *ferr, float *berr) {
+  if (!layout_ok(matrix_layout)) return report("LAPACKE_cherfs", 1);
+  std::vector<lapack_complex_float> work;
+  std::vector<float> rwork;
+  try {
+    work.resize(static_cast<std::size_t>(std::max<lapack_int>(1, 2*n)));
+    rwork.resize(static_cast<std::size_t>(std::max<lapack_int>(1, n)));
+  } catch (const std::bad_alloc &) {
+    return out_of_memory("LAPACKE_cherfs", LAPACK_WORK_MEMORY_ERROR);
+  }
+  return LAPACKE_cherfs_work(matrix_layout, uplo, n, nrhs, a, lda, af, ldaf, ipiv, b, ldb, x, ldx, ferr, berr, work.data(), rwork.data());
+}
+
+lapack_int LAPACKE_sgbrfs_work(int matrix_layout, char trans, lapack_int n, lapack_int kl, lapack_int ku, lapack_int nrhs, const float *ab, lapack_int ldab, const float *afb, lapack_int ldafb, const lapack_int *ipiv, const float *b, lapack_int ldb, float *x, lapack_int ldx, float *ferr, float *berr, float *work, lapack_int *iwork) {
+  const char *self = "LAPACKE_sgbrfs_work";
+  if (!layout_ok(matrix_layout)) return report(self, 1);
+  const bool row = matrix_layout == LAPACK_ROW_MAJOR;
+  if (row && ldab < std::max<lapack_int>(1, n)) return report(self, 8);
+  if (row && ldafb < std::max<lapack_int>(1, n)) return report(self, 10);
+  if (row && ldb < std::max<lapack_int>(1, nrhs)) return report(self, 13);
+  if (row && ldx < std::max<lapack_int>(1, nrhs)) return report(self, 15);
+  try {
+    ColMajor<const float> ab_(row, row, kl+ku+1, n, ab, ldab, false);
+    ColMajor<const float> afb_(row, row, 2*kl+ku+1, n, afb, ldafb, false);
+    ColMajor<const float> b_(row, row, n, nrhs, b, ldb, false);
+    ColMajor<float> x_(row, row, n, nrhs, x, ldx, true);
+    lapack_int info = 0;
+    ::sgbrfs(&trans, &n, &kl, &ku, &nrhs, reinterpret_cast<const float *>(ab_.data()), ab_.ld(), reinterpret_cast<const float *>(afb_.data()), afb_.ld(), ipiv, reinterpret_cast<const float *>(b_.data()), b_.ld(), reinterpret_cast<float *>(x_.data()), x_.ld(), ferr, berr, reinterpret_cast<float *>(work), iwork, &info, 1);
+    return info < 0 ? info - 1 : info;
+  } catch (const std::bad_alloc &) {
+    return out_of_memory(self, LAPACK_TRANSPOSE_MEMORY_ERROR);
+  }
+}
+
+lapack_int LAPACKE_sgbrfs(int matrix_layout, char trans, lapack_int n, lapack_int kl, lapack_int ku, lapack_int nrhs, const float *ab, lapack_int ldab, const float *afb, lapack_int ldafb, const lapack_int *ipiv, const float *b, lapack_int ldb, float *x, lapack_int ldx, float *ferr, float *berr) {
+  if (!layout_ok(matrix_layout)) return report("LAPACKE_sgbrfs", 1);
+  std::vector<float> work;
+  std::vector<lapack_int> iwork;
+  try {
+    work.resize(static_cast<std::size_t>(std::max<lapack_int>(1, 3*n)));
+    iwork.resize(static_cast<std::size_t>(std::max<lapack_int>(1, n)));
+  } catch (const std::bad_alloc &) {
+    return out_of_memory("LAPACKE_sgbrfs", LAPACK_WORK_MEMORY_ERROR);
+  }
+  return LAPACKE_sgbrfs_work(matrix_layout, trans, n, kl, ku, nrhs, ab, ldab, afb, ldafb, ipiv, b, ldb, x, ldx, ferr, berr, work.data(), iwork.data());
+}
+
+lapack_int LAPACKE_cgbrfs_work(int matrix_layout, char trans, lapack_int n, lapack_int kl, lapack_int ku, lapack_int nrhs, const lapack_complex_float *ab, lapack_int ldab, const lapack_complex_float *afb, lapack_int ldafb, const lapack_int *ipiv, const lapack_complex_float *b, lapack_int ldb, lapack_complex_float *x, lapack_int ldx, float *ferr, float *berr, lapack_complex_float *work, float *rwork) {
+  const char *self = "LAPACKE_cgbrfs_work";
+  if (!layout_ok(matrix_layout)) return report(self, 1);
+  const bool row = matrix_layout == LAPACK_ROW_MAJOR;
+  if (row && ldab < std::max<lapack_int>(1, n)) return report(self, 8);
+  if (row && ldafb < std::max<lapack_int>(1, n)) return report(self, 10);
+  if (row && ldb < std::max<lapack_int>(1, nrhs)) return report(self, 13);
+  if (row && ldx < std::max<lapack_int>(1, nrhs)) return report(self, 15);
+  try {
+    ColMajor<const lapack_complex_float> ab_(row, row, kl+ku+1, n, ab, ldab, false);
+    ColMajor<const lapack_complex_float> afb_(row, row, 2*kl+ku+1, n, afb, ldafb, false);
+    ColMajor<const lapack_complex_float> b_(row, row, n, nrhs, b, ldb, false);
+    ColMajor<lapack_complex_float> x_(row, row, n, nrhs, x, ldx, true);
+    lapack_int info = 0;
+    ::cgbrfs(&trans, &n, &kl, &ku, &nrhs, reinterpret_cast<const orb_complex8 *>(ab_.data()), ab_.ld(), reinterpret_cast<const orb_complex8 *>(afb_.data()), afb_.ld(), ipiv, reinterpret_cast<const orb_complex8 *>(b_.data()), b_.ld(), reinterpret_cast<orb_complex8 *>(x_.data()), x_.ld(), ferr, berr, reinterpret_cast<orb_complex8 *>(work), rwork, &info, 1);
+    return info < 0 ? info - 1 : info;
+  } catch (const std::bad_alloc &) {
+    return out_of_memory(self, LAPACK_TRANSPOSE_MEMORY_ERROR);
+  }
+}
+
+lapack_int LAPACKE_cgbrfs(int matrix_layout, char trans, lapack_int n, lapack_int kl, lapack_int ku, lapack_int nrhs, const lapack_complex_float *ab, lapack_int ldab, const lapack_complex_float *afb, lapack_int ldafb, const lapack_int *ipiv, const lapack_complex_float *b, lapack_int ldb, lapack_complex_float *x, lapack_int ldx, float *ferr, float *berr) {
+  if (!layout_ok(matrix_layout)) return report("LAPACKE_cgbrfs", 1);
+  std::vector<lapack_complex_float> work;
+  std::vector<float> rwork;
+  try {
+    work.resize(static_cast<std::size_t>(std::max<lapack_int>(1, 2*n)));
+    rwork.resize(static_cast<std::size_t>(std::max<lapack_int>(1, n)));
+  } catch (const std::bad_alloc &) {
+    return out_of_memory("LAPACKE_cgbrfs", LAPACK_WORK_MEMORY_ERROR);
+  }
+  return LAPACKE_cgbrfs_work(matrix_layout, trans, n, kl, ku, nrhs, ab, ldab, afb, ldafb, ipiv, b, ldb, x, ldx, ferr, berr, work.data(), rwork.data());
+}
+
+lapack_int LAPACKE_spbrfs_work(int matrix_layout, char uplo, lapack_int n, lapack_int kd, lapack_int nrhs, const float *ab, lapack_int ldab, const float *afb, lapack_int ldafb, const float *b, lapack_int ldb, float *x, lapack_int ldx, float *ferr, float *berr, float *work, lapack_int *iwork) {
+  const char *self = "LAPACKE_spbrfs_work";
+  if (!layout_ok(matrix_layout)) return report(self, 1);
+  const bool row = matrix_layout == LAPACK_ROW_MAJOR;
+  if (row && ldab < std::max<lapack_int>(1, n)) return report(self, 7);
+  if (row && ldafb < std::max<lapack_int>(1, n)) return report(self, 9);
+  if (row && ldb < std::max<lapack_int>(1, nrhs)) return report(self, 11);
+  if (row && ldx < std::max<lapack_int>(1, nrhs)) return report(self, 13);
+  try {
+    ColMajor<const float> ab_(row, row, kd+1, n, ab, ldab, false);
+    ColMajor<const float> afb_(row, row, kd+1, n, afb, ldafb, false);
+    ColMajor<const float> b_(row, row, n, nrhs, b, ldb, false);
+    ColMajor<float> x_(row, row, n, nrhs, x, ldx, true);
+    lapack_int info = 0;
+    ::spbrfs(&uplo, &n, &kd, &nrhs, reinterpret_cast<const float *>(ab_.data()), ab_.ld(), reinterpret_cast<const float *>(afb_.data()), afb_.ld(), reinterpret_cast<const float *>(b_.data()), b_.ld(), reinterpret_cast<float *>(x_.data()), x_.ld(), ferr, berr, reinterpret_cast<float *>(work), iwork, &info, 1);
+    return info < 0 ? info - 1 : info;
+  } catch (const std::bad_alloc &) {
+    return out_of_memory(self, LAPACK_TRANSPOSE_MEMORY_ERROR);
+  }
+}
+
+lapack_int LAPACKE_spbrfs(int matrix_layout, char uplo, lapack_int n, lapack_int kd, lapack_int nrhs, const float *ab, lapack_int ldab, const float *afb, lapack_int ldafb, const float *b, lapack_int ldb, float *x, lapack_int ldx, float *ferr, float *berr) {
+  if (!layout_ok(matrix_layout)) return report("LAPACKE_spbrfs", 1);
+  std::vector<float> work;
+  std::vector<lapack_int> iwork;
+  try {
+    work.resize(static_cast<std::size_t>(std::max<lapack_int>(1, 3*n)));
+    iwork.resize(static_cast<std::size_t>(std::max<lapack_int>(1, n)));
+  } catch (const std::bad_alloc &) {
+    return out_of_memory("LAPACKE_spbrfs", LAPACK_WORK_MEMORY_ERROR);
+  }
+  return LAPACKE_spbrfs_work(matrix_layout, uplo, n, kd, nrhs, ab, ldab, afb, ldafb, b, ldb, x, ldx, ferr, berr, work.data(), iwork.data());
+}
+
+lapack_int LAPACKE_cpbrfs_work(int matrix_layout, char uplo, lapack_int n, lapack_int kd, lapack_int nrhs, const lapack_complex_float *ab, lapack_int ldab, const lapack_complex_float *afb, lapack_int ldafb, const lapack_complex_float *b, lapack_int ldb, lapack_complex_float *x, lapack_int ldx, float *ferr, float *berr, lapack_complex_float *work, float *rwork) {
+  const char *self = "LAPACKE_cpbrfs_work";
+  if (!layout_ok(matrix_layout)) return report(self, 1);
+  const bool row = matrix_layout == LAPACK_ROW_MAJOR;
+  if (row && ldab < std::max<lapack_int>(1, n)) return report(self, 7);
+  if (row && ldafb < std::max<lapack_int>(1, n)) return report(self, 9);
+  if (row && ldb < std::max<lapack_int>(1, nrhs)) return report(self, 11);
+  if (row && ldx < std::max<lapack_int>(1, nrhs)) return report(self, 13);
+  try {
+    ColMajor<const lapack_complex_float> ab_(row, row, kd+1, n, ab, ldab, false);
+    ColMajor<const lapack_complex_float> afb_(row, row, kd+1, n, afb, ldafb, false);
+    ColMajor<const lapack_complex_float> b_(row, row, n, nrhs, b, ldb, false);
+    ColMajor<lapack_complex_float> x_(row, row, n, nrhs, x, ldx, true);
+    lapack_int info = 0;
+    ::cpbrfs(&uplo, &n, &kd, &nrhs, reinterpret_cast<const orb_complex8 *>(ab_.data()), ab_.ld(), reinterpret_cast<const orb_complex8 *>(afb_.data()), afb_.ld(), reinterpret_cast<const orb_complex8 *>(b_.data()), b_.ld(), reinterpret_cast<orb_complex8 *>(x_.data()), x_.ld(), ferr, berr, reinterpret_cast<orb_complex8 *>(work), rwork, &info, 1);
+    return info < 0 ? info - 1 : info;
+  } catch (const std::bad_alloc &) {
+    return out_of_memory(self, LAPACK_TRANSPOSE_MEMORY_ERROR);
+  }
+}
+
+lapack_int LAPACKE_cpbrfs(int matrix_layout, char uplo, lapack_int n, lapack_int kd, lapack_int nrhs, const lapack_complex_float *ab, lapack_int ldab, const lapack_complex_float *afb, lapack_int ldafb, const lapack_complex_float *b, lapack_int ldb, lapack_complex_float *x, lapack_int ldx, float *ferr, float *berr) {
+  if (!layout_ok(matrix_layout)) return report("LAPACKE_cpbrfs", 1);
+  std::vector<lapack_complex_float> work;
+  std::vector<float> rwork;
+  try {
+    work.resize(static_cast<std::size_t>(std::max<lapack_int>(1, 2*n)));
+    rwork.resize(static_cast<std::size_t>(std::max<lapack_int>(1, n)));
+  } catch (const std::bad_alloc &) {
+    return out_of_memory("LAPACKE_cpbrfs", LAPACK_WORK_MEMORY_ERROR);
+  }
+  return LAPACKE_cpbrfs_work(matrix_layout, uplo, n, kd, nrhs, ab, ldab, afb, ldafb, b, ldb, x, ldx, ferr, berr, work.data(), rwork.data());
+}
+
+lapack_int LAPACKE_strrfs_work(int matrix_layout, char uplo, char trans, char diag, lapack_int n, lapack_int nrhs, const float *a, lapack_int lda, const float *b, lapack_int ldb, const float *x, lapack_int ldx, float *ferr, float *berr, float *work, lapack_int *iwork) {
+  const char *self = "LAPACKE_strrfs_work";
+  if (!layout_ok(matrix_layout)) return report(self, 1);
+  const bool row = matrix_layout == LAPACK_ROW_MAJOR;
+  if (row && lda < std::max<lapack_int>(1, n)) return report(self, 8);
+  if (row && ldb < std::max<lapack_int>(1, nrhs)) return report(self, 10);
+  if (row && ldx < std::max<lapack_int>(1, nrhs)) return report(self, 12);
+  try {
+    ColMajor<const float> a_(row, row, n, n, a, lda, false);
+    ColMajor<const float> b_(row, row, n, nrhs, b, ldb, false);
+    ColMajor<const float> x_(row, row, n, nrhs, x, ldx, false);
+    lapack_int info = 0;
+    ::strrfs(&uplo, &trans, &diag, &n, &nrhs, reinterpret_cast<const float *>(a_.data()), a_.ld(), reinterpret_cast<const float *>(b_.data()), b_.ld(), reinterpret_cast<const float *>(x_.data()), x_.ld(), ferr, berr, reinterpret_cast<float *>(work), iwork, &info, 1, 1, 1);
+    return info < 0 ? info - 1 : info;
+  } catch (const std::bad_alloc &) {
+    return out_of_memory(self, LAPACK_TRANSPOSE_MEMORY_ERROR);
+  }
+}
+
+lapack_int LAPACKE_strrfs(int matrix_layout, char uplo, char trans, char diag, lapack_int n, lapack_int nrhs, const float *a, lapack_int lda, const float *b, lapack_int ldb, const float *x, lapack_int ldx, float *ferr, float *berr) {
+  if (!layout_ok(matrix_layout)) return report("LAPACKE_strrfs", 1);
+  std::vector<float> work;
+  std::vector<lapack_int> iwork;
+  try {
+    work.resize(static_cast<std::size_t>(std::max<lapack_int>(1, 3*n)));
+    iwork.resize(static_cast<std::size_t>(std::max<lapack_int>(1, n)));
+  } catch (const std::bad_alloc &) {
+    return out_of_memory("LAPACKE_strrfs", LAPACK_WORK_MEMORY_ERROR);
+  }
+  return LAPACKE_strrfs_work(matrix_layout, uplo, trans, diag, n, nrhs, a, lda, b, ldb, x, ldx, ferr, berr, work.data(), iwork.data());
+}
+
+lapack_int LAPACKE_ctrrfs_work(int matrix_layout, char uplo, char trans, char diag, lapack_int n, lapack_int nrhs, const lapack_complex_float *a, lapack_int lda, const lapack_complex_float *b, lapack_int ldb, const lapack_complex_float *x, lapack_int ldx, float *ferr, float *berr, lapack_complex_float *work, float *rwork) {
+  const char *self = "LAPACKE_ctrrfs_work";
+  if (!layout_ok(matrix_layout)) return report(self, 1);
+  const bool row = matrix_layout == LAPACK_ROW_MAJOR;
+  if (row && lda < std::max<lapack_int>(1, n)) return report(self, 8);
+  if (row && ldb < std::max<lapack_int>(1, nrhs)) return report(self, 10);
+  if (row && ldx < std::max<lapack_int>(1, nrhs)) return report(self, 12);
+  try {
+    ColMajor<const lapack_complex_float> a_(row, row, n, n, a, lda, false);
+    ColMajor<const lapack_complex_float> b_(row, row, n, nrhs, b, ldb, false);
+    ColMajor<const lapack_complex_float> x_(row, row, n, nrhs, x, ldx, false);
+    lapack_int info = 0;
+    ::ctrrfs(&uplo, &trans, &diag, &n, &nrhs, reinterpret_cast<const orb_complex8 *>(a_.data()), a_.ld(), reinterpret_cast<const orb_complex8 *>(b_.data()), b_.ld(), reinterpret_cast<const orb_complex8 *>(x_.data()), x_.ld(), ferr, berr, reinterpret_cast<orb_complex8 *>(work), rwork, &info, 1, 1, 1);
+    return info < 0 ? info - 1 : info;
+  } catch (const std::bad_alloc &) {
+    return out_of_memory(self, LAPACK_TRANSPOSE_MEMORY_ERROR);
+  }
+}
+
+lapack_int LAPACKE_ctrrfs(int matrix_layout, char uplo, char trans, char diag, lapack_int n, lapack_int nrhs, const lapack_complex_float *a, lapack_int lda, const lapack_complex_float *b, lapack_int ldb, const lapack_complex_float *x, lapack_int ldx, float *ferr, float *berr) {
+  if (!layout_ok(matrix_layout)) return report("LAPACKE_ctrrfs", 1);
+  std::vector<lapack_complex_float> work;
+  std::vector<float> rwork;
+  try {
+    work.resize(static_cast<std::size_t>(std::max<lapack_int>(1, 2*n)));
+    rwork.resize(static_cast<std::size_t>(std::max<lapack_int>(1, n)));
+  } catch (const std::bad_alloc &) {
+    return out_of_memory("LAPACKE_ctrrfs", LAPACK_WORK_MEMORY_ERROR);
+  }
+  return LAPACKE_ctrrfs_work(matrix_layout, uplo, trans, diag, n, nrhs, a, lda, b, ldb, x, ldx, ferr, berr, work.data(), rwork.data());
+}
+
+lapack_int LAPACKE_ssytri_work(int matrix_layout, char uplo, lapack_int n, float *a, lapack_int lda, const lapack_int *ipiv, float *work) {
+  const char *self = "LAPACKE_ssytri_work";
+  if (!layout_ok(matrix_layout)) return report(self, 1);
+  const bool row = matrix_layout == LAPACK_ROW_MAJOR;
+  if (row && lda < std::max<lapack_int>(1, n)) return report(self, 5);
+  try {
+    ColMajor<float> a_(row, row, n, n, a, lda, true);
+    lapack_int info = 0;
+    ::ssytri(&uplo, &n, reinterpret_cast<float *>(a_.data()), a_.ld(), ipiv, reinterpret_cast<float *>(work), &info, 1);
+    return info < 0 ? info - 1 : info;
+  } catch (const std::bad_alloc &) {
+    return out_of_memory(self, LAPACK_TRANSPOSE_MEMORY_ERROR);
+  }
+}
+
+lapack_int LAPACKE_ssytri(int matrix_layout, char uplo, lapack_int n, float *a, lapack_int lda, const lapack_int *ipiv) {
+  if (!layout_ok(matrix_layout)) return report("LAPACKE_ssytri", 1);
+  std::vector<float> work;
+  try {
+    work.resize(static_cast<std::size_t>(std::max<lapack_int>(1, 2*n)));
+  } catch (const std::bad_alloc &) {
+    return out_of_memory("LAPACKE_ssytri", LAPACK_WORK_MEMORY_ERROR);
+  }
+  return LAPACKE_ssytri_work(matrix_layout, uplo, n, a, lda, ipiv, work.data());
+}
+
+lapack_int LAPACKE_csytri_work(int matrix_layout, char uplo, lapack_int n, lapack_complex_float *a, lapack_int lda, const lapack_int *ipiv, lapack_complex_float *work) {
+  const char *self = "LAPACKE_csytri_work";
+  if (!layout_ok(matrix_layout)) return report(self, 1);
+  const bool row = matrix_layout == LAPACK_ROW_MAJOR;
+  if (row && lda < std::max<lapack_int>(1, n)) return report(self, 5);
+  try {
+    ColMajor<lapack_complex_float> a_(row, row, n, n, a, lda, true);
+    lapack_int info = 0;
+    ::csytri(&uplo, &n, reinterpret_cast<orb_complex8 *>(a_.data()), a_.ld(), ipiv, reinterpret_cast<orb_complex8 *>(work), &info, 1);
+    return info < 0 ? info - 1 : info;
+  } catch (const std::bad_alloc &) {
+    return out_of_memory(self, LAPACK_TRANSPOSE_MEMORY_ERROR);
+  }
+}
+
+lapack_int LAPACKE_csytri(int matrix_layout, char uplo, lapack_int n, lapack_complex_float *a, lapack_int lda, const lapack_int *ipiv) {
+  if (!layout_ok(matrix_layout)) return report("LAPACKE_csytri", 1);
+  std::vector<lapack_complex_float> work;
+  try {
+    work.resize(static_cast<std::size_t>(std::max<lapack_int>(1, 2*n)));
+  } catch (const std::bad_alloc &) {
+    return out_of_memory("LAPACKE_csytri", LAPACK_WORK_MEMORY_ERROR);
+  }
+  return LAPACKE_csytri_work(matrix_layout, uplo, n, a, lda, ipiv, work.data());
+}
+
+lapack_int LAPACKE_chetri_work(int matrix_layout, char uplo, lapack_int n, lapack_complex_float *a, lapack_int lda, const lapack_int *ipiv, lapack_complex_float *work) {
+  const char *self = "LAPACKE_chetri_work";
+  if (!layout_ok(matrix_layout)) return report(self, 1);
+  const bool row = matrix_layout == LAPACK_ROW_MAJOR;
+  if (row && lda < std::max<lapack_int>(1, n)) return report(self, 5);
+  try {
+    ColMajor<lapack_complex_float> a_(row, row, n, n, a, lda, true);
+    lapack_int info = 0;
+    ::chetri(&uplo, &n, reinterpret_cast<orb_complex8 *>(a_.data()), a_.ld(), ipiv, reinterpret_cast<orb_complex8 *>(work), &info, 1);
+    return info < 0 ? info - 1 : info;
+  } catch (const std::bad_alloc &) {
+    return out_of_memory(self, LAPACK_TRANSPOSE_MEMORY_ERROR);
+  }
+}
+
+lapack_int LAPACKE_chetri(int matrix_layout, char uplo, lapack_int n, lapack_complex_float *a, lapack_int lda, const lapack_int *ipiv) {
+  if (!layout_ok(matrix_layout)) return report("LAPACKE_chetri", 1);
+  std::vector<lapack_complex_float> work;
+  try {
+    work.resize(static_cast<std::size_t>(std::max<lapack_int>(1, n)));
+  } catch (const std::bad_alloc &) {
+    return out_of_memory("LAPACKE_chetri", LAPACK_WORK_MEMORY_ERROR);
+  }
+  return LAPACKE_chetri_work(matrix_layout, uplo, n, a, lda, ipiv, work.data());
+}
+
+lapack_int LAPACKE_ssygst_work(int matrix_layout, lapack_int itype, char uplo, lapack_int n, float *a, lapack_int lda, const float *b, lapack_int ldb) {
+  const char *self = "LAPACKE_ssygst_work";
+  if (!layout_ok(matrix_layout)) return report(self, 1);
+  const bool row = matrix_layout == LAPACK_ROW_MAJOR;
+  if (row && lda < std::max<lapack_int>(1, n)) return report(self, 6);
+  if (row && ldb < std::max<lapack_int>(1, n)) return report(self, 8);
+  try {
+    ColMajor<float> a_(row, row, n, n, a, lda, true);
+    ColMajor<const float> b_(row, row, n, n, b, ldb, false);
+    lapack_int info = 0;
+    ::ssygst(&itype, &uplo, &n, reinterpret_cast<float *>(a_.data()), a_.ld(), reinterpret_cast<const float *>(b_.data()), b_.ld(), &info, 1);
+    return info < 0 ? info - 1 : info;
+  } catch (const std::bad_alloc &) {
+    return out_of_memory(self, LAPACK_TRANSPOSE_MEMORY_ERROR);
+  }
+}
+
+lapack_int LAPACKE_ssygst(int matrix_layout, lapack_int itype, char uplo, lapack_int n, float *a, lapack_int lda, const float *b, lapack_int ldb) {
+  if (!layout_ok(matrix_layout)) return report("LAPACKE_ssygst", 1);
+  return LAPACKE_ssygst_work(matrix_layout, itype, uplo, n, a, lda, b, ldb);
+}
+
+lapack_int LAPACKE_chegst_work(int matrix_layout, lapack_int itype, char uplo, lapack_int n, lapack_complex_float *a, lapack_int lda, const lapack_complex_float *b, lapack_int ldb) {
+  const char *self = "LAPACKE_chegst_work";
+  if (!layout_ok(matrix_layout)) return report(self, 1);
+  const bool row = matrix_layout == LAPACK_ROW_MAJOR;
+  if (row && lda < std::max<lapack_int>(1, n)) return report(self, 6);
+  if (row && ldb < std::max<lapack_int>(1, n)) return report(self, 8);
+  try {
+    ColMajor<lapack_complex_float> a_(row, row, n, n, a, lda, true);
+    ColMajor<const lapack_complex_float> b_(row, row, n, n, b, ldb, false);
+    lapack_int info = 0;
+    ::chegst(&itype, &uplo, &n, reinterpret_cast<orb_complex8 *>(a_.data()), a_.ld(), reinterpret_cast<orb_complex8 *>(const_cast<lapack_complex_float *>(b_.data())), b_.ld(), &info, 1);
+    return info < 0 ? info - 1 : info;
+  } catch (const std::bad_alloc &) {
+    return out_of_memory(self, LAPACK_TRANSPOSE_MEMORY_ERROR);
+  }
+}
+
+lapack_int LAPACKE_chegst(int matrix_layout, lapack_int itype, char uplo, lapack_int n, lapack_complex_float *a, lapack_int lda, const lapack_complex_float *b, lapack_int ldb) {
+  if (!layout_ok(matrix_layout)) return report("LAPACKE_chegst", 1);
+  return LAPACKE_chegst_work(matrix_layout, itype, uplo, n, a, lda, b, ldb);
+}
+
+lapack_int LAPACKE_sormtr_work(int matrix_layout, char side, char uplo, char trans, lapack_int m, lapack_int n, const float *a, lapack_int lda, const float *tau, float *c, lapack_int ldc, float *work, lapack_int lwork) {
+  const char *self = "LAPACKE_sormtr_work";
+  if (!layout_ok(matrix_layout)) return report(self, 1);
+  const bool row = matrix_layout == LAPACK_ROW_MAJOR;
+  const bool query = lwork == -1;
+  if (row && lda < std::max<lapack_int>(1, (left(side)?m:n))) return report(self, 8);
+  if (row && ldc < std::max<lapack_int>(1, n)) return report(self, 11);
+  try {
+    ColMajor<const float> a_(row, row && !query, (left(side)?m:n), (left(side)?m:n), a, lda, false);
+    ColMajor<float> c_(row, row && !query, m, n, c, ldc, true);
+    lapack_int info = 0;
+    ::sormtr(&side, &uplo, &trans, &m, &n, reinterpret_cast<const float *>(a_.data()), a_.ld(), reinterpret_cast<const float *>(tau), reinterpret_cast<float *>(c_.data()), c_.ld(), reinterpret_cast<float *>(work), &lwork, &info, 1, 1, 1);
+    return info < 0 ? info - 1 : info;
+  } catch (const std::bad_alloc &) {
+    return out_of_memory(self, LAPACK_TRANSPOSE_MEMORY_ERROR);
+  }
+}
+
+lapack_int LAPACKE_sormtr(int matrix_layout, char side, char uplo, char trans, lapack_int m, lapack_int n, const float *a, lapack_int lda, const float *tau, float *c, lapack_int ldc) {
+  if (!layout_ok(matrix_layout)) return report("LAPACKE_sormtr", 1);
+  float work_size{};
+  lapack_int info = LAPACKE_sormtr_work(matrix_layout, side, uplo, trans, m, n, a, lda, tau, c, ldc, &work_size, -1);
+  if (info != 0) return info;
+  std::vector<float> work;
+  lapack_int lwork = workspace_length(work_size);
+  try {
+    work.resize(static_cast<std::size_t>(lwork));
+  } catch (const std::bad_alloc &) {
+    return out_of_memory("LAPACKE_sormtr", LAPACK_WORK_MEMORY_ERROR);
+  }
+  return LAPACKE_sormtr_work(matrix_layout, side, uplo, trans, m, n, a, lda, tau, c, ldc, work.data(), lwork);
+}
+
+lapack_int LAPACKE_cunmtr_work(int matrix_layout, char side, char uplo, char trans, lapack_int m, lapack_int n, const lapack_complex_float *a, lapack_int lda, const lapack_complex_float *tau, lapack_complex_float *c, lapack_int ldc, lapack_complex_float *work, lapack_int lwork) {
+  const char *self = "LAPACKE_cunmtr_work";
+  if (!layout_ok(matrix_layout)) return report(self, 1);
+  const bool row = matrix_layout == LAPACK_ROW_MAJOR;
+  const bool query = lwork == -1;
+  if (row && lda < std::max<lapack_int>(1, (left(side)?m:n))) return report(self, 8);
+  if (row && ldc < std::max<lapack_int>(1, n)) return report(self, 11);
+  try {
+    ColMajor<const lapack_complex_float> a_(row, row && !query, (left(side)?m:n), (left(side)?m:n), a, lda, false);
+    ColMajor<lapack_complex_float> c_(row, row && !query, m, n, c, ldc, true);
+    lapack_int info = 0;
+    ::cunmtr(&side, &uplo, &trans, &m, &n, reinterpret_cast<const orb_complex8 *>(a_.data()), a_.ld(), reinterpret_cast<const orb_complex8 *>(tau), reinterpret_cast<orb_complex8 *>(c_.data()), c_.ld(), reinterpret_cast<orb_complex8 *>(work), &lwork, &info, 1, 1, 1);
+    return info < 0 ? info - 1 : info;
+  } catch (const std::bad_alloc &) {
+    return out_of_memory(self, LAPACK_TRANSPOSE_MEMORY_ERROR);
+  }
+}
+
+lapack_int LAPACKE_cunmtr(int matrix_layout, char side, char uplo, char trans, lapack_int m, lapack_int n, const lapack_complex_float *a, lapack_int lda, const lapack_complex_float *tau, lapack_complex_float *c, lapack_int ldc) {
+  if (!layout_ok(matrix_layout)) return report("LAPACKE_cunmtr", 1);
+  lapack_complex_float work_size{};
+  lapack_int info = LAPACKE_cunmtr_work(matrix_layout, side, uplo, trans, m, n, a, lda, tau, c, ldc, &work_size, -1);
+  if (info != 0) return info;
+  std::vector<lapack_complex_float> work;
+  lapack_int lwork = workspace_length(work_size);
+  try {
+    work.resize(static_cast<std::size_t>(lwork));
+  } catch (const std::bad_alloc &) {
+    return out_of_memory("LAPACKE_cunmtr", LAPACK_WORK_MEMORY_ERROR);
+  }
+  return LAPACKE_cunmtr_work(matrix_layout, side, uplo, trans, m, n, a, lda, tau, c, ldc, work.data(), lwork);
+}
+
 }  // extern "C"

@@ -788,6 +788,354 @@ TEST(LapackeComplex, IndefiniteEstimatesLeastSquaresAndRangedEigen) {
   EXPECT_GT(rc, 0);
 }
 
+// Iterative refinement of a solution perturbed away from the exact one: both
+// layouts return the same corrected solution and small backward errors.
+TYPED_TEST(Lapacke, RefinementAndMinimumNormSolveInBothLayouts) {
+  using T = TypeParam;
+  constexpr bool complex = std::is_same_v<T, cf>;
+  std::mt19937 gen(61);
+  const int n = 7, nrhs = 2;
+  Pair<T> a(n, n, gen, 2), f = a, b(n, nrhs, gen);
+  std::vector<lapack_int> pc(n), pr(n);
+  ASSERT_EQ(getrf(LAPACK_COL_MAJOR, f, pc), 0);
+  ASSERT_EQ(getrf(LAPACK_ROW_MAJOR, f, pr), 0);
+  Pair<T> x = b;
+  std::vector<float> fc(nrhs), bc(nrhs), fr(nrhs), br(nrhs);
+  if constexpr (complex) {
+    ASSERT_EQ(LAPACKE_cgetrs(LAPACK_COL_MAJOR, 'N', n, nrhs, f.col.data(), f.ldc, pc.data(),
+                             x.col.data(), x.ldc),
+              0);
+  } else {
+    ASSERT_EQ(LAPACKE_sgetrs(LAPACK_COL_MAJOR, 'N', n, nrhs, f.col.data(), f.ldc, pc.data(),
+                             x.col.data(), x.ldc),
+              0);
+  }
+  for (int i = 0; i < n; ++i)
+    for (int k = 0; k < nrhs; ++k) x.set(i, k, x.c(i, k) * T(1.001f));
+  if constexpr (complex) {
+    ASSERT_EQ(
+        LAPACKE_cgerfs(LAPACK_COL_MAJOR, 'N', n, nrhs, a.col.data(), a.ldc, f.col.data(), f.ldc,
+                       pc.data(), b.col.data(), b.ldc, x.col.data(), x.ldc, fc.data(), bc.data()),
+        0);
+    ASSERT_EQ(
+        LAPACKE_cgerfs(LAPACK_ROW_MAJOR, 'N', n, nrhs, a.row.data(), a.ldr, f.row.data(), f.ldr,
+                       pr.data(), b.row.data(), b.ldr, x.row.data(), x.ldr, fr.data(), br.data()),
+        0);
+  } else {
+    ASSERT_EQ(
+        LAPACKE_sgerfs(LAPACK_COL_MAJOR, 'N', n, nrhs, a.col.data(), a.ldc, f.col.data(), f.ldc,
+                       pc.data(), b.col.data(), b.ldc, x.col.data(), x.ldc, fc.data(), bc.data()),
+        0);
+    ASSERT_EQ(
+        LAPACKE_sgerfs(LAPACK_ROW_MAJOR, 'N', n, nrhs, a.row.data(), a.ldr, f.row.data(), f.ldr,
+                       pr.data(), b.row.data(), b.ldr, x.row.data(), x.ldr, fr.data(), br.data()),
+        0);
+  }
+  x.expect_same(1e-5f);
+  for (int k = 0; k < nrhs; ++k) {
+    EXPECT_LT(br[k], 1e-5f);
+    EXPECT_LT(fr[k], 1e-3f);
+    EXPECT_NEAR(fc[k], fr[k], 1e-3f * fc[k] + 1e-7f);
+  }
+  for (int i = 0; i < n; ++i)
+    for (int k = 0; k < nrhs; ++k) {
+      T s = 0;
+      for (int j = 0; j < n; ++j) s += a.c(i, j) * x.r(j, k);
+      EXPECT_NEAR(std::abs(s - b.c(i, k)), 0, 1e-4);
+    }
+
+  // The divide-and-conquer least squares sizes its integer (and real)
+  // workspace from the query's first element.
+  for (auto [m, k] : {std::pair{9, 4}, {4, 9}}) {
+    Pair<T> ls(m, k, gen), rhs(std::max(m, k), 1, gen);
+    std::vector<float> sc(std::min(m, k)), sr(std::min(m, k));
+    lapack_int rc = 0, rr = 0;
+    if constexpr (complex) {
+      ASSERT_EQ(LAPACKE_cgelsd(LAPACK_COL_MAJOR, m, k, 1, ls.col.data(), ls.ldc, rhs.col.data(),
+                               rhs.ldc, sc.data(), -1, &rc),
+                0);
+      ASSERT_EQ(LAPACKE_cgelsd(LAPACK_ROW_MAJOR, m, k, 1, ls.row.data(), ls.ldr, rhs.row.data(),
+                               rhs.ldr, sr.data(), -1, &rr),
+                0);
+    } else {
+      ASSERT_EQ(LAPACKE_sgelsd(LAPACK_COL_MAJOR, m, k, 1, ls.col.data(), ls.ldc, rhs.col.data(),
+                               rhs.ldc, sc.data(), -1, &rc),
+                0);
+      ASSERT_EQ(LAPACKE_sgelsd(LAPACK_ROW_MAJOR, m, k, 1, ls.row.data(), ls.ldr, rhs.row.data(),
+                               rhs.ldr, sr.data(), -1, &rr),
+                0);
+    }
+    EXPECT_EQ(rr, std::min(m, k));
+    EXPECT_EQ(rc, rr);
+    for (size_t i = 0; i < sc.size(); ++i) EXPECT_NEAR(sc[i], sr[i], 1e-4f);
+    for (int i = 0; i < k; ++i) EXPECT_NEAR(std::abs(rhs.c(i, 0) - rhs.r(i, 0)), 0, 1e-3f);
+  }
+}
+
+// The symmetric-definite reduction with B's Cholesky factor, then the
+// symmetric inverse from an indefinite factorization; the Hermitian
+// reduction takes B through a parameter the routine does not declare const.
+TYPED_TEST(Lapacke, DefiniteReductionAndSymmetricInverseInBothLayouts) {
+  using T = TypeParam;
+  constexpr bool complex = std::is_same_v<T, cf>;
+  std::mt19937 gen(67);
+  const int n = 6;
+  Pair<T> bm = positive_definite<T>(n, gen), a = positive_definite<T>(n, gen);
+  if constexpr (complex) {
+    ASSERT_EQ(LAPACKE_cpotrf(LAPACK_COL_MAJOR, 'U', n, bm.col.data(), bm.ldc), 0);
+    ASSERT_EQ(LAPACKE_cpotrf(LAPACK_ROW_MAJOR, 'U', n, bm.row.data(), bm.ldr), 0);
+    const Pair<T> b0 = bm;
+    ASSERT_EQ(
+        LAPACKE_chegst(LAPACK_COL_MAJOR, 1, 'U', n, a.col.data(), a.ldc, bm.col.data(), bm.ldc), 0);
+    ASSERT_EQ(
+        LAPACKE_chegst(LAPACK_ROW_MAJOR, 1, 'U', n, a.row.data(), a.ldr, bm.row.data(), bm.ldr), 0);
+    EXPECT_EQ(bm.row, b0.row);
+  } else {
+    ASSERT_EQ(LAPACKE_spotrf(LAPACK_COL_MAJOR, 'U', n, bm.col.data(), bm.ldc), 0);
+    ASSERT_EQ(LAPACKE_spotrf(LAPACK_ROW_MAJOR, 'U', n, bm.row.data(), bm.ldr), 0);
+    ASSERT_EQ(
+        LAPACKE_ssygst(LAPACK_COL_MAJOR, 1, 'U', n, a.col.data(), a.ldc, bm.col.data(), bm.ldc), 0);
+    ASSERT_EQ(
+        LAPACKE_ssygst(LAPACK_ROW_MAJOR, 1, 'U', n, a.row.data(), a.ldr, bm.row.data(), bm.ldr), 0);
+  }
+  a.expect_same(1e-4f);
+
+  // A^-1 from sytrf and sytri: the upper triangle times A is the identity.
+  Pair<T> s(n, n, gen, 1);
+  for (int i = 0; i < n; ++i)
+    for (int j = 0; j < i; ++j) s.set(i, j, s.c(j, i));
+  Pair<T> s0 = s;
+  std::vector<lapack_int> pc(n), pr(n);
+  if constexpr (complex) {
+    ASSERT_EQ(LAPACKE_csytrf(LAPACK_COL_MAJOR, 'U', n, s.col.data(), s.ldc, pc.data()), 0);
+    ASSERT_EQ(LAPACKE_csytrf(LAPACK_ROW_MAJOR, 'U', n, s.row.data(), s.ldr, pr.data()), 0);
+    ASSERT_EQ(LAPACKE_csytri(LAPACK_COL_MAJOR, 'U', n, s.col.data(), s.ldc, pc.data()), 0);
+    ASSERT_EQ(LAPACKE_csytri(LAPACK_ROW_MAJOR, 'U', n, s.row.data(), s.ldr, pr.data()), 0);
+  } else {
+    ASSERT_EQ(LAPACKE_ssytrf(LAPACK_COL_MAJOR, 'U', n, s.col.data(), s.ldc, pc.data()), 0);
+    ASSERT_EQ(LAPACKE_ssytrf(LAPACK_ROW_MAJOR, 'U', n, s.row.data(), s.ldr, pr.data()), 0);
+    ASSERT_EQ(LAPACKE_ssytri(LAPACK_COL_MAJOR, 'U', n, s.col.data(), s.ldc, pc.data()), 0);
+    ASSERT_EQ(LAPACKE_ssytri(LAPACK_ROW_MAJOR, 'U', n, s.row.data(), s.ldr, pr.data()), 0);
+  }
+  s.expect_same(1e-4f);
+  for (int i = 0; i < n; ++i)
+    for (int j = 0; j < n; ++j) {
+      T v = 0;
+      for (int k = 0; k < n; ++k) v += (i <= k ? s.r(i, k) : s.r(k, i)) * s0.c(k, j);
+      EXPECT_NEAR(std::abs(v - T(i == j ? 1.0f : 0.0f)), 0, 1e-3) << i << "," << j;
+    }
+}
+
+// Refinement of banded, Cholesky, symmetric and triangular solves, the
+// Hermitian inverse and the tridiagonal reduction's Q applied: each called in
+// both layouts with the same answer.
+TEST(LapackeReal, BandTriangularRefinementAndReductionQ) {
+  std::mt19937 gen(71);
+  const int n = 7, nrhs = 2, kd = 2;
+  Pair<float> ab(kd + 1, n, gen);
+  for (int j = 0; j < n; ++j) ab.set(kd, j, 6 + ab.c(kd, j));
+  Pair<float> fb = ab, b(n, nrhs, gen), x = b;
+  ASSERT_EQ(LAPACKE_spbtrf(LAPACK_COL_MAJOR, 'U', n, kd, fb.col.data(), fb.ldc), 0);
+  ASSERT_EQ(LAPACKE_spbtrf(LAPACK_ROW_MAJOR, 'U', n, kd, fb.row.data(), fb.ldr), 0);
+  ASSERT_EQ(LAPACKE_spbtrs(LAPACK_COL_MAJOR, 'U', n, kd, nrhs, fb.col.data(), fb.ldc, x.col.data(),
+                           x.ldc),
+            0);
+  ASSERT_EQ(LAPACKE_spbtrs(LAPACK_ROW_MAJOR, 'U', n, kd, nrhs, fb.row.data(), fb.ldr, x.row.data(),
+                           x.ldr),
+            0);
+  std::vector<float> fe(nrhs), be(nrhs), fe2(nrhs), be2(nrhs);
+  ASSERT_EQ(LAPACKE_spbrfs(LAPACK_COL_MAJOR, 'U', n, kd, nrhs, ab.col.data(), ab.ldc, fb.col.data(),
+                           fb.ldc, b.col.data(), b.ldc, x.col.data(), x.ldc, fe.data(), be.data()),
+            0);
+  ASSERT_EQ(
+      LAPACKE_spbrfs(LAPACK_ROW_MAJOR, 'U', n, kd, nrhs, ab.row.data(), ab.ldr, fb.row.data(),
+                     fb.ldr, b.row.data(), b.ldr, x.row.data(), x.ldr, fe2.data(), be2.data()),
+      0);
+  x.expect_same(1e-5f);
+  for (int k = 0; k < nrhs; ++k) EXPECT_LT(be2[k], 1e-5f);
+
+  // General band, kl = 1, ku = 2: the factor's band has kl more rows.
+  const int kl = 1, ku = 2;
+  Pair<float> gb(kl + ku + 1, n, gen), gf(2 * kl + ku + 1, n, gen);
+  for (int j = 0; j < n; ++j) {
+    gb.set(ku, j, 5 + gb.c(ku, j));
+    for (int i = 0; i < kl + ku + 1; ++i) gf.set(kl + i, j, gb.c(i, j));
+  }
+  std::vector<lapack_int> pc(n), pr(n);
+  ASSERT_EQ(LAPACKE_sgbtrf(LAPACK_COL_MAJOR, n, n, kl, ku, gf.col.data(), gf.ldc, pc.data()), 0);
+  ASSERT_EQ(LAPACKE_sgbtrf(LAPACK_ROW_MAJOR, n, n, kl, ku, gf.row.data(), gf.ldr, pr.data()), 0);
+  Pair<float> y = b;
+  ASSERT_EQ(LAPACKE_sgbtrs(LAPACK_COL_MAJOR, 'N', n, kl, ku, nrhs, gf.col.data(), gf.ldc, pc.data(),
+                           y.col.data(), y.ldc),
+            0);
+  ASSERT_EQ(LAPACKE_sgbtrs(LAPACK_ROW_MAJOR, 'N', n, kl, ku, nrhs, gf.row.data(), gf.ldr, pr.data(),
+                           y.row.data(), y.ldr),
+            0);
+  ASSERT_EQ(LAPACKE_sgbrfs(LAPACK_COL_MAJOR, 'N', n, kl, ku, nrhs, gb.col.data(), gb.ldc,
+                           gf.col.data(), gf.ldc, pc.data(), b.col.data(), b.ldc, y.col.data(),
+                           y.ldc, fe.data(), be.data()),
+            0);
+  ASSERT_EQ(LAPACKE_sgbrfs(LAPACK_ROW_MAJOR, 'N', n, kl, ku, nrhs, gb.row.data(), gb.ldr,
+                           gf.row.data(), gf.ldr, pr.data(), b.row.data(), b.ldr, y.row.data(),
+                           y.ldr, fe2.data(), be2.data()),
+            0);
+  y.expect_same(1e-5f);
+  for (int k = 0; k < nrhs; ++k) {
+    EXPECT_LT(be2[k], 1e-5f);
+    EXPECT_NEAR(be[k], be2[k], 1e-6f);
+  }
+
+  // Triangular: the bounds for a solution the caller supplies.
+  Pair<float> t(n, n, gen, 4), tx = b;
+  ASSERT_EQ(LAPACKE_strtrs(LAPACK_ROW_MAJOR, 'L', 'N', 'N', n, nrhs, t.row.data(), t.ldr,
+                           tx.row.data(), tx.ldr),
+            0);
+  ASSERT_EQ(LAPACKE_strtrs(LAPACK_COL_MAJOR, 'L', 'N', 'N', n, nrhs, t.col.data(), t.ldc,
+                           tx.col.data(), tx.ldc),
+            0);
+  ASSERT_EQ(LAPACKE_strrfs(LAPACK_COL_MAJOR, 'L', 'N', 'N', n, nrhs, t.col.data(), t.ldc,
+                           b.col.data(), b.ldc, tx.col.data(), tx.ldc, fe.data(), be.data()),
+            0);
+  ASSERT_EQ(LAPACKE_strrfs(LAPACK_ROW_MAJOR, 'L', 'N', 'N', n, nrhs, t.row.data(), t.ldr,
+                           b.row.data(), b.ldr, tx.row.data(), tx.ldr, fe2.data(), be2.data()),
+            0);
+  for (int k = 0; k < nrhs; ++k) EXPECT_NEAR(be[k], be2[k], 1e-6f);
+
+  // Cholesky and symmetric refinement of the exact solutions.
+  Pair<float> p = positive_definite<float>(n, gen), pf = p, px = b;
+  ASSERT_EQ(LAPACKE_spotrf(LAPACK_ROW_MAJOR, 'L', n, pf.row.data(), pf.ldr), 0);
+  ASSERT_EQ(
+      LAPACKE_spotrs(LAPACK_ROW_MAJOR, 'L', n, nrhs, pf.row.data(), pf.ldr, px.row.data(), px.ldr),
+      0);
+  ASSERT_EQ(
+      LAPACKE_sporfs(LAPACK_ROW_MAJOR, 'L', n, nrhs, p.row.data(), p.ldr, pf.row.data(), pf.ldr,
+                     b.row.data(), b.ldr, px.row.data(), px.ldr, fe2.data(), be2.data()),
+      0);
+  for (int k = 0; k < nrhs; ++k) EXPECT_LT(be2[k], 1e-5f);
+  Pair<float> sf = p, sx = b;
+  ASSERT_EQ(LAPACKE_ssytrf(LAPACK_ROW_MAJOR, 'U', n, sf.row.data(), sf.ldr, pr.data()), 0);
+  ASSERT_EQ(LAPACKE_ssytrs(LAPACK_ROW_MAJOR, 'U', n, nrhs, sf.row.data(), sf.ldr, pr.data(),
+                           sx.row.data(), sx.ldr),
+            0);
+  ASSERT_EQ(
+      LAPACKE_ssyrfs(LAPACK_ROW_MAJOR, 'U', n, nrhs, p.row.data(), p.ldr, sf.row.data(), sf.ldr,
+                     pr.data(), b.row.data(), b.ldr, sx.row.data(), sx.ldr, fe2.data(), be2.data()),
+      0);
+  for (int k = 0; k < nrhs; ++k) EXPECT_LT(be2[k], 1e-5f);
+
+  // Q of the tridiagonal reduction applied from the right in both layouts.
+  Pair<float> r = p, c(5, n, gen);
+  std::vector<float> d(n), e(n - 1), tau(n - 1);
+  ASSERT_EQ(
+      LAPACKE_ssytrd(LAPACK_COL_MAJOR, 'U', n, r.col.data(), r.ldc, d.data(), e.data(), tau.data()),
+      0);
+  ASSERT_EQ(
+      LAPACKE_ssytrd(LAPACK_ROW_MAJOR, 'U', n, r.row.data(), r.ldr, d.data(), e.data(), tau.data()),
+      0);
+  ASSERT_EQ(LAPACKE_sormtr(LAPACK_COL_MAJOR, 'R', 'U', 'N', 5, n, r.col.data(), r.ldc, tau.data(),
+                           c.col.data(), c.ldc),
+            0);
+  ASSERT_EQ(LAPACKE_sormtr(LAPACK_ROW_MAJOR, 'R', 'U', 'N', 5, n, r.row.data(), r.ldr, tau.data(),
+                           c.row.data(), c.ldr),
+            0);
+  c.expect_same(1e-4f);
+}
+
+// The complex-only names of the refinement, inverse and reduction families.
+TEST(LapackeComplex, HermitianRefinementInverseAndReductionQ) {
+  std::mt19937 gen(73);
+  const int n = 6;
+  Pair<cf> h = positive_definite<cf>(n, gen), hf = h, b(n, 1, gen), x = b, inv = h;
+  std::vector<lapack_int> piv(n), pinv(n);
+  ASSERT_EQ(LAPACKE_chetrf(LAPACK_ROW_MAJOR, 'L', n, hf.row.data(), hf.ldr, piv.data()), 0);
+  ASSERT_EQ(LAPACKE_chetrs(LAPACK_ROW_MAJOR, 'L', n, 1, hf.row.data(), hf.ldr, piv.data(),
+                           x.row.data(), x.ldr),
+            0);
+  float fe = 0, be = 0;
+  ASSERT_EQ(LAPACKE_cherfs(LAPACK_ROW_MAJOR, 'L', n, 1, h.row.data(), h.ldr, hf.row.data(), hf.ldr,
+                           piv.data(), b.row.data(), b.ldr, x.row.data(), x.ldr, &fe, &be),
+            0);
+  EXPECT_LT(be, 1e-5f);
+  ASSERT_EQ(LAPACKE_chetrf(LAPACK_ROW_MAJOR, 'L', n, inv.row.data(), inv.ldr, pinv.data()), 0);
+  ASSERT_EQ(LAPACKE_chetri(LAPACK_ROW_MAJOR, 'L', n, inv.row.data(), inv.ldr, pinv.data()), 0);
+  for (int i = 0; i < n; ++i) {  // column 0 of A^-1 A from the lower triangle
+    cf v = 0;
+    for (int k = 0; k < n; ++k) v += (i >= k ? inv.r(i, k) : std::conj(inv.r(k, i))) * h.c(k, 0);
+    EXPECT_NEAR(std::abs(v - cf(i == 0 ? 1.0f : 0.0f)), 0, 1e-3);
+  }
+  Pair<cf> r = h, c(n, 3, gen);
+  std::vector<float> d(n), e(n - 1);
+  std::vector<cf> tau(n - 1);
+  ASSERT_EQ(
+      LAPACKE_chetrd(LAPACK_ROW_MAJOR, 'L', n, r.row.data(), r.ldr, d.data(), e.data(), tau.data()),
+      0);
+  Pair<cf> c0 = c;
+  ASSERT_EQ(LAPACKE_cunmtr(LAPACK_ROW_MAJOR, 'L', 'L', 'C', n, 3, r.row.data(), r.ldr, tau.data(),
+                           c.row.data(), c.ldr),
+            0);
+  ASSERT_EQ(LAPACKE_cunmtr(LAPACK_ROW_MAJOR, 'L', 'L', 'N', n, 3, r.row.data(), r.ldr, tau.data(),
+                           c.row.data(), c.ldr),
+            0);
+  for (int i = 0; i < n; ++i)  // Q Q^H C = C
+    for (int j = 0; j < 3; ++j) EXPECT_NEAR(std::abs(c.r(i, j) - c0.c(i, j)), 0, 1e-4);
+  // Refinement of the Cholesky, complex symmetric, band and triangular names.
+  Pair<cf> pf = h, px = b;
+  ASSERT_EQ(LAPACKE_cpotrf(LAPACK_ROW_MAJOR, 'U', n, pf.row.data(), pf.ldr), 0);
+  ASSERT_EQ(
+      LAPACKE_cpotrs(LAPACK_ROW_MAJOR, 'U', n, 1, pf.row.data(), pf.ldr, px.row.data(), px.ldr), 0);
+  ASSERT_EQ(LAPACKE_cporfs(LAPACK_ROW_MAJOR, 'U', n, 1, h.row.data(), h.ldr, pf.row.data(), pf.ldr,
+                           b.row.data(), b.ldr, px.row.data(), px.ldr, &fe, &be),
+            0);
+  EXPECT_LT(be, 1e-5f);
+  Pair<cf> sy(n, n, gen, 3);
+  for (int i = 0; i < n; ++i)
+    for (int j = 0; j < i; ++j) sy.set(i, j, sy.c(j, i));
+  Pair<cf> sf = sy, sx = b;
+  ASSERT_EQ(LAPACKE_csytrf(LAPACK_ROW_MAJOR, 'U', n, sf.row.data(), sf.ldr, piv.data()), 0);
+  ASSERT_EQ(LAPACKE_csytrs(LAPACK_ROW_MAJOR, 'U', n, 1, sf.row.data(), sf.ldr, piv.data(),
+                           sx.row.data(), sx.ldr),
+            0);
+  ASSERT_EQ(
+      LAPACKE_csyrfs(LAPACK_ROW_MAJOR, 'U', n, 1, sy.row.data(), sy.ldr, sf.row.data(), sf.ldr,
+                     piv.data(), b.row.data(), b.ldr, sx.row.data(), sx.ldr, &fe, &be),
+      0);
+  EXPECT_LT(be, 1e-5f);
+  Pair<cf> t(n, n, gen, 4), tx = b;
+  ASSERT_EQ(LAPACKE_ctrtrs(LAPACK_ROW_MAJOR, 'U', 'C', 'N', n, 1, t.row.data(), t.ldr,
+                           tx.row.data(), tx.ldr),
+            0);
+  ASSERT_EQ(LAPACKE_ctrrfs(LAPACK_ROW_MAJOR, 'U', 'C', 'N', n, 1, t.row.data(), t.ldr, b.row.data(),
+                           b.ldr, tx.row.data(), tx.ldr, &fe, &be),
+            0);
+  EXPECT_LT(be, 1e-5f);
+  Pair<cf> pb(2, n, gen);  // kd = 1, upper storage, diagonal in row 1
+  for (int j = 0; j < n; ++j) pb.set(1, j, cf(4, 0));
+  Pair<cf> pbf = pb, pbx = b;
+  ASSERT_EQ(LAPACKE_cpbtrf(LAPACK_ROW_MAJOR, 'U', n, 1, pbf.row.data(), pbf.ldr), 0);
+  ASSERT_EQ(LAPACKE_cpbtrs(LAPACK_ROW_MAJOR, 'U', n, 1, 1, pbf.row.data(), pbf.ldr, pbx.row.data(),
+                           pbx.ldr),
+            0);
+  ASSERT_EQ(LAPACKE_cpbrfs(LAPACK_ROW_MAJOR, 'U', n, 1, 1, pb.row.data(), pb.ldr, pbf.row.data(),
+                           pbf.ldr, b.row.data(), b.ldr, pbx.row.data(), pbx.ldr, &fe, &be),
+            0);
+  EXPECT_LT(be, 1e-5f);
+  Pair<cf> gb(3, n, gen), gf(4, n, gen);  // kl = ku = 1
+  for (int j = 0; j < n; ++j) {
+    gb.set(1, j, cf(5, 1));
+    for (int i = 0; i < 3; ++i) gf.set(1 + i, j, gb.c(i, j));
+  }
+  Pair<cf> gx = b;
+  ASSERT_EQ(LAPACKE_cgbtrf(LAPACK_ROW_MAJOR, n, n, 1, 1, gf.row.data(), gf.ldr, piv.data()), 0);
+  ASSERT_EQ(LAPACKE_cgbtrs(LAPACK_ROW_MAJOR, 'N', n, 1, 1, 1, gf.row.data(), gf.ldr, piv.data(),
+                           gx.row.data(), gx.ldr),
+            0);
+  ASSERT_EQ(
+      LAPACKE_cgbrfs(LAPACK_ROW_MAJOR, 'N', n, 1, 1, 1, gb.row.data(), gb.ldr, gf.row.data(),
+                     gf.ldr, piv.data(), b.row.data(), b.ldr, gx.row.data(), gx.ldr, &fe, &be),
+      0);
+  EXPECT_LT(be, 1e-5f);
+}
+
 // The message printed by a call, and its result.
 template <class F>
 std::pair<lapack_int, std::string> outcome(F call) {
