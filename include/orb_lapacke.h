@@ -399,6 +399,120 @@ ORB_API lapack_int LAPACKE_sormtr_work(int matrix_layout, char side, char uplo, 
 ORB_API lapack_int LAPACKE_cunmtr(int matrix_layout, char side, char uplo, char trans, lapack_int m, lapack_int n, const lapack_complex_float *a, lapack_int lda, const lapack_complex_float *tau, lapack_complex_float *c, lapack_int ldc);
 ORB_API lapack_int LAPACKE_cunmtr_work(int matrix_layout, char side, char uplo, char trans, lapack_int m, lapack_int n, const lapack_complex_float *a, lapack_int lda, const lapack_complex_float *tau, lapack_complex_float *c, lapack_int ldc, lapack_complex_float *work, lapack_int lwork);
 
+/* steqr */
+ORB_API lapack_int LAPACKE_ssteqr(int matrix_layout, char compz, lapack_int n, float *d, float *e, float *z, lapack_int ldz);
+ORB_API lapack_int LAPACKE_ssteqr_work(int matrix_layout, char compz, lapack_int n, float *d, float *e, float *z, lapack_int ldz, float *work);
+ORB_API lapack_int LAPACKE_csteqr(int matrix_layout, char compz, lapack_int n, float *d, float *e, lapack_complex_float *z, lapack_int ldz);
+ORB_API lapack_int LAPACKE_csteqr_work(int matrix_layout, char compz, lapack_int n, float *d, float *e, lapack_complex_float *z, lapack_int ldz, float *work);
+
+/* pteqr */
+ORB_API lapack_int LAPACKE_spteqr(int matrix_layout, char compz, lapack_int n, float *d, float *e, float *z, lapack_int ldz);
+ORB_API lapack_int LAPACKE_spteqr_work(int matrix_layout, char compz, lapack_int n, float *d, float *e, float *z, lapack_int ldz, float *work);
+ORB_API lapack_int LAPACKE_cpteqr(int matrix_layout, char compz, lapack_int n, float *d, float *e, lapack_complex_float *z, lapack_int ldz);
+ORB_API lapack_int LAPACKE_cpteqr_work(int matrix_layout, char compz, lapack_int n, float *d, float *e, lapack_complex_float *z, lapack_int ldz, float *work);
+
+/* stein */
+ORB_API lapack_int LAPACKE_sstein(int matrix_layout, lapack_int n, const float *d, const float *e, lapack_int m, const float *w, const lapack_int *iblock, const lapack_int *isplit, float *z, lapack_int ldz, lapack_int *ifail);
+ORB_API lapack_int LAPACKE_sstein_work(int matrix_layout, lapack_int n, const float *d, const float *e, lapack_int m, const float *w, const lapack_int *iblock, const lapack_int *isplit, float *z, lapack_int ldz, float *work, lapack_int *iwork, lapack_int *ifail);
+ORB_API lapack_int LAPACKE_cstein(int matrix_layout, lapack_int n, const float *d, const float *e, lapack_int m, const float *w, const lapack_int *iblock, const lapack_int *isplit, lapack_complex_float *z, lapack_int ldz, lapack_int *ifail);
+ORB_API lapack_int LAPACKE_cstein_work(int matrix_layout, lapack_int n, const float *d, const float *e, lapack_int m, const float *w, const lapack_int *iblock, const lapack_int *isplit, lapack_complex_float *z, lapack_int ldz, float *work, lapack_int *iwork, lapack_int *ifail);
+
+/* sbev */
+ORB_API lapack_int LAPACKE_ssbev(int matrix_layout, char jobz, char uplo, lapack_int n, lapack_int kd, float *ab, lapack_int ldab, float *w, float *z, lapack_int ldz);
+ORB_API lapack_int LAPACKE_ssbev_work(int matrix_layout, char jobz, char uplo, lapack_int n, lapack_int kd, float *ab, lapack_int ldab, float *w, float *z, lapack_int ldz, float *work);
+
+/* hbev */
+ORB_API lapack_int LAPACKE_chbev(int matrix_layout, char jobz, char uplo, lapack_int n, lapack_int kd, lapack_complex_float *ab, lapack_int ldab, float *w, lapack_complex_float *z, lapack_int ldz);
+ORB_API lapack_int LAPACKE_chbev_work(int matrix_layout, char jobz, char uplo, lapack_int n, lapack_int kd, lapack_complex_float *ab, lapack_int ldab, float *w, lapack_complex_float *z, lapack_int ldz, lapack_complex_float *work, float *rwork);
+
+/* sbevd */
+ORB_API lapack_int LAPACKE_ssbevd(int matrix_layout, char jobz, char uplo, lapack_int n, lapack_int kd, float *ab, lapack_int ldab, float *w, float *z, lapack_int ldz);
+ORB_API lapack_int LAPACKE_ssbevd_work(int matrix_layout, char jobz, char uplo, lapack_int n, lapack_int kd, float *ab, lapack_int ldab, float *w, float *z, lapack_int ldz, float *work, lapack_int lwork, lapack_int *iwork, lapack_int liwork);
+
+/* hbevd */
+ORB_API lapack_int LAPACKE_chbevd(int matrix_layout, char jobz, char uplo, lapack_int n, lapack_int kd, lapack_complex_float *ab, lapack_int ldab, float *w, lapack_complex_float *z, lapack_int ldz);
+ORB_API lapack_int LAPACKE_chbevd_work(int matrix_layout, char jobz, char uplo, lapack_int n, lapack_int kd, lapack_complex_float *ab, lapack_int ldab, float *w, lapack_complex_float *z, lapack_int ldz, lapack_complex_float *work, lapack_int lwork, float *rwork, lapack_int lrwork, lapack_int *iwork, lapack_int liwork);
+
+/* sbevx */
+ORB_API lapack_int LAPACKE_ssbevx(int matrix_layout, char jobz, char range, char uplo, lapack_int n, lapack_int kd, float *ab, lapack_int ldab, float *q, lapack_int ldq, float vl, float vu, lapack_int il, lapack_int iu, float abstol, lapack_int *m, float *w, float *z, lapack_int ldz, lapack_int *ifail);
+ORB_API lapack_int LAPACKE_ssbevx_work(int matrix_layout, char jobz, char range, char uplo, lapack_int n, lapack_int kd, float *ab, lapack_int ldab, float *q, lapack_int ldq, float vl, float vu, lapack_int il, lapack_int iu, float abstol, lapack_int *m, float *w, float *z, lapack_int ldz, float *work, lapack_int *iwork, lapack_int *ifail);
+
+/* hbevx */
+ORB_API lapack_int LAPACKE_chbevx(int matrix_layout, char jobz, char range, char uplo, lapack_int n, lapack_int kd, lapack_complex_float *ab, lapack_int ldab, lapack_complex_float *q, lapack_int ldq, float vl, float vu, lapack_int il, lapack_int iu, float abstol, lapack_int *m, float *w, lapack_complex_float *z, lapack_int ldz, lapack_int *ifail);
+ORB_API lapack_int LAPACKE_chbevx_work(int matrix_layout, char jobz, char range, char uplo, lapack_int n, lapack_int kd, lapack_complex_float *ab, lapack_int ldab, lapack_complex_float *q, lapack_int ldq, float vl, float vu, lapack_int il, lapack_int iu, float abstol, lapack_int *m, float *w, lapack_complex_float *z, lapack_int ldz, lapack_complex_float *work, float *rwork, lapack_int *iwork, lapack_int *ifail);
+
+/* gehrd */
+ORB_API lapack_int LAPACKE_sgehrd(int matrix_layout, lapack_int n, lapack_int ilo, lapack_int ihi, float *a, lapack_int lda, float *tau);
+ORB_API lapack_int LAPACKE_sgehrd_work(int matrix_layout, lapack_int n, lapack_int ilo, lapack_int ihi, float *a, lapack_int lda, float *tau, float *work, lapack_int lwork);
+ORB_API lapack_int LAPACKE_cgehrd(int matrix_layout, lapack_int n, lapack_int ilo, lapack_int ihi, lapack_complex_float *a, lapack_int lda, lapack_complex_float *tau);
+ORB_API lapack_int LAPACKE_cgehrd_work(int matrix_layout, lapack_int n, lapack_int ilo, lapack_int ihi, lapack_complex_float *a, lapack_int lda, lapack_complex_float *tau, lapack_complex_float *work, lapack_int lwork);
+
+/* orghr */
+ORB_API lapack_int LAPACKE_sorghr(int matrix_layout, lapack_int n, lapack_int ilo, lapack_int ihi, float *a, lapack_int lda, const float *tau);
+ORB_API lapack_int LAPACKE_sorghr_work(int matrix_layout, lapack_int n, lapack_int ilo, lapack_int ihi, float *a, lapack_int lda, const float *tau, float *work, lapack_int lwork);
+
+/* unghr */
+ORB_API lapack_int LAPACKE_cunghr(int matrix_layout, lapack_int n, lapack_int ilo, lapack_int ihi, lapack_complex_float *a, lapack_int lda, const lapack_complex_float *tau);
+ORB_API lapack_int LAPACKE_cunghr_work(int matrix_layout, lapack_int n, lapack_int ilo, lapack_int ihi, lapack_complex_float *a, lapack_int lda, const lapack_complex_float *tau, lapack_complex_float *work, lapack_int lwork);
+
+/* gebal */
+ORB_API lapack_int LAPACKE_sgebal(int matrix_layout, char job, lapack_int n, float *a, lapack_int lda, lapack_int *ilo, lapack_int *ihi, float *scale);
+ORB_API lapack_int LAPACKE_sgebal_work(int matrix_layout, char job, lapack_int n, float *a, lapack_int lda, lapack_int *ilo, lapack_int *ihi, float *scale);
+ORB_API lapack_int LAPACKE_cgebal(int matrix_layout, char job, lapack_int n, lapack_complex_float *a, lapack_int lda, lapack_int *ilo, lapack_int *ihi, float *scale);
+ORB_API lapack_int LAPACKE_cgebal_work(int matrix_layout, char job, lapack_int n, lapack_complex_float *a, lapack_int lda, lapack_int *ilo, lapack_int *ihi, float *scale);
+
+/* gebak */
+ORB_API lapack_int LAPACKE_sgebak(int matrix_layout, char job, char side, lapack_int n, lapack_int ilo, lapack_int ihi, const float *scale, lapack_int m, float *v, lapack_int ldv);
+ORB_API lapack_int LAPACKE_sgebak_work(int matrix_layout, char job, char side, lapack_int n, lapack_int ilo, lapack_int ihi, const float *scale, lapack_int m, float *v, lapack_int ldv);
+ORB_API lapack_int LAPACKE_cgebak(int matrix_layout, char job, char side, lapack_int n, lapack_int ilo, lapack_int ihi, const float *scale, lapack_int m, lapack_complex_float *v, lapack_int ldv);
+ORB_API lapack_int LAPACKE_cgebak_work(int matrix_layout, char job, char side, lapack_int n, lapack_int ilo, lapack_int ihi, const float *scale, lapack_int m, lapack_complex_float *v, lapack_int ldv);
+
+/* hseqr */
+ORB_API lapack_int LAPACKE_shseqr(int matrix_layout, char job, char compz, lapack_int n, lapack_int ilo, lapack_int ihi, float *h, lapack_int ldh, float *wr, float *wi, float *z, lapack_int ldz);
+ORB_API lapack_int LAPACKE_shseqr_work(int matrix_layout, char job, char compz, lapack_int n, lapack_int ilo, lapack_int ihi, float *h, lapack_int ldh, float *wr, float *wi, float *z, lapack_int ldz, float *work, lapack_int lwork);
+
+/* hseqr */
+ORB_API lapack_int LAPACKE_chseqr(int matrix_layout, char job, char compz, lapack_int n, lapack_int ilo, lapack_int ihi, lapack_complex_float *h, lapack_int ldh, lapack_complex_float *w, lapack_complex_float *z, lapack_int ldz);
+ORB_API lapack_int LAPACKE_chseqr_work(int matrix_layout, char job, char compz, lapack_int n, lapack_int ilo, lapack_int ihi, lapack_complex_float *h, lapack_int ldh, lapack_complex_float *w, lapack_complex_float *z, lapack_int ldz, lapack_complex_float *work, lapack_int lwork);
+
+/* trevc */
+ORB_API lapack_int LAPACKE_strevc(int matrix_layout, char side, char howmny, lapack_int *select, lapack_int n, const float *t, lapack_int ldt, float *vl, lapack_int ldvl, float *vr, lapack_int ldvr, lapack_int mm, lapack_int *m);
+ORB_API lapack_int LAPACKE_strevc_work(int matrix_layout, char side, char howmny, lapack_int *select, lapack_int n, const float *t, lapack_int ldt, float *vl, lapack_int ldvl, float *vr, lapack_int ldvr, lapack_int mm, lapack_int *m, float *work);
+
+/* trevc */
+ORB_API lapack_int LAPACKE_ctrevc(int matrix_layout, char side, char howmny, const lapack_int *select, lapack_int n, lapack_complex_float *t, lapack_int ldt, lapack_complex_float *vl, lapack_int ldvl, lapack_complex_float *vr, lapack_int ldvr, lapack_int mm, lapack_int *m);
+ORB_API lapack_int LAPACKE_ctrevc_work(int matrix_layout, char side, char howmny, const lapack_int *select, lapack_int n, lapack_complex_float *t, lapack_int ldt, lapack_complex_float *vl, lapack_int ldvl, lapack_complex_float *vr, lapack_int ldvr, lapack_int mm, lapack_int *m, lapack_complex_float *work, float *rwork);
+
+/* trsyl */
+ORB_API lapack_int LAPACKE_strsyl(int matrix_layout, char trana, char tranb, lapack_int isgn, lapack_int m, lapack_int n, const float *a, lapack_int lda, const float *b, lapack_int ldb, float *c, lapack_int ldc, float *scale);
+ORB_API lapack_int LAPACKE_strsyl_work(int matrix_layout, char trana, char tranb, lapack_int isgn, lapack_int m, lapack_int n, const float *a, lapack_int lda, const float *b, lapack_int ldb, float *c, lapack_int ldc, float *scale);
+ORB_API lapack_int LAPACKE_ctrsyl(int matrix_layout, char trana, char tranb, lapack_int isgn, lapack_int m, lapack_int n, const lapack_complex_float *a, lapack_int lda, const lapack_complex_float *b, lapack_int ldb, lapack_complex_float *c, lapack_int ldc, float *scale);
+ORB_API lapack_int LAPACKE_ctrsyl_work(int matrix_layout, char trana, char tranb, lapack_int isgn, lapack_int m, lapack_int n, const lapack_complex_float *a, lapack_int lda, const lapack_complex_float *b, lapack_int ldb, lapack_complex_float *c, lapack_int ldc, float *scale);
+
+/* gebrd */
+ORB_API lapack_int LAPACKE_sgebrd(int matrix_layout, lapack_int m, lapack_int n, float *a, lapack_int lda, float *d, float *e, float *tauq, float *taup);
+ORB_API lapack_int LAPACKE_sgebrd_work(int matrix_layout, lapack_int m, lapack_int n, float *a, lapack_int lda, float *d, float *e, float *tauq, float *taup, float *work, lapack_int lwork);
+ORB_API lapack_int LAPACKE_cgebrd(int matrix_layout, lapack_int m, lapack_int n, lapack_complex_float *a, lapack_int lda, float *d, float *e, lapack_complex_float *tauq, lapack_complex_float *taup);
+ORB_API lapack_int LAPACKE_cgebrd_work(int matrix_layout, lapack_int m, lapack_int n, lapack_complex_float *a, lapack_int lda, float *d, float *e, lapack_complex_float *tauq, lapack_complex_float *taup, lapack_complex_float *work, lapack_int lwork);
+
+/* orgbr */
+ORB_API lapack_int LAPACKE_sorgbr(int matrix_layout, char vect, lapack_int m, lapack_int n, lapack_int k, float *a, lapack_int lda, const float *tau);
+ORB_API lapack_int LAPACKE_sorgbr_work(int matrix_layout, char vect, lapack_int m, lapack_int n, lapack_int k, float *a, lapack_int lda, const float *tau, float *work, lapack_int lwork);
+
+/* ungbr */
+ORB_API lapack_int LAPACKE_cungbr(int matrix_layout, char vect, lapack_int m, lapack_int n, lapack_int k, lapack_complex_float *a, lapack_int lda, const lapack_complex_float *tau);
+ORB_API lapack_int LAPACKE_cungbr_work(int matrix_layout, char vect, lapack_int m, lapack_int n, lapack_int k, lapack_complex_float *a, lapack_int lda, const lapack_complex_float *tau, lapack_complex_float *work, lapack_int lwork);
+
+/* ormbr */
+ORB_API lapack_int LAPACKE_sormbr(int matrix_layout, char vect, char side, char trans, lapack_int m, lapack_int n, lapack_int k, const float *a, lapack_int lda, const float *tau, float *c, lapack_int ldc);
+ORB_API lapack_int LAPACKE_sormbr_work(int matrix_layout, char vect, char side, char trans, lapack_int m, lapack_int n, lapack_int k, const float *a, lapack_int lda, const float *tau, float *c, lapack_int ldc, float *work, lapack_int lwork);
+
+/* bdsqr */
+ORB_API lapack_int LAPACKE_sbdsqr(int matrix_layout, char uplo, lapack_int n, lapack_int ncvt, lapack_int nru, lapack_int ncc, float *d, float *e, float *vt, lapack_int ldvt, float *u, lapack_int ldu, float *c, lapack_int ldc);
+ORB_API lapack_int LAPACKE_sbdsqr_work(int matrix_layout, char uplo, lapack_int n, lapack_int ncvt, lapack_int nru, lapack_int ncc, float *d, float *e, float *vt, lapack_int ldvt, float *u, lapack_int ldu, float *c, lapack_int ldc, float *work);
+ORB_API lapack_int LAPACKE_cbdsqr(int matrix_layout, char uplo, lapack_int n, lapack_int ncvt, lapack_int nru, lapack_int ncc, float *d, float *e, lapack_complex_float *vt, lapack_int ldvt, lapack_complex_float *u, lapack_int ldu, lapack_complex_float *c, lapack_int ldc);
+ORB_API lapack_int LAPACKE_cbdsqr_work(int matrix_layout, char uplo, lapack_int n, lapack_int ncvt, lapack_int nru, lapack_int ncc, float *d, float *e, lapack_complex_float *vt, lapack_int ldvt, lapack_complex_float *u, lapack_int ldu, lapack_complex_float *c, lapack_int ldc, float *work);
+
 #ifdef __cplusplus
 }
 #endif

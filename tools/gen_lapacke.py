@@ -90,6 +90,8 @@ def c_params(p, args, with_work):
             out.append(f"lapack_int *{a.name}")
         elif a.kind == "rout":
             out.append(f"float *{a.name}")
+        elif a.kind == "rin":
+            out.append(f"const float *{a.name}")
         elif a.kind in AUX:
             if not with_work:
                 continue
@@ -183,7 +185,7 @@ def work_body(p, routine, args):
             call.append(f"{a.name}_.ld()")
         elif a.kind == "swork":
             call.append(f"reinterpret_cast<{f} *>({a.name})")
-        elif a.kind in ("iout", "iin", "rout") or a.kind in AUX or a.kind in FIRST:
+        elif a.kind in ("iout", "iin", "rout", "rin") or a.kind in AUX or a.kind in FIRST:
             call.append(a.name)
         elif a.kind == "vout":
             call.append(f"reinterpret_cast<{f} *>({a.name})")

@@ -1136,6 +1136,320 @@ TEST(LapackeComplex, HermitianRefinementInverseAndReductionQ) {
   EXPECT_LT(be, 1e-5f);
 }
 
+// Tridiagonal and band symmetric eigenproblems: QR iteration, inverse
+// iteration from given eigenvalues (real vectors read through const
+// pointers) and the band drivers, each in both layouts with T z = lambda z
+// checked on the row-major vectors.
+TEST(LapackeReal, TridiagonalAndBandEigenInBothLayouts) {
+  std::mt19937 gen(79);
+  std::uniform_real_distribution<float> u(-1, 1);
+  const int n = 7;
+  std::vector<float> d0(n), e0(n - 1);
+  for (float &x : d0) x = 3 + u(gen);
+  for (float &x : e0) x = u(gen);
+  auto tmul = [&](const Pair<float> &z, int i, int k) {  // (T z)(i, k)
+    float s = d0[i] * z.r(i, k);
+    if (i > 0) s += e0[i - 1] * z.r(i - 1, k);
+    if (i < n - 1) s += e0[i] * z.r(i + 1, k);
+    return s;
+  };
+  std::vector<float> dc = d0, ec = e0, dr = d0, er = e0;
+  Pair<float> zc(n, n, gen), zr(n, n, gen);
+  ASSERT_EQ(LAPACKE_ssteqr(LAPACK_COL_MAJOR, 'I', n, dc.data(), ec.data(), zc.col.data(), zc.ldc),
+            0);
+  ASSERT_EQ(LAPACKE_ssteqr(LAPACK_ROW_MAJOR, 'I', n, dr.data(), er.data(), zr.row.data(), zr.ldr),
+            0);
+  for (int k = 0; k < n; ++k) {
+    EXPECT_NEAR(dc[k], dr[k], 1e-5f);
+    for (int i = 0; i < n; ++i) EXPECT_NEAR(tmul(zr, i, k), dr[k] * zr.r(i, k), 1e-4f);
+  }
+  // Inverse iteration for the two largest, the whole matrix one block.
+  const int m = 2;
+  std::vector<float> w = {dr[n - 2], dr[n - 1]};
+  std::vector<lapack_int> block(n, 1), split = {n}, fail(m);
+  Pair<float> vc(n, m, gen), vr(n, m, gen);
+  ASSERT_EQ(LAPACKE_sstein(LAPACK_COL_MAJOR, n, d0.data(), e0.data(), m, w.data(), block.data(),
+                           split.data(), vc.col.data(), vc.ldc, fail.data()),
+            0);
+  ASSERT_EQ(LAPACKE_sstein(LAPACK_ROW_MAJOR, n, d0.data(), e0.data(), m, w.data(), block.data(),
+                           split.data(), vr.row.data(), vr.ldr, fail.data()),
+            0);
+  for (int k = 0; k < m; ++k)
+    for (int i = 0; i < n; ++i) EXPECT_NEAR(vc.c(i, k), vr.r(i, k), 1e-4f);
+  for (int k = 0; k < m; ++k)
+    for (int i = 0; i < n; ++i) EXPECT_NEAR(tmul(vr, i, k), w[k] * vr.r(i, k), 1e-4f);
+  // Positive definite tridiagonal: eigenvalues only, then with vectors.
+  std::vector<float> pd(n, 4), pe(n - 1, 1), pd2 = pd, pe2 = pe;
+  Pair<float> none(1, 1, gen);
+  ASSERT_EQ(LAPACKE_spteqr(LAPACK_ROW_MAJOR, 'N', n, pd.data(), pe.data(), none.row.data(), 1), 0);
+  Pair<float> pz(n, n, gen);
+  ASSERT_EQ(LAPACKE_spteqr(LAPACK_ROW_MAJOR, 'I', n, pd2.data(), pe2.data(), pz.row.data(), pz.ldr),
+            0);
+  for (int k = 0; k < n; ++k) EXPECT_NEAR(pd[k], pd2[k], 1e-4f);
+
+  // Band of half-width 2 in upper storage; all three drivers.
+  const int kd = 2;
+  Pair<float> ab(kd + 1, n, gen);
+  for (int j = 0; j < n; ++j) ab.set(kd, j, 2 + ab.c(kd, j));
+  auto band = [&](int i, int j) {
+    if (i > j) std::swap(i, j);
+    return j - i > kd ? 0.0f : ab.c(kd + i - j, j);
+  };
+  auto check = [&](const Pair<float> &z, const std::vector<float> &ev, int count) {
+    for (int k = 0; k < count; ++k)
+      for (int i = 0; i < n; ++i) {
+        float s = 0;
+        for (int j = 0; j < n; ++j) s += band(i, j) * z.r(j, k);
+        EXPECT_NEAR(s, ev[k] * z.r(i, k), 1e-4f);
+      }
+  };
+  std::vector<float> wc(n), wr(n), wd(n), wx(n);
+  Pair<float> a1 = ab, a2 = ab, a3 = ab, a4 = ab, z1(n, n, gen), z2(n, n, gen), z3(n, n, gen),
+              q(n, n, gen), z4(n, 3, gen);
+  ASSERT_EQ(LAPACKE_ssbev(LAPACK_COL_MAJOR, 'V', 'U', n, kd, a1.col.data(), a1.ldc, wc.data(),
+                          z1.col.data(), z1.ldc),
+            0);
+  ASSERT_EQ(LAPACKE_ssbev(LAPACK_ROW_MAJOR, 'V', 'U', n, kd, a2.row.data(), a2.ldr, wr.data(),
+                          z2.row.data(), z2.ldr),
+            0);
+  check(z2, wr, n);
+  ASSERT_EQ(LAPACKE_ssbevd(LAPACK_ROW_MAJOR, 'V', 'U', n, kd, a3.row.data(), a3.ldr, wd.data(),
+                           z3.row.data(), z3.ldr),
+            0);
+  check(z3, wd, n);
+  lapack_int found = 0;
+  std::vector<lapack_int> ifail(n);
+  ASSERT_EQ(LAPACKE_ssbevx(LAPACK_ROW_MAJOR, 'V', 'I', 'U', n, kd, a4.row.data(), a4.ldr,
+                           q.row.data(), q.ldr, 0, 0, n - 2, n, 0, &found, wx.data(), z4.row.data(),
+                           z4.ldr, ifail.data()),
+            0);
+  ASSERT_EQ(found, 3);
+  check(z4, wx, 3);
+  for (int k = 0; k < n; ++k) {
+    EXPECT_NEAR(wc[k], wr[k], 1e-5f);
+    EXPECT_NEAR(wd[k], wr[k], 1e-4f);
+  }
+  for (int k = 0; k < 3; ++k) EXPECT_NEAR(wx[k], wr[n - 3 + k], 1e-4f);
+}
+
+// The Hermitian band drivers and the complex tridiagonal vector routines
+// with the kinds tested above.
+TEST(LapackeComplex, BandAndTridiagonalEigen) {
+  std::mt19937 gen(83);
+  const int n = 6, kd = 1;
+  Pair<cf> ab(kd + 1, n, gen);
+  for (int j = 0; j < n; ++j) ab.set(kd, j, cf(3, 0));
+  Pair<cf> a1 = ab, a2 = ab, a3 = ab, z1(n, n, gen), z2(n, n, gen), z3(n, 2, gen), q(n, n, gen);
+  std::vector<float> w1(n), w2(n), w3(n);
+  ASSERT_EQ(LAPACKE_chbev(LAPACK_ROW_MAJOR, 'V', 'U', n, kd, a1.row.data(), a1.ldr, w1.data(),
+                          z1.row.data(), z1.ldr),
+            0);
+  ASSERT_EQ(LAPACKE_chbevd(LAPACK_ROW_MAJOR, 'V', 'U', n, kd, a2.row.data(), a2.ldr, w2.data(),
+                           z2.row.data(), z2.ldr),
+            0);
+  lapack_int found = 0;
+  std::vector<lapack_int> ifail(n);
+  ASSERT_EQ(
+      LAPACKE_chbevx(LAPACK_ROW_MAJOR, 'V', 'I', 'U', n, kd, a3.row.data(), a3.ldr, q.row.data(),
+                     q.ldr, 0, 0, 1, 2, 0, &found, w3.data(), z3.row.data(), z3.ldr, ifail.data()),
+      0);
+  ASSERT_EQ(found, 2);
+  for (int k = 0; k < n; ++k) EXPECT_NEAR(w1[k], w2[k], 1e-4f);
+  for (int k = 0; k < 2; ++k) EXPECT_NEAR(w3[k], w1[k], 1e-4f);
+  std::vector<float> d(n, 3), e(n - 1, 0.5f), d2 = d, e2 = e;
+  Pair<cf> z(n, n, gen), zp(n, n, gen), zi(n, 1, gen);
+  ASSERT_EQ(LAPACKE_csteqr(LAPACK_ROW_MAJOR, 'I', n, d.data(), e.data(), z.row.data(), z.ldr), 0);
+  ASSERT_EQ(LAPACKE_cpteqr(LAPACK_ROW_MAJOR, 'I', n, d2.data(), e2.data(), zp.row.data(), zp.ldr),
+            0);
+  for (int k = 0; k < n; ++k) EXPECT_NEAR(d[k], d2[n - 1 - k], 1e-4f);  // pteqr: descending
+  std::vector<float> d0(n, 3), e0(n - 1, 0.5f), w = {d[0]};
+  std::vector<lapack_int> block(n, 1), split = {n}, fail(1);
+  ASSERT_EQ(LAPACKE_cstein(LAPACK_ROW_MAJOR, n, d0.data(), e0.data(), 1, w.data(), block.data(),
+                           split.data(), zi.row.data(), zi.ldr, fail.data()),
+            0);
+  for (int i = 0; i < n; ++i)  // the same vector as steqr's first, up to sign
+    EXPECT_NEAR(std::abs(zi.r(i, 0)), std::abs(z.r(i, 0)), 1e-4f);
+}
+
+// The nonsymmetric chain: balance, Hessenberg form and its Q, Schur form,
+// eigenvectors of the triangular factor, back-transformation; A v = w v on
+// the row-major result, and the two layouts give the same eigenvalues.
+TEST(LapackeComplex, BalancedSchurEigenvectorsInBothLayouts) {
+  std::mt19937 gen(89);
+  const int n = 6;
+  Pair<cf> a(n, n, gen), a0 = a;
+  a.set(0, 3, cf(300, 0));  // something for the balancing to do
+  a0 = a;
+  std::vector<cf> wr(n), wc(n);
+  for (int layout : {LAPACK_COL_MAJOR, LAPACK_ROW_MAJOR}) {
+    const bool row = layout == LAPACK_ROW_MAJOR;
+    Pair<cf> h = a0, q(n, n, gen), vr(n, n, gen), vl(1, 1, gen);
+    cf *hp = row ? h.row.data() : h.col.data();
+    cf *qp = row ? q.row.data() : q.col.data();
+    cf *vp = row ? vr.row.data() : vr.col.data();
+    const int ldh = row ? h.ldr : h.ldc, ldq = row ? q.ldr : q.ldc, ldv = row ? vr.ldr : vr.ldc;
+    lapack_int ilo = 0, ihi = 0, m = 0;
+    std::vector<float> scale(n);
+    std::vector<cf> tau(n - 1), &w = row ? wr : wc;
+    ASSERT_EQ(LAPACKE_cgebal(layout, 'B', n, hp, ldh, &ilo, &ihi, scale.data()), 0);
+    ASSERT_EQ(LAPACKE_cgehrd(layout, n, ilo, ihi, hp, ldh, tau.data()), 0);
+    for (int i = 0; i < n; ++i)
+      for (int j = 0; j < n; ++j) q.set(i, j, row ? h.r(i, j) : h.c(i, j));
+    ASSERT_EQ(LAPACKE_cunghr(layout, n, ilo, ihi, qp, ldq, tau.data()), 0);
+    ASSERT_EQ(LAPACKE_chseqr(layout, 'S', 'V', n, ilo, ihi, hp, ldh, w.data(), qp, ldq), 0);
+    for (int i = 0; i < n; ++i)
+      for (int j = 0; j < n; ++j) vr.set(i, j, row ? q.r(i, j) : q.c(i, j));
+    std::vector<lapack_int> select(n, 0);
+    ASSERT_EQ(LAPACKE_ctrevc(layout, 'R', 'B', select.data(), n, hp, ldh, vl.row.data(), 1, vp, ldv,
+                             n, &m),
+              0);
+    ASSERT_EQ(m, n);
+    ASSERT_EQ(LAPACKE_cgebak(layout, 'B', 'R', n, ilo, ihi, scale.data(), n, vp, ldv), 0);
+    for (int k = 0; k < n; ++k) {
+      float size = 0;
+      for (int i = 0; i < n; ++i) size = std::max(size, std::abs(row ? vr.r(i, k) : vr.c(i, k)));
+      for (int i = 0; i < n; ++i) {
+        cf s = 0;
+        for (int j = 0; j < n; ++j) s += a0.c(i, j) * (row ? vr.r(j, k) : vr.c(j, k));
+        EXPECT_NEAR(std::abs(s - w[k] * (row ? vr.r(i, k) : vr.c(i, k))), 0, 1e-3f * size * 300);
+      }
+    }
+  }
+  for (int k = 0; k < n; ++k) EXPECT_NEAR(std::abs(wr[k] - wc[k]), 0, 1e-3f);
+}
+
+// Real Hessenberg and Schur forms in both layouts, the Sylvester equation,
+// and the bidiagonal route to the singular values.
+TEST(LapackeReal, SchurSylvesterAndBidiagonalInBothLayouts) {
+  std::mt19937 gen(97);
+  const int n = 6;
+  Pair<float> a(n, n, gen), a0 = a;
+  std::vector<float> tau(n - 1);
+  std::vector<float> re[2] = {std::vector<float>(n), std::vector<float>(n)};
+  std::vector<float> im[2] = {std::vector<float>(n), std::vector<float>(n)};
+  ASSERT_EQ(LAPACKE_sgehrd(LAPACK_COL_MAJOR, n, 1, n, a.col.data(), a.ldc, tau.data()), 0);
+  ASSERT_EQ(LAPACKE_sgehrd(LAPACK_ROW_MAJOR, n, 1, n, a.row.data(), a.ldr, tau.data()), 0);
+  a.expect_same(1e-4f);
+  Pair<float> q = a, t = a;
+  ASSERT_EQ(LAPACKE_sorghr(LAPACK_COL_MAJOR, n, 1, n, q.col.data(), q.ldc, tau.data()), 0);
+  ASSERT_EQ(LAPACKE_sorghr(LAPACK_ROW_MAJOR, n, 1, n, q.row.data(), q.ldr, tau.data()), 0);
+  q.expect_same(1e-4f);
+  ASSERT_EQ(LAPACKE_shseqr(LAPACK_COL_MAJOR, 'S', 'V', n, 1, n, t.col.data(), t.ldc, re[0].data(),
+                           im[0].data(), q.col.data(), q.ldc),
+            0);
+  ASSERT_EQ(LAPACKE_shseqr(LAPACK_ROW_MAJOR, 'S', 'V', n, 1, n, t.row.data(), t.ldr, re[1].data(),
+                           im[1].data(), q.row.data(), q.ldr),
+            0);
+  for (int k = 0; k < n; ++k) {
+    EXPECT_NEAR(re[0][k], re[1][k], 1e-4f);
+    EXPECT_NEAR(im[0][k], im[1][k], 1e-4f);
+  }
+  // A = Z T Z^T in row-major storage, the Schur vectors orthonormal.
+  for (int i = 0; i < n; ++i)
+    for (int j = 0; j < n; ++j) {
+      float s = 0;
+      for (int k = 0; k < n; ++k) s += a0.c(i, k) * q.r(k, j) - q.r(i, k) * t.r(k, j);
+      EXPECT_NEAR(s, 0, 1e-4f);
+    }
+  // Right eigenvectors of the quasi-triangular factor: T v = lambda v for
+  // each real eigenvalue (a complex pair's columns hold its real and
+  // imaginary parts).
+  Pair<float> vr(n, n, gen), none(1, 1, gen);
+  std::vector<lapack_int> sel(n, 0);
+  lapack_int mr = 0;
+  ASSERT_EQ(LAPACKE_strevc(LAPACK_ROW_MAJOR, 'R', 'A', sel.data(), n, t.row.data(), t.ldr,
+                           none.row.data(), 1, vr.row.data(), vr.ldr, n, &mr),
+            0);
+  EXPECT_EQ(mr, n);
+  for (int k = 0; k < n; ++k) {
+    if (im[1][k] != 0) continue;
+    for (int i = 0; i < n; ++i) {
+      float s = 0;
+      for (int j = 0; j < n; ++j) s += t.r(i, j) * vr.r(j, k);
+      EXPECT_NEAR(s, re[1][k] * vr.r(i, k), 1e-4f);
+    }
+  }
+  // Balancing and back-transformation of a badly scaled matrix.
+  Pair<float> b(n, n, gen), v(n, 2, gen);
+  b.set(1, 4, 500);
+  Pair<float> v0 = v;
+  lapack_int lo[2], hi[2];
+  std::vector<float> sc(n), sr(n);
+  ASSERT_EQ(
+      LAPACKE_sgebal(LAPACK_COL_MAJOR, 'B', n, b.col.data(), b.ldc, &lo[0], &hi[0], sc.data()), 0);
+  ASSERT_EQ(
+      LAPACKE_sgebal(LAPACK_ROW_MAJOR, 'B', n, b.row.data(), b.ldr, &lo[1], &hi[1], sr.data()), 0);
+  EXPECT_EQ(sc, sr);
+  b.expect_same(0);
+  ASSERT_EQ(LAPACKE_sgebak(LAPACK_COL_MAJOR, 'B', 'R', n, lo[0], hi[0], sc.data(), 2, v.col.data(),
+                           v.ldc),
+            0);
+  ASSERT_EQ(LAPACKE_sgebak(LAPACK_ROW_MAJOR, 'B', 'R', n, lo[1], hi[1], sr.data(), 2, v.row.data(),
+                           v.ldr),
+            0);
+  v.expect_same(0);
+
+  // A X + X B = scale C with upper triangular A (4 x 4) and B (3 x 3).
+  Pair<float> ta(4, 4, gen, 3), tb(3, 3, gen, 2), c(4, 3, gen), c0 = c;
+  for (int i = 0; i < 4; ++i)
+    for (int j = 0; j < i; ++j) ta.set(i, j, 0);
+  for (int i = 0; i < 3; ++i)
+    for (int j = 0; j < i; ++j) tb.set(i, j, 0);
+  float s1 = 0, s2 = 0;
+  ASSERT_EQ(LAPACKE_strsyl(LAPACK_COL_MAJOR, 'N', 'N', 1, 4, 3, ta.col.data(), ta.ldc,
+                           tb.col.data(), tb.ldc, c.col.data(), c.ldc, &s1),
+            0);
+  ASSERT_EQ(LAPACKE_strsyl(LAPACK_ROW_MAJOR, 'N', 'N', 1, 4, 3, ta.row.data(), ta.ldr,
+                           tb.row.data(), tb.ldr, c.row.data(), c.ldr, &s2),
+            0);
+  EXPECT_EQ(s1, s2);
+  c.expect_same(1e-5f);
+  for (int i = 0; i < 4; ++i)
+    for (int j = 0; j < 3; ++j) {
+      float r = -s2 * c0.c(i, j);
+      for (int k = 0; k < 4; ++k) r += ta.c(i, k) * c.r(k, j);
+      for (int k = 0; k < 3; ++k) r += c.r(i, k) * tb.c(k, j);
+      EXPECT_NEAR(r, 0, 1e-4f);
+    }
+
+  // Bidiagonal reduction of an 8 x 5 matrix; its Q formed and applied; the
+  // singular values from bdsqr against gesvd's.
+  const int m = 8, k = 5;
+  Pair<float> g(m, k, gen), g0 = g;
+  std::vector<float> dc(k), ec(k - 1), dr(k), er(k - 1), tq(k), tp(k);
+  ASSERT_EQ(LAPACKE_sgebrd(LAPACK_COL_MAJOR, m, k, g.col.data(), g.ldc, dc.data(), ec.data(),
+                           tq.data(), tp.data()),
+            0);
+  ASSERT_EQ(LAPACKE_sgebrd(LAPACK_ROW_MAJOR, m, k, g.row.data(), g.ldr, dr.data(), er.data(),
+                           tq.data(), tp.data()),
+            0);
+  g.expect_same(1e-4f);
+  Pair<float> gq = g, cm(m, 2, gen);
+  ASSERT_EQ(LAPACKE_sormbr(LAPACK_COL_MAJOR, 'Q', 'L', 'T', m, 2, k, g.col.data(), g.ldc, tq.data(),
+                           cm.col.data(), cm.ldc),
+            0);
+  ASSERT_EQ(LAPACKE_sormbr(LAPACK_ROW_MAJOR, 'Q', 'L', 'T', m, 2, k, g.row.data(), g.ldr, tq.data(),
+                           cm.row.data(), cm.ldr),
+            0);
+  cm.expect_same(1e-4f);
+  ASSERT_EQ(LAPACKE_sorgbr(LAPACK_COL_MAJOR, 'Q', m, k, k, gq.col.data(), gq.ldc, tq.data()), 0);
+  ASSERT_EQ(LAPACKE_sorgbr(LAPACK_ROW_MAJOR, 'Q', m, k, k, gq.row.data(), gq.ldr, tq.data()), 0);
+  gq.expect_same(1e-4f);
+  Pair<float> u(k, k, gen);
+  for (int i = 0; i < k; ++i)
+    for (int j = 0; j < k; ++j) u.set(i, j, i == j ? 1.0f : 0.0f);
+  Pair<float> nv(1, 1, gen);
+  ASSERT_EQ(LAPACKE_sbdsqr(LAPACK_ROW_MAJOR, 'U', k, 0, k, 0, dr.data(), er.data(), nv.row.data(),
+                           1, u.row.data(), u.ldr, nv.row.data(), 1),
+            0);
+  std::vector<float> sv(k), superb(k - 1);
+  Pair<float> no(1, 1, gen);
+  ASSERT_EQ(LAPACKE_sgesvd(LAPACK_ROW_MAJOR, 'N', 'N', m, k, g0.row.data(), g0.ldr, sv.data(),
+                           no.row.data(), 1, no.row.data(), 1, superb.data()),
+            0);
+  for (int i = 0; i < k; ++i) EXPECT_NEAR(dr[i], sv[i], 1e-4f * sv[0]);
+}
+
 // The message printed by a call, and its result.
 template <class F>
 std::pair<lapack_int, std::string> outcome(F call) {
