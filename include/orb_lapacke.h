@@ -513,6 +513,14 @@ ORB_API lapack_int LAPACKE_sbdsqr_work(int matrix_layout, char uplo, lapack_int 
 ORB_API lapack_int LAPACKE_cbdsqr(int matrix_layout, char uplo, lapack_int n, lapack_int ncvt, lapack_int nru, lapack_int ncc, float *d, float *e, lapack_complex_float *vt, lapack_int ldvt, lapack_complex_float *u, lapack_int ldu, lapack_complex_float *c, lapack_int ldc);
 ORB_API lapack_int LAPACKE_cbdsqr_work(int matrix_layout, char uplo, lapack_int n, lapack_int ncvt, lapack_int nru, lapack_int ncc, float *d, float *e, lapack_complex_float *vt, lapack_int ldvt, lapack_complex_float *u, lapack_int ldu, lapack_complex_float *c, lapack_int ldc, float *work);
 
+/* sterf */
+ORB_API lapack_int LAPACKE_ssterf(lapack_int n, float *d, float *e);
+ORB_API lapack_int LAPACKE_ssterf_work(lapack_int n, float *d, float *e);
+
+/* stebz */
+ORB_API lapack_int LAPACKE_sstebz(char range, char order, lapack_int n, float vl, float vu, lapack_int il, lapack_int iu, float abstol, const float *d, const float *e, lapack_int *m, lapack_int *nsplit, float *w, lapack_int *iblock, lapack_int *isplit);
+ORB_API lapack_int LAPACKE_sstebz_work(char range, char order, lapack_int n, float vl, float vu, lapack_int il, lapack_int iu, float abstol, const float *d, const float *e, lapack_int *m, lapack_int *nsplit, float *w, lapack_int *iblock, lapack_int *isplit, float *work, lapack_int *iwork);
+
 #ifdef __cplusplus
 }
 #endif

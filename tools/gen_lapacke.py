@@ -37,6 +37,10 @@ def read_table():
                 continue
             routine, prefixes, args = line.split("\t")
             rows.append((routine, prefixes.split(), [Arg(a) for a in args.split()]))
+            if rows[-1][2] and rows[-1][2][0].kind == "nolayout":
+                for a in rows[-1][2][1:]:
+                    if a.kind in ("ge", "gein", "geinx"):
+                        sys.exit(f"{routine}: a matrix needs the layout argument")
     return rows
 
 
@@ -72,13 +76,19 @@ def cxx_expr(shape):
     return re.sub(r"\bmax\(", "std::max<lapack_int>(", shape)
 
 
+def has_layout(args):
+    return not args or args[0].kind != "nolayout"
+
+
 def c_params(p, args, with_work):
     """The C parameter list after the layout, and each argument's position."""
     t = C_TYPE[p]
     out, pos = [], {}
-    n = 2
+    n = 2 if has_layout(args) else 1
     for a in args:
-        if a.kind == "int" or a.kind == "ld":
+        if a.kind == "nolayout":
+            continue
+        elif a.kind == "int" or a.kind == "ld":
             out.append(f"lapack_int {a.name}")
         elif a.kind == "char":
             out.append(f"char {a.name}")
@@ -133,8 +143,9 @@ def prototypes(p, routine, args):
     name = f"LAPACKE_{p}{routine}"
     hi, _ = c_params(p, args, False)
     lo, _ = c_params(p, args, True)
-    return (f"lapack_int {name}(int matrix_layout, {', '.join(hi)})",
-            f"lapack_int {name}_work(int matrix_layout, {', '.join(lo)})")
+    lead = "int matrix_layout, " if has_layout(args) else ""
+    return (f"lapack_int {name}({lead}{', '.join(hi)})",
+            f"lapack_int {name}_work({lead}{', '.join(lo)})")
 
 
 def work_body(p, routine, args):
@@ -142,10 +153,11 @@ def work_body(p, routine, args):
     _, pos = c_params(p, args, True)
     queried = [a for a in args if a.kind in QUERIED]
     has_work = bool(queried)
-    lines = [f"  const char *self = \"{name}\";",
-             "  if (!layout_ok(matrix_layout)) return report(self, 1);",
-             "  const bool row = matrix_layout == LAPACK_ROW_MAJOR;"]
-    if has_work:
+    lines = [f"  const char *self = \"{name}\";"]
+    if has_layout(args):
+        lines += ["  if (!layout_ok(matrix_layout)) return report(self, 1);",
+                  "  const bool row = matrix_layout == LAPACK_ROW_MAJOR;"]
+    if has_work and has_layout(args):
         test = " || ".join(f"l{a.name} == -1" for a in queried)
         lines.append(f"  const bool query = {test};")
     copy = "row && !query" if has_work else "row"
@@ -201,7 +213,9 @@ def work_body(p, routine, args):
     call += ["1"] * lengths
     lines.append("    lapack_int info = 0;")
     lines.append(f"    ::{p}{routine}({', '.join(call)});")
-    lines.append("    return info < 0 ? info - 1 : info;")
+    # A bad argument's position counts the layout argument when there is one.
+    shift = " - 1" if has_layout(args) else ""
+    lines.append(f"    return info < 0 ? info{shift} : info;")
     lines.append("  } catch (const std::bad_alloc &) {")
     lines.append("    return out_of_memory(self, LAPACK_TRANSPOSE_MEMORY_ERROR);")
     lines.append("  }")
@@ -209,13 +223,21 @@ def work_body(p, routine, args):
 
 
 def high_body(p, routine, args):
+    lines = layout_high_body(p, routine, args)
+    if has_layout(args):
+        return lines
+    return [line.replace("_work(matrix_layout, ", "_work(") for line in lines
+            if "layout_ok" not in line]
+
+
+def layout_high_body(p, routine, args):
     name = f"LAPACKE_{p}{routine}"
     aux = [a for a in args if a.kind in AUX]
     queried = [a for a in args if a.kind in QUERIED or a.kind in FIRST]
     superb = [a for a in args if a.kind == "superb"]
     lines = [f"  if (!layout_ok(matrix_layout)) return report(\"{name}\", 1);"]
     if not queried and not aux:
-        names = [a.name for a in args]
+        names = [a.name for a in args if a.kind != "nolayout"]
         lines.append(f"  return {name}_work(matrix_layout, {', '.join(names)});")
         return lines
     for a in aux:
@@ -238,7 +260,7 @@ def high_body(p, routine, args):
                 out.append(f"&{a.name}_size" if query else f"{a.name}.data()")
             elif a.kind in AUX:
                 out.append(f"{a.name}.data()")
-            elif a.kind != "superb":
+            elif a.kind not in ("superb", "nolayout"):
                 out.append(a.name)
         return ", ".join(out)
 

@@ -3787,4 +3787,42 @@ lapack_int LAPACKE_cbdsqr(int matrix_layout, char uplo, lapack_int n, lapack_int
   return LAPACKE_cbdsqr_work(matrix_layout, uplo, n, ncvt, nru, ncc, d, e, vt, ldvt, u, ldu, c, ldc, work.data());
 }
 
+lapack_int LAPACKE_ssterf_work(lapack_int n, float *d, float *e) {
+  const char *self = "LAPACKE_ssterf_work";
+  try {
+    lapack_int info = 0;
+    ::ssterf(&n, d, e, &info);
+    return info < 0 ? info : info;
+  } catch (const std::bad_alloc &) {
+    return out_of_memory(self, LAPACK_TRANSPOSE_MEMORY_ERROR);
+  }
+}
+
+lapack_int LAPACKE_ssterf(lapack_int n, float *d, float *e) {
+  return LAPACKE_ssterf_work(n, d, e);
+}
+
+lapack_int LAPACKE_sstebz_work(char range, char order, lapack_int n, float vl, float vu, lapack_int il, lapack_int iu, float abstol, const float *d, const float *e, lapack_int *m, lapack_int *nsplit, float *w, lapack_int *iblock, lapack_int *isplit, float *work, lapack_int *iwork) {
+  const char *self = "LAPACKE_sstebz_work";
+  try {
+    lapack_int info = 0;
+    ::sstebz(&range, &order, &n, &vl, &vu, &il, &iu, &abstol, d, e, m, nsplit, w, iblock, isplit, work, iwork, &info, 1, 1);
+    return info < 0 ? info : info;
+  } catch (const std::bad_alloc &) {
+    return out_of_memory(self, LAPACK_TRANSPOSE_MEMORY_ERROR);
+  }
+}
+
+lapack_int LAPACKE_sstebz(char range, char order, lapack_int n, float vl, float vu, lapack_int il, lapack_int iu, float abstol, const float *d, const float *e, lapack_int *m, lapack_int *nsplit, float *w, lapack_int *iblock, lapack_int *isplit) {
+  std::vector<float> work;
+  std::vector<lapack_int> iwork;
+  try {
+    work.resize(static_cast<std::size_t>(std::max<lapack_int>(1, 4*n)));
+    iwork.resize(static_cast<std::size_t>(std::max<lapack_int>(1, 3*n)));
+  } catch (const std::bad_alloc &) {
+    return out_of_memory("LAPACKE_sstebz", LAPACK_WORK_MEMORY_ERROR);
+  }
+  return LAPACKE_sstebz_work(range, order, n, vl, vu, il, iu, abstol, d, e, m, nsplit, w, iblock, isplit, work.data(), iwork.data());
+}
+
 }  // extern "C"

@@ -613,7 +613,7 @@ TYPED_TEST(Lapacke, ConditionEstimatesInBothLayouts) {
   ASSERT_EQ(getrf(LAPACK_COL_MAJOR, a, pc), 0);
   ASSERT_EQ(getrf(LAPACK_ROW_MAJOR, a, pr), 0);
   ASSERT_EQ(getrf(LAPACK_COL_MAJOR, inv, pi), 0);
-  float rc = 0, rr = 0, rt = 0;
+  float rc = 0, rr = 0;
   if constexpr (std::is_same_v<T, cf>) {
     ASSERT_EQ(LAPACKE_cgetri(LAPACK_COL_MAJOR, n, inv.col.data(), inv.ldc, pi.data()), 0);
     ASSERT_EQ(LAPACKE_cgecon(LAPACK_COL_MAJOR, '1', n, a.col.data(), a.ldc, anorm, &rc), 0);
@@ -1448,6 +1448,33 @@ TEST(LapackeReal, SchurSylvesterAndBidiagonalInBothLayouts) {
                            no.row.data(), 1, no.row.data(), 1, superb.data()),
             0);
   for (int i = 0; i < k; ++i) EXPECT_NEAR(dr[i], sv[i], 1e-4f * sv[0]);
+}
+
+// The entries without a layout argument: eigenvalues of a tridiagonal
+// matrix by root-free QR and by bisection, which agree; a bad order is
+// reported as the first argument.
+TEST(LapackeReal, TridiagonalEigenvaluesWithoutLayout) {
+  const int n = 9;
+  std::vector<float> d(n), e(n - 1);
+  for (int i = 0; i < n; ++i) d[i] = 2 + 0.1f * i;
+  for (int i = 0; i < n - 1; ++i) e[i] = -1 + 0.05f * i;
+  std::vector<float> q = d, qe = e;
+  ASSERT_EQ(LAPACKE_ssterf(n, q.data(), qe.data()), 0);
+  std::vector<float> w(n);
+  std::vector<lapack_int> block(n), split(n);
+  lapack_int m = 0, nsplit = 0;
+  ASSERT_EQ(LAPACKE_sstebz('A', 'E', n, 0, 0, 0, 0, 0, d.data(), e.data(), &m, &nsplit, w.data(),
+                           block.data(), split.data()),
+            0);
+  ASSERT_EQ(m, n);
+  EXPECT_EQ(nsplit, 1);
+  for (int k = 0; k < n; ++k) EXPECT_NEAR(q[k], w[k], 1e-5f);
+  ASSERT_EQ(LAPACKE_sstebz('I', 'B', n, 0, 0, 2, 4, 0, d.data(), e.data(), &m, &nsplit, w.data(),
+                           block.data(), split.data()),
+            0);
+  ASSERT_EQ(m, 3);
+  for (int k = 0; k < 3; ++k) EXPECT_NEAR(w[k], q[k + 1], 1e-5f);
+  EXPECT_EQ(LAPACKE_ssterf(-1, q.data(), qe.data()), -1);
 }
 
 // The message printed by a call, and its result.
