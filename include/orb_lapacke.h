@@ -521,6 +521,14 @@ ORB_API lapack_int LAPACKE_ssterf_work(lapack_int n, float *d, float *e);
 ORB_API lapack_int LAPACKE_sstebz(char range, char order, lapack_int n, float vl, float vu, lapack_int il, lapack_int iu, float abstol, const float *d, const float *e, lapack_int *m, lapack_int *nsplit, float *w, lapack_int *iblock, lapack_int *isplit);
 ORB_API lapack_int LAPACKE_sstebz_work(char range, char order, lapack_int n, float vl, float vu, lapack_int il, lapack_int iu, float abstol, const float *d, const float *e, lapack_int *m, lapack_int *nsplit, float *w, lapack_int *iblock, lapack_int *isplit, float *work, lapack_int *iwork);
 
+/* trsna */
+ORB_API lapack_int LAPACKE_strsna(int matrix_layout, char job, char howmny, const lapack_int *select, lapack_int n, const float *t, lapack_int ldt, const float *vl, lapack_int ldvl, const float *vr, lapack_int ldvr, float *s, float *sep, lapack_int mm, lapack_int *m);
+ORB_API lapack_int LAPACKE_strsna_work(int matrix_layout, char job, char howmny, const lapack_int *select, lapack_int n, const float *t, lapack_int ldt, const float *vl, lapack_int ldvl, const float *vr, lapack_int ldvr, float *s, float *sep, lapack_int mm, lapack_int *m, float *work, lapack_int ldwork, lapack_int *iwork);
+
+/* trsna */
+ORB_API lapack_int LAPACKE_ctrsna(int matrix_layout, char job, char howmny, const lapack_int *select, lapack_int n, const lapack_complex_float *t, lapack_int ldt, const lapack_complex_float *vl, lapack_int ldvl, const lapack_complex_float *vr, lapack_int ldvr, float *s, float *sep, lapack_int mm, lapack_int *m);
+ORB_API lapack_int LAPACKE_ctrsna_work(int matrix_layout, char job, char howmny, const lapack_int *select, lapack_int n, const lapack_complex_float *t, lapack_int ldt, const lapack_complex_float *vl, lapack_int ldvl, const lapack_complex_float *vr, lapack_int ldvr, float *s, float *sep, lapack_int mm, lapack_int *m, lapack_complex_float *work, lapack_int ldwork, float *rwork);
+
 #ifdef __cplusplus
 }
 #endif

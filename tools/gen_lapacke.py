@@ -110,6 +110,10 @@ def c_params(p, args, with_work):
             if not with_work:
                 continue
             out.append(f"{FIRST[a.kind]} *{a.name}")
+        elif a.kind == "wld":
+            if not with_work:
+                continue
+            out.append(f"lapack_int {a.name}")
         elif a.kind == "superb":
             if with_work:
                 continue
@@ -179,7 +183,7 @@ def work_body(p, routine, args):
     lengths = 0
     f = F_TYPE[p]
     for a in args:
-        if a.kind in ("int", "real"):
+        if a.kind in ("int", "real", "wld"):
             call.append(f"&{a.name}")
         elif a.kind in ("intout", "realout"):
             call.append(a.name)
@@ -237,7 +241,7 @@ def layout_high_body(p, routine, args):
     superb = [a for a in args if a.kind == "superb"]
     lines = [f"  if (!layout_ok(matrix_layout)) return report(\"{name}\", 1);"]
     if not queried and not aux:
-        names = [a.name for a in args if a.kind != "nolayout"]
+        names = [a.name for a in args if a.kind not in ("nolayout", "wld")]
         lines.append(f"  return {name}_work(matrix_layout, {', '.join(names)});")
         return lines
     for a in aux:
@@ -260,6 +264,8 @@ def layout_high_body(p, routine, args):
                 out.append(f"&{a.name}_size" if query else f"{a.name}.data()")
             elif a.kind in AUX:
                 out.append(f"{a.name}.data()")
+            elif a.kind == "wld":
+                out.append(f"std::max<lapack_int>(1, {cxx_expr(a.shape)})")
             elif a.kind not in ("superb", "nolayout"):
                 out.append(a.name)
         return ", ".join(out)

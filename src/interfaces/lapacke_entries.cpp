@@ -3825,4 +3825,68 @@ lapack_int LAPACKE_sstebz(char range, char order, lapack_int n, float vl, float 
   return LAPACKE_sstebz_work(range, order, n, vl, vu, il, iu, abstol, d, e, m, nsplit, w, iblock, isplit, work.data(), iwork.data());
 }
 
+lapack_int LAPACKE_strsna_work(int matrix_layout, char job, char howmny, const lapack_int *select, lapack_int n, const float *t, lapack_int ldt, const float *vl, lapack_int ldvl, const float *vr, lapack_int ldvr, float *s, float *sep, lapack_int mm, lapack_int *m, float *work, lapack_int ldwork, lapack_int *iwork) {
+  const char *self = "LAPACKE_strsna_work";
+  if (!layout_ok(matrix_layout)) return report(self, 1);
+  const bool row = matrix_layout == LAPACK_ROW_MAJOR;
+  if (row && ldt < std::max<lapack_int>(1, n)) return report(self, 7);
+  if (row && ldvl < std::max<lapack_int>(1, trsna_cols(job,mm))) return report(self, 9);
+  if (row && ldvr < std::max<lapack_int>(1, trsna_cols(job,mm))) return report(self, 11);
+  try {
+    ColMajor<const float> t_(row, row, n, n, t, ldt, false);
+    ColMajor<const float> vl_(row, row, n, trsna_cols(job,mm), vl, ldvl, false);
+    ColMajor<const float> vr_(row, row, n, trsna_cols(job,mm), vr, ldvr, false);
+    lapack_int info = 0;
+    ::strsna(&job, &howmny, select, &n, reinterpret_cast<const float *>(t_.data()), t_.ld(), reinterpret_cast<const float *>(vl_.data()), vl_.ld(), reinterpret_cast<const float *>(vr_.data()), vr_.ld(), s, sep, &mm, m, reinterpret_cast<float *>(work), &ldwork, iwork, &info, 1, 1);
+    return info < 0 ? info - 1 : info;
+  } catch (const std::bad_alloc &) {
+    return out_of_memory(self, LAPACK_TRANSPOSE_MEMORY_ERROR);
+  }
+}
+
+lapack_int LAPACKE_strsna(int matrix_layout, char job, char howmny, const lapack_int *select, lapack_int n, const float *t, lapack_int ldt, const float *vl, lapack_int ldvl, const float *vr, lapack_int ldvr, float *s, float *sep, lapack_int mm, lapack_int *m) {
+  if (!layout_ok(matrix_layout)) return report("LAPACKE_strsna", 1);
+  std::vector<float> work;
+  std::vector<lapack_int> iwork;
+  try {
+    work.resize(static_cast<std::size_t>(std::max<lapack_int>(1, trsna_work_rows(job,n)*(n+6))));
+    iwork.resize(static_cast<std::size_t>(std::max<lapack_int>(1, 2*(n-1))));
+  } catch (const std::bad_alloc &) {
+    return out_of_memory("LAPACKE_strsna", LAPACK_WORK_MEMORY_ERROR);
+  }
+  return LAPACKE_strsna_work(matrix_layout, job, howmny, select, n, t, ldt, vl, ldvl, vr, ldvr, s, sep, mm, m, work.data(), std::max<lapack_int>(1, trsna_work_rows(job,n)), iwork.data());
+}
+
+lapack_int LAPACKE_ctrsna_work(int matrix_layout, char job, char howmny, const lapack_int *select, lapack_int n, const lapack_complex_float *t, lapack_int ldt, const lapack_complex_float *vl, lapack_int ldvl, const lapack_complex_float *vr, lapack_int ldvr, float *s, float *sep, lapack_int mm, lapack_int *m, lapack_complex_float *work, lapack_int ldwork, float *rwork) {
+  const char *self = "LAPACKE_ctrsna_work";
+  if (!layout_ok(matrix_layout)) return report(self, 1);
+  const bool row = matrix_layout == LAPACK_ROW_MAJOR;
+  if (row && ldt < std::max<lapack_int>(1, n)) return report(self, 7);
+  if (row && ldvl < std::max<lapack_int>(1, trsna_cols(job,mm))) return report(self, 9);
+  if (row && ldvr < std::max<lapack_int>(1, trsna_cols(job,mm))) return report(self, 11);
+  try {
+    ColMajor<const lapack_complex_float> t_(row, row, n, n, t, ldt, false);
+    ColMajor<const lapack_complex_float> vl_(row, row, n, trsna_cols(job,mm), vl, ldvl, false);
+    ColMajor<const lapack_complex_float> vr_(row, row, n, trsna_cols(job,mm), vr, ldvr, false);
+    lapack_int info = 0;
+    ::ctrsna(&job, &howmny, select, &n, reinterpret_cast<const orb_complex8 *>(t_.data()), t_.ld(), reinterpret_cast<const orb_complex8 *>(vl_.data()), vl_.ld(), reinterpret_cast<const orb_complex8 *>(vr_.data()), vr_.ld(), s, sep, &mm, m, reinterpret_cast<orb_complex8 *>(work), &ldwork, rwork, &info, 1, 1);
+    return info < 0 ? info - 1 : info;
+  } catch (const std::bad_alloc &) {
+    return out_of_memory(self, LAPACK_TRANSPOSE_MEMORY_ERROR);
+  }
+}
+
+lapack_int LAPACKE_ctrsna(int matrix_layout, char job, char howmny, const lapack_int *select, lapack_int n, const lapack_complex_float *t, lapack_int ldt, const lapack_complex_float *vl, lapack_int ldvl, const lapack_complex_float *vr, lapack_int ldvr, float *s, float *sep, lapack_int mm, lapack_int *m) {
+  if (!layout_ok(matrix_layout)) return report("LAPACKE_ctrsna", 1);
+  std::vector<lapack_complex_float> work;
+  std::vector<float> rwork;
+  try {
+    work.resize(static_cast<std::size_t>(std::max<lapack_int>(1, trsna_work_rows(job,n)*(n+6))));
+    rwork.resize(static_cast<std::size_t>(std::max<lapack_int>(1, n)));
+  } catch (const std::bad_alloc &) {
+    return out_of_memory("LAPACKE_ctrsna", LAPACK_WORK_MEMORY_ERROR);
+  }
+  return LAPACKE_ctrsna_work(matrix_layout, job, howmny, select, n, t, ldt, vl, ldvl, vr, ldvr, s, sep, mm, m, work.data(), std::max<lapack_int>(1, trsna_work_rows(job,n)), rwork.data());
+}
+
 }  // extern "C"

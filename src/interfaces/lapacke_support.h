@@ -72,6 +72,14 @@ inline lapack_int bidiag_cols(char vect, char side, lapack_int m, lapack_int n, 
   const lapack_int nq = left(side) ? m : n;
   return (vect | 0x20) == 'q' ? std::min(nq, k) : nq;
 }
+// trsna reads the eigenvector matrices (mm columns) unless job asks for the
+// separations alone ('V'), and needs its work matrix only for them.
+inline lapack_int trsna_cols(char job, lapack_int mm) {
+  return (job | 0x20) == 'v' ? 0 : mm;
+}
+inline lapack_int trsna_work_rows(char job, lapack_int n) {
+  return (job | 0x20) == 'e' ? 1 : n;
+}
 // The real workspace of cgesdd.
 inline lapack_int svd_rwork(char jobz, lapack_int m, lapack_int n) {
   const lapack_int k = std::min(m, n), l = std::max(m, n);

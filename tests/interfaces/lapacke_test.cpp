@@ -1477,6 +1477,62 @@ TEST(LapackeReal, TridiagonalEigenvaluesWithoutLayout) {
   EXPECT_EQ(LAPACKE_ssterf(-1, q.data(), qe.data()), -1);
 }
 
+// Condition numbers of the eigenvalues and eigenvectors of a triangular
+// matrix from its left and right eigenvectors: the layouts agree, each
+// eigenvalue's condition is the reciprocal of a cosine, and asking for the
+// values alone needs no work matrix.
+TYPED_TEST(Lapacke, EigenConditionNumbersInBothLayouts) {
+  using T = TypeParam;
+  constexpr bool complex = std::is_same_v<T, cf>;
+  std::mt19937 gen(101);
+  const int n = 6;
+  Pair<T> t(n, n, gen);
+  for (int i = 0; i < n; ++i) {
+    t.set(i, i, T(static_cast<float>(i + 1)));
+    for (int j = 0; j < i; ++j) t.set(i, j, 0);
+  }
+  std::vector<float> s[2], sep[2];
+  for (int layout : {LAPACK_COL_MAJOR, LAPACK_ROW_MAJOR}) {
+    const bool row = layout == LAPACK_ROW_MAJOR;
+    Pair<T> tt = t, vl(n, n, gen), vr(n, n, gen);
+    T *tp = row ? tt.row.data() : tt.col.data();
+    T *lp = row ? vl.row.data() : vl.col.data();
+    T *rp = row ? vr.row.data() : vr.col.data();
+    const int ld = row ? t.ldr : t.ldc;
+    std::vector<lapack_int> select(n, 1);
+    lapack_int m = 0;
+    auto &sv = s[row], &sp = sep[row];
+    sv.assign(n, 0);
+    sp.assign(n, 0);
+    if constexpr (complex) {
+      ASSERT_EQ(LAPACKE_ctrevc(layout, 'B', 'A', select.data(), n, tp, ld, lp, ld, rp, ld, n, &m),
+                0);
+      ASSERT_EQ(LAPACKE_ctrsna(layout, 'B', 'A', select.data(), n, tp, ld, lp, ld, rp, ld,
+                               sv.data(), sp.data(), n, &m),
+                0);
+    } else {
+      ASSERT_EQ(LAPACKE_strevc(layout, 'B', 'A', select.data(), n, tp, ld, lp, ld, rp, ld, n, &m),
+                0);
+      ASSERT_EQ(LAPACKE_strsna(layout, 'B', 'A', select.data(), n, tp, ld, lp, ld, rp, ld,
+                               sv.data(), sp.data(), n, &m),
+                0);
+      std::vector<float> s2(n), sep2(n);
+      ASSERT_EQ(LAPACKE_strsna(layout, 'E', 'A', select.data(), n, tp, ld, lp, ld, rp, ld,
+                               s2.data(), sep2.data(), n, &m),
+                0);
+      EXPECT_EQ(s2, sv);
+    }
+    EXPECT_EQ(m, n);
+  }
+  for (int k = 0; k < n; ++k) {
+    EXPECT_NEAR(s[0][k], s[1][k], 1e-4f);
+    EXPECT_NEAR(sep[0][k], sep[1][k], 1e-4f);
+    EXPECT_GT(s[1][k], 0);
+    EXPECT_LE(s[1][k], 1.0001f);
+    EXPECT_GT(sep[1][k], 0);
+  }
+}
+
 // The message printed by a call, and its result.
 template <class F>
 std::pair<lapack_int, std::string> outcome(F call) {
