@@ -647,11 +647,11 @@ lapack_int LAPACKE_sgesdd_work(int matrix_layout, char jobz, lapack_int m, lapac
   const bool query = lwork == -1;
   if (row && lda < std::max<lapack_int>(1, n)) return report(self, 6);
   if (row && ldu < std::max<lapack_int>(1, svd_u_cols(jobz,m,n))) return report(self, 9);
-  if (row && ldvt < std::max<lapack_int>(1, n)) return report(self, 11);
+  if (row && ldvt < std::max<lapack_int>(1, (svd_vt_rows(jobz,m,n)>0?n:0))) return report(self, 11);
   try {
     ColMajor<float> a_(row, row && !query, m, n, a, lda, true);
     ColMajor<float> u_(row, row && !query, m, svd_u_cols(jobz,m,n), u, ldu, true);
-    ColMajor<float> vt_(row, row && !query, svd_vt_rows(jobz,m,n), n, vt, ldvt, true);
+    ColMajor<float> vt_(row, row && !query, svd_vt_rows(jobz,m,n), (svd_vt_rows(jobz,m,n)>0?n:0), vt, ldvt, true);
     lapack_int info = 0;
     ::sgesdd(&jobz, &m, &n, reinterpret_cast<float *>(a_.data()), a_.ld(), s, reinterpret_cast<float *>(u_.data()), u_.ld(), reinterpret_cast<float *>(vt_.data()), vt_.ld(), reinterpret_cast<float *>(work), &lwork, iwork, &info, 1);
     return info < 0 ? info - 1 : info;
@@ -688,11 +688,11 @@ lapack_int LAPACKE_cgesdd_work(int matrix_layout, char jobz, lapack_int m, lapac
   const bool query = lwork == -1;
   if (row && lda < std::max<lapack_int>(1, n)) return report(self, 6);
   if (row && ldu < std::max<lapack_int>(1, svd_u_cols(jobz,m,n))) return report(self, 9);
-  if (row && ldvt < std::max<lapack_int>(1, n)) return report(self, 11);
+  if (row && ldvt < std::max<lapack_int>(1, (svd_vt_rows(jobz,m,n)>0?n:0))) return report(self, 11);
   try {
     ColMajor<lapack_complex_float> a_(row, row && !query, m, n, a, lda, true);
     ColMajor<lapack_complex_float> u_(row, row && !query, m, svd_u_cols(jobz,m,n), u, ldu, true);
-    ColMajor<lapack_complex_float> vt_(row, row && !query, svd_vt_rows(jobz,m,n), n, vt, ldvt, true);
+    ColMajor<lapack_complex_float> vt_(row, row && !query, svd_vt_rows(jobz,m,n), (svd_vt_rows(jobz,m,n)>0?n:0), vt, ldvt, true);
     lapack_int info = 0;
     ::cgesdd(&jobz, &m, &n, reinterpret_cast<orb_complex8 *>(a_.data()), a_.ld(), s, reinterpret_cast<orb_complex8 *>(u_.data()), u_.ld(), reinterpret_cast<orb_complex8 *>(vt_.data()), vt_.ld(), reinterpret_cast<orb_complex8 *>(work), &lwork, rwork, iwork, &info, 1);
     return info < 0 ? info - 1 : info;

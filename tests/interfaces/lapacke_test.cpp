@@ -1443,11 +1443,17 @@ TEST(LapackeReal, SchurSylvesterAndBidiagonalInBothLayouts) {
                            1, u.row.data(), u.ldr, nv.row.data(), 1),
             0);
   std::vector<float> sv(k), superb(k - 1);
-  Pair<float> no(1, 1, gen);
+  Pair<float> no(1, 1, gen), g1 = g0;
   ASSERT_EQ(LAPACKE_sgesvd(LAPACK_ROW_MAJOR, 'N', 'N', m, k, g0.row.data(), g0.ldr, sv.data(),
                            no.row.data(), 1, no.row.data(), 1, superb.data()),
             0);
   for (int i = 0; i < k; ++i) EXPECT_NEAR(dr[i], sv[i], 1e-4f * sv[0]);
+  // Values only: neither factor's leading dimension is looked at.
+  std::vector<float> sd(k);
+  ASSERT_EQ(LAPACKE_sgesdd(LAPACK_ROW_MAJOR, 'N', m, k, g1.row.data(), g1.ldr, sd.data(),
+                           no.row.data(), 1, no.row.data(), 1),
+            0);
+  for (int i = 0; i < k; ++i) EXPECT_NEAR(sd[i], sv[i], 1e-4f * sv[0]);
 }
 
 // The entries without a layout argument: eigenvalues of a tridiagonal
