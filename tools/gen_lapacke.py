@@ -37,6 +37,10 @@ def read_table():
                 continue
             routine, prefixes, args = line.split("\t")
             rows.append((routine, prefixes.split(), [Arg(a) for a in args.split()]))
+            if rows[-1][2] and rows[-1][2][0].kind == "nolayout":
+                for a in rows[-1][2][1:]:
+                    if a.kind in ("ge", "gein", "geinx"):
+                        sys.exit(f"{routine}: a matrix needs the layout argument")
     return rows
 
 
@@ -51,13 +55,20 @@ def split_top(shape):
     sys.exit(f"shape {shape} is not rows,cols")
 
 
-AUX = {"iwork": "lapack_int", "rwork": "float"}
+AUX = {"iwork": "lapack_int", "rwork": "float", "swork": None}
 # Workspaces sized by the query: the element type (None: the scalar type).
 QUERIED = {"work": None, "rworkq": "float", "iworkq": "lapack_int"}
+# Workspaces whose length the same query returns in their own first element,
+# with no length argument.
+FIRST = {"rworkz": "float", "iworkz": "lapack_int"}
 
 
 def elem(p, a):
-    return QUERIED[a.kind] or C_TYPE[p]
+    return FIRST[a.kind] if a.kind in FIRST else QUERIED[a.kind] or C_TYPE[p]
+
+
+def aux_type(p, a):
+    return AUX[a.kind] or C_TYPE[p]
 
 
 def cxx_expr(shape):
@@ -65,28 +76,48 @@ def cxx_expr(shape):
     return re.sub(r"\bmax\(", "std::max<lapack_int>(", shape)
 
 
+def has_layout(args):
+    return not args or args[0].kind != "nolayout"
+
+
 def c_params(p, args, with_work):
     """The C parameter list after the layout, and each argument's position."""
     t = C_TYPE[p]
     out, pos = [], {}
-    n = 2
+    n = 2 if has_layout(args) else 1
     for a in args:
-        if a.kind == "int" or a.kind == "ld":
+        if a.kind == "nolayout":
+            continue
+        elif a.kind == "int" or a.kind == "ld":
             out.append(f"lapack_int {a.name}")
         elif a.kind == "char":
             out.append(f"char {a.name}")
         elif a.kind == "ge" or a.kind == "vout":
             out.append(f"{t} *{a.name}")
-        elif a.kind in ("gein", "vin"):
+        elif a.kind in ("gein", "geinx", "vin"):
             out.append(f"const {t} *{a.name}")
         elif a.kind == "iout":
             out.append(f"lapack_int *{a.name}")
         elif a.kind == "rout":
             out.append(f"float *{a.name}")
+        elif a.kind == "rin":
+            out.append(f"const float *{a.name}")
         elif a.kind in AUX:
             if not with_work:
                 continue
-            out.append(f"{AUX[a.kind]} *{a.name}")
+            out.append(f"{aux_type(p, a)} *{a.name}")
+        elif a.kind in FIRST:
+            if not with_work:
+                continue
+            out.append(f"{FIRST[a.kind]} *{a.name}")
+        elif a.kind == "wld":
+            if not with_work:
+                continue
+            out.append(f"lapack_int {a.name}")
+        elif a.kind == "superb":
+            if with_work:
+                continue
+            out.append(f"float *{a.name}")
         elif a.kind == "iin":
             out.append(f"const lapack_int *{a.name}")
         elif a.kind in QUERIED:
@@ -103,6 +134,8 @@ def c_params(p, args, with_work):
             out.append(f"float {a.name}")
         elif a.kind == "intout":
             out.append(f"lapack_int *{a.name}")
+        elif a.kind == "realout":
+            out.append(f"float *{a.name}")
         else:
             sys.exit(f"unknown argument kind {a.kind}")
         pos[a.name] = n
@@ -114,8 +147,9 @@ def prototypes(p, routine, args):
     name = f"LAPACKE_{p}{routine}"
     hi, _ = c_params(p, args, False)
     lo, _ = c_params(p, args, True)
-    return (f"lapack_int {name}(int matrix_layout, {', '.join(hi)})",
-            f"lapack_int {name}_work(int matrix_layout, {', '.join(lo)})")
+    lead = "int matrix_layout, " if has_layout(args) else ""
+    return (f"lapack_int {name}({lead}{', '.join(hi)})",
+            f"lapack_int {name}_work({lead}{', '.join(lo)})")
 
 
 def work_body(p, routine, args):
@@ -123,16 +157,17 @@ def work_body(p, routine, args):
     _, pos = c_params(p, args, True)
     queried = [a for a in args if a.kind in QUERIED]
     has_work = bool(queried)
-    lines = [f"  const char *self = \"{name}\";",
-             "  if (!layout_ok(matrix_layout)) return report(self, 1);",
-             "  const bool row = matrix_layout == LAPACK_ROW_MAJOR;"]
-    if has_work:
+    lines = [f"  const char *self = \"{name}\";"]
+    if has_layout(args):
+        lines += ["  if (!layout_ok(matrix_layout)) return report(self, 1);",
+                  "  const bool row = matrix_layout == LAPACK_ROW_MAJOR;"]
+    if has_work and has_layout(args):
         test = " || ".join(f"l{a.name} == -1" for a in queried)
         lines.append(f"  const bool query = {test};")
     copy = "row && !query" if has_work else "row"
     mats = []
     for i, a in enumerate(args):
-        if a.kind in ("ge", "gein"):
+        if a.kind in ("ge", "gein", "geinx"):
             ld = args[i + 1]
             rows, cols = (cxx_expr(s) for s in split_top(a.shape))
             lines.append(f"  if (row && {ld.name} < std::max<lapack_int>(1, {cols})) "
@@ -140,17 +175,17 @@ def work_body(p, routine, args):
             mats.append((a, ld, rows, cols))
     lines.append("  try {")
     for a, ld, rows, cols in mats:
-        const = "const " if a.kind == "gein" else ""
-        write = "false" if a.kind == "gein" else "true"
+        const = "" if a.kind == "ge" else "const "
+        write = "true" if a.kind == "ge" else "false"
         lines.append(f"    ColMajor<{const}{C_TYPE[p]}> {a.name}_(row, {copy}, {rows}, {cols}, "
                      f"{a.name}, {ld.name}, {write});")
     call = []
     lengths = 0
     f = F_TYPE[p]
     for a in args:
-        if a.kind in ("int", "real"):
+        if a.kind in ("int", "real", "wld"):
             call.append(f"&{a.name}")
-        elif a.kind == "intout":
+        elif a.kind in ("intout", "realout"):
             call.append(a.name)
         elif a.kind == "char":
             call.append(f"&{a.name}")
@@ -161,7 +196,12 @@ def work_body(p, routine, args):
         elif a.kind == "gein":
             call.append(f"reinterpret_cast<const {f} *>({a.name}_.data())")
             call.append(f"{a.name}_.ld()")
-        elif a.kind in ("iout", "iin", "rout") or a.kind in AUX:
+        elif a.kind == "geinx":
+            call.append(f"reinterpret_cast<{f} *>(const_cast<{C_TYPE[p]} *>({a.name}_.data()))")
+            call.append(f"{a.name}_.ld()")
+        elif a.kind == "swork":
+            call.append(f"reinterpret_cast<{f} *>({a.name})")
+        elif a.kind in ("iout", "iin", "rout", "rin") or a.kind in AUX or a.kind in FIRST:
             call.append(a.name)
         elif a.kind == "vout":
             call.append(f"reinterpret_cast<{f} *>({a.name})")
@@ -177,7 +217,9 @@ def work_body(p, routine, args):
     call += ["1"] * lengths
     lines.append("    lapack_int info = 0;")
     lines.append(f"    ::{p}{routine}({', '.join(call)});")
-    lines.append("    return info < 0 ? info - 1 : info;")
+    # A bad argument's position counts the layout argument when there is one.
+    shift = " - 1" if has_layout(args) else ""
+    lines.append(f"    return info < 0 ? info{shift} : info;")
     lines.append("  } catch (const std::bad_alloc &) {")
     lines.append("    return out_of_memory(self, LAPACK_TRANSPOSE_MEMORY_ERROR);")
     lines.append("  }")
@@ -185,26 +227,25 @@ def work_body(p, routine, args):
 
 
 def high_body(p, routine, args):
+    lines = layout_high_body(p, routine, args)
+    if has_layout(args):
+        return lines
+    return [line.replace("_work(matrix_layout, ", "_work(") for line in lines
+            if "layout_ok" not in line]
+
+
+def layout_high_body(p, routine, args):
     name = f"LAPACKE_{p}{routine}"
-    hi, _ = c_params(p, args, False)
-    names = [a.name for a in args if a.kind != "work"]
     aux = [a for a in args if a.kind in AUX]
+    queried = [a for a in args if a.kind in QUERIED or a.kind in FIRST]
+    superb = [a for a in args if a.kind == "superb"]
     lines = [f"  if (!layout_ok(matrix_layout)) return report(\"{name}\", 1);"]
-    queried = [a for a in args if a.kind in QUERIED]
-    if not queried:
+    if not queried and not aux:
+        names = [a.name for a in args if a.kind not in ("nolayout", "wld")]
         lines.append(f"  return {name}_work(matrix_layout, {', '.join(names)});")
         return lines
-    before = []
-    for a in args:
-        if a.kind in QUERIED:
-            before.append(f"&{a.name}_size")
-            before.append("-1")
-        elif a.kind in AUX:
-            before.append(f"{a.name}.data()")
-        else:
-            before.append(a.name)
     for a in aux:
-        lines.append(f"  std::vector<{AUX[a.kind]}> {a.name};")
+        lines.append(f"  std::vector<{aux_type(p, a)}> {a.name};")
     if aux:
         lines.append("  try {")
         for a in aux:
@@ -213,28 +254,48 @@ def high_body(p, routine, args):
         lines.append("  } catch (const std::bad_alloc &) {")
         lines.append(f"    return out_of_memory(\"{name}\", LAPACK_WORK_MEMORY_ERROR);")
         lines.append("  }")
-    for a in queried:
-        lines.append(f"  {elem(p, a)} {a.name}_size{{}};")
-    lines.append(f"  lapack_int info = {name}_work(matrix_layout, {', '.join(before)});")
-    lines.append("  if (info != 0) return info;")
-    for a in queried:
-        lines.append(f"  std::vector<{elem(p, a)}> {a.name};")
-        lines.append(f"  lapack_int l{a.name} = workspace_length({a.name}_size);")
-    lines.append("  try {")
-    for a in queried:
-        lines.append(f"    {a.name}.resize(static_cast<std::size_t>(l{a.name}));")
-    lines.append("  } catch (const std::bad_alloc &) {")
-    lines.append(f"    return out_of_memory(\"{name}\", LAPACK_WORK_MEMORY_ERROR);")
-    lines.append("  }")
-    final = []
-    for a in args:
-        if a.kind in QUERIED:
-            final += [f"{a.name}.data()", f"l{a.name}"]
-        elif a.kind in AUX:
-            final.append(f"{a.name}.data()")
-        else:
-            final.append(a.name)
-    lines.append(f"  return {name}_work(matrix_layout, {', '.join(final)});")
+
+    def arguments(query):
+        out = []
+        for a in args:
+            if a.kind in QUERIED:
+                out += [f"&{a.name}_size", "-1"] if query else [f"{a.name}.data()", f"l{a.name}"]
+            elif a.kind in FIRST:
+                out.append(f"&{a.name}_size" if query else f"{a.name}.data()")
+            elif a.kind in AUX:
+                out.append(f"{a.name}.data()")
+            elif a.kind == "wld":
+                out.append(f"std::max<lapack_int>(1, {cxx_expr(a.shape)})")
+            elif a.kind not in ("superb", "nolayout"):
+                out.append(a.name)
+        return ", ".join(out)
+
+    if queried:
+        for a in queried:
+            lines.append(f"  {elem(p, a)} {a.name}_size{{}};")
+        lines.append(f"  lapack_int info = {name}_work(matrix_layout, {arguments(True)});")
+        lines.append("  if (info != 0) return info;")
+        for a in queried:
+            lines.append(f"  std::vector<{elem(p, a)}> {a.name};")
+            lines.append(f"  lapack_int l{a.name} = workspace_length({a.name}_size);")
+        lines.append("  try {")
+        for a in queried:
+            lines.append(f"    {a.name}.resize(static_cast<std::size_t>(l{a.name}));")
+        lines.append("  } catch (const std::bad_alloc &) {")
+        lines.append(f"    return out_of_memory(\"{name}\", LAPACK_WORK_MEMORY_ERROR);")
+        lines.append("  }")
+    if not superb:
+        lines.append(f"  return {name}_work(matrix_layout, {arguments(False)});")
+        return lines
+    # The unconverged superdiagonal of the bidiagonal form: the real routine
+    # leaves it from the second element of work, the complex one from the
+    # first of rwork.
+    source = "rwork.data()" if any(a.name == "rwork" for a in aux) else "work.data() + 1"
+    lines.append(f"  const lapack_int result = {name}_work(matrix_layout, {arguments(False)});")
+    for a in superb:
+        lines.append(f"  for (lapack_int i = 0; i < {cxx_expr(a.shape)}; ++i) "
+                     f"{a.name}[i] = std::real(({source})[i]);")
+    lines.append("  return result;")
     return lines
 
 

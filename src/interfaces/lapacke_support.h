@@ -38,6 +38,48 @@ inline lapack_int svd_vt_rows(char jobz, lapack_int m, lapack_int n) {
   if (j == 's') return std::min(m, n);
   return 0;
 }
+// The shape of gesvd's singular vectors for job jobu (jobvt): all `full`
+// columns of U (rows of V^T), the leading min(m, n), or none.
+inline lapack_int svd_vectors(char job, lapack_int full, lapack_int m, lapack_int n) {
+  const char j = static_cast<char>(job | 0x20);
+  if (j == 'a') return full;
+  if (j == 's') return std::min(m, n);
+  return 0;
+}
+// The columns of geev's left or right eigenvector matrix.
+inline lapack_int eig_v_cols(char job, lapack_int n) {
+  return (job | 0x20) == 'v' ? n : 0;
+}
+// The columns of an eigenvector matrix the compz argument asks to form or
+// update ('N': none).
+inline lapack_int z_cols(char compz, lapack_int n) {
+  return (compz | 0x20) == 'n' ? 0 : n;
+}
+// The columns of trevc's left (which = 'l') or right ('r') vectors: mm when
+// side asks for them or for both.
+inline lapack_int side_cols(char side, char which, lapack_int mm) {
+  const char s = static_cast<char>(side | 0x20);
+  return s == 'b' || s == which ? mm : 0;
+}
+// The reflector array of ormbr: with vect 'Q' an nq x min(nq, k) array of
+// the column reflectors, with 'P' a min(nq, k) x nq array of the row ones,
+// nq being the order of the factor applied.
+inline lapack_int bidiag_rows(char vect, char side, lapack_int m, lapack_int n, lapack_int k) {
+  const lapack_int nq = left(side) ? m : n;
+  return (vect | 0x20) == 'q' ? nq : std::min(nq, k);
+}
+inline lapack_int bidiag_cols(char vect, char side, lapack_int m, lapack_int n, lapack_int k) {
+  const lapack_int nq = left(side) ? m : n;
+  return (vect | 0x20) == 'q' ? std::min(nq, k) : nq;
+}
+// trsna reads the eigenvector matrices (mm columns) unless job asks for the
+// separations alone ('V'), and needs its work matrix only for them.
+inline lapack_int trsna_cols(char job, lapack_int mm) {
+  return (job | 0x20) == 'v' ? 0 : mm;
+}
+inline lapack_int trsna_work_rows(char job, lapack_int n) {
+  return (job | 0x20) == 'e' ? 1 : n;
+}
 // The real workspace of cgesdd.
 inline lapack_int svd_rwork(char jobz, lapack_int m, lapack_int n) {
   const lapack_int k = std::min(m, n), l = std::max(m, n);
